@@ -1,0 +1,68 @@
+#ifndef HOMELOOM_COMMON_HLLOG_H
+#define HOMELOOM_COMMON_HLLOG_H
+
+#include <exception>
+
+#include <dlog.h>
+
+// One message, two sinks: the platform's trace sink and its log. File, function and line come by themselves.
+// The arguments are not even evaluated unless one of the sinks takes the line.
+//
+//   HL_LOGI("device_id : %s status : %d", id.c_str(), status);
+#define HL_LOGD(...) HL_LOG_TAGGED(DLOG_DEBUG, VMFramework::HomeLoom::Log::kTag, __VA_ARGS__)
+#define HL_LOGI(...) HL_LOG_TAGGED(DLOG_INFO, VMFramework::HomeLoom::Log::kTag, __VA_ARGS__)
+#define HL_LOGE(...) HL_LOG_TAGGED(DLOG_ERROR, VMFramework::HomeLoom::Log::kTag, __VA_ARGS__)
+
+#define HL_LOG_TAGGED(priority, tag, ...)                                                                  \
+    do {                                                                                                   \
+        if (VMFramework::HomeLoom::Log::IsTaken(priority, tag)) {                                          \
+            VMFramework::HomeLoom::Log::Write(priority, tag, {__FILE__, __func__, __LINE__}, __VA_ARGS__); \
+        }                                                                                                  \
+    } while (false)
+
+// The call trace of the frame: "Entered" here, "Left" at the end of the scope.
+#define HL_TRACE(object) const VMFramework::HomeLoom::Log::CallTrace hlCallTrace({__FILE__, __func__, __LINE__}, object)
+
+// What every catch shell does with what it caught:
+//   catch (const std::exception& e) { HL_LOG_EXCEPTION(e); }
+// Anything that is no std::exception passes the shell.
+#define HL_LOG_EXCEPTION(exception) \
+    VMFramework::HomeLoom::Log::WriteException({__FILE__, __func__, __LINE__}, exception)
+
+namespace VMFramework::HomeLoom::Log {
+
+inline constexpr char kTag[] = "VM_HOMELOOM_PLUGIN";
+
+struct Place {
+    const char* file;
+    const char* function;
+    int line;
+};
+
+inline bool IsTaken(log_priority priority, const char* tag) {
+    return dlog_is_enabled(priority, tag) || dlog_trace_is_active();
+}
+
+void Write(log_priority priority, const char* tag, const Place& place, const char* format, ...)
+    __attribute__((format(printf, 4, 5)));
+
+/// Logs "Exception !! - ..." at error level, with the code of a CException or CException_HLClient.
+void WriteException(const Place& place, const std::exception& exception);
+
+class CallTrace {
+public:
+    CallTrace(const Place& place, const void* object);
+    ~CallTrace();
+    CallTrace(const CallTrace&) = delete;
+    CallTrace& operator=(const CallTrace&) = delete;
+
+private:
+    void _Write(const char* what) const;
+
+    const Place _place;
+    const void* const _object;
+};
+
+}  // namespace VMFramework::HomeLoom::Log
+
+#endif

@@ -1,0 +1,57 @@
+#ifndef HOMELOOM_HELPERS_CENDPOINTLISTHELPER_H
+#define HOMELOOM_HELPERS_CENDPOINTLISTHELPER_H
+
+#include <memory>
+#include <string>
+
+#include <VMFramework/CNoncopyable.h>
+#include <vmf_endpoint.h>
+
+namespace VMFramework::HomeLoom {
+
+/// A list of endpoints. Owns its framework list, and through it the endpoints pushed on it.
+/// Used by one thread at a time.
+class IEndpointListHelper : public VMFramework::CNoncopyable {
+public:
+    /// An empty list. Throws std::invalid_argument if the framework gives none.
+    static std::shared_ptr<IEndpointListHelper> Create();
+
+    virtual ~IEndpointListHelper() = default;
+
+    virtual vmf_endpoint_list_h GetHandle() = 0;
+    /// Appends an endpoint that was made with result 'error'.
+    virtual void Push(vmf_endpoint_h endpoint, vmf_error_e error) = 0;
+    virtual void Pop(void** endpoint, vmf_error_e* error) = 0;
+    virtual vmf_endpoint_h Find(const std::string& deviceId) = 0;
+    virtual void* GetFirst() const = 0;
+    virtual void* GetNext(void* cursor) const = 0;
+    virtual bool Empty() const = 0;
+    /// Pushes less pops, as this helper counted them.
+    virtual int GetCount() const = 0;
+    virtual int GetCount(const std::string& deviceType) const = 0;
+};
+
+class CEndpointListHelper : public IEndpointListHelper {
+public:
+    /// Takes over a framework list that is not null.
+    explicit CEndpointListHelper(vmf_endpoint_list_h list) noexcept;
+    ~CEndpointListHelper() override;
+
+    vmf_endpoint_list_h GetHandle() override;
+    void Push(vmf_endpoint_h endpoint, vmf_error_e error) override;
+    void Pop(void** endpoint, vmf_error_e* error) override;
+    vmf_endpoint_h Find(const std::string& deviceId) override;
+    void* GetFirst() const override;
+    void* GetNext(void* cursor) const override;
+    bool Empty() const override;
+    int GetCount() const override;
+    int GetCount(const std::string& deviceType) const override;
+
+private:
+    const vmf_endpoint_list_h _list;
+    int _count = 0;
+};
+
+}  // namespace VMFramework::HomeLoom
+
+#endif

@@ -1,0 +1,94 @@
+#ifndef HOMELOOM_HOMELOOM_COMMON_MSGDISPATCHER_H
+#define HOMELOOM_HOMELOOM_COMMON_MSGDISPATCHER_H
+
+#include <atomic>
+#include <condition_variable>
+#include <cstddef>
+#include <deque>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "Common/CSingleton.h"
+
+namespace VMFramework::HomeLoom {
+
+using ThreadJob = std::function<void()>;
+
+/// A named first-in-first-out queue of jobs with one thread of its own. Jobs of one dispatcher never overlap; a job
+/// that throws costs only itself. Every operation but Quit may be called from any thread, from a job too.
+class MsgDispatcher {
+public:
+    /// A job with a name that has no meaning but in the log.
+    struct Msg {
+        ThreadJob job;
+        std::string name;
+    };
+
+    class MsgQueue {
+    public:
+        MsgQueue();
+        explicit MsgQueue(const std::string& name);
+
+        void Push(const Msg& msg);
+        void Push(Msg&& msg);
+        void Pop();
+        Msg& Front();
+        std::size_t Size() const;
+        bool IsEmpty() const;
+        /// Drops all jobs unrun. They are destroyed outside the queue's lock.
+        void Clear();
+        void RunFirstJob();
+
+    private:
+        mutable std::mutex _mutex;
+        std::deque<Msg> _queue;
+        const std::string _name;
+    };
+
+    /// Both start the thread at once.
+    MsgDispatcher();
+    explicit MsgDispatcher(const std::string& name);
+    virtual ~MsgDispatcher();
+    MsgDispatcher(const MsgDispatcher&) = delete;
+    MsgDispatcher& operator=(const MsgDispatcher&) = delete;
+
+    /// Adds a job; it is dropped, and logged, after Quit, and thrown away while paused.
+    void EnqueueData(ThreadJob job, const std::string& name);
+    /// While paused every queued and arriving job is thrown away. A running job is not waited for.
+    void Pause();
+    void Resume();
+    void ClearData();
+    /// Waits for the running job, without a limit, and ends the thread; queued jobs never run. Not to be called
+    /// from a job of this dispatcher. A dispatcher is not restarted.
+    void Quit();
+    bool isEmptyQueue() const;
+
+private:
+    void runDispatchingThread();
+    void dispatchUntilQuit();
+    void wake();
+
+    std::condition_variable _condition;
+    // Held by the thread throughout, also while a job runs; given up only inside the wait. So nothing that a job can
+    // call may wait for it.
+    std::mutex _mutex;
+    MsgQueue _queue;
+    std::atomic<bool> _running{true};
+    std::atomic<bool> _paused{false};
+    // True from just before the thread looks at its queue for the last time until it has woken up.
+    std::atomic<bool> _goingToSleep{false};
+    const std::string _name;
+    std::thread _thread;
+};
+
+/// The scheduler: takes work off agent callback threads.
+class SGTMsgDispatcher : public MsgDispatcher, public CSingleton<SGTMsgDispatcher> {
+    friend class CSingleton<SGTMsgDispatcher>;
+    SGTMsgDispatcher() : MsgDispatcher("SGTMsgDispatcher") {}
+};
+
+}  // namespace VMFramework::HomeLoom
+
+#endif
