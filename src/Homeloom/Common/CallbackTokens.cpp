@@ -1,0 +1,77 @@
+#include "Homeloom/Common/CallbackTokens.h"
+
+#include <cstdint>
+#include <mutex>
+#include <unordered_map>
+#include <utility>
+
+namespace VMFramework::HomeLoom {
+
+namespace {
+
+struct Table {
+    std::mutex mutex;
+    std::uintptr_t last = 0;
+    std::unordered_map<void*, std::weak_ptr<void>> watched;
+    std::unordered_map<void*, std::shared_ptr<void>> kept;
+
+    void* Next() { return reinterpret_cast<void*>(++last); }
+};
+
+Table& Tokens() {
+    static Table table;
+    return table;
+}
+
+}  // namespace
+
+void* CallbackTokens::Watch(std::weak_ptr<void> object) {
+    Table& table = Tokens();
+    const std::lock_guard<std::mutex> lock(table.mutex);
+    void* const token = table.Next();
+    table.watched.emplace(token, std::move(object));
+    return token;
+}
+
+void CallbackTokens::Unwatch(void* token) {
+    Table& table = Tokens();
+    const std::lock_guard<std::mutex> lock(table.mutex);
+    table.watched.erase(token);
+}
+
+std::shared_ptr<void> CallbackTokens::findObject(void* token) {
+    Table& table = Tokens();
+    const std::lock_guard<std::mutex> lock(table.mutex);
+    const auto found = table.watched.find(token);
+    return found == table.watched.end() ? nullptr : found->second.lock();
+}
+
+void* CallbackTokens::Keep(std::shared_ptr<void> object) {
+    Table& table = Tokens();
+    const std::lock_guard<std::mutex> lock(table.mutex);
+    void* const token = table.Next();
+    table.kept.emplace(token, std::move(object));
+    return token;
+}
+
+std::shared_ptr<void> CallbackTokens::takeObject(void* token) {
+    Table& table = Tokens();
+    const std::lock_guard<std::mutex> lock(table.mutex);
+    const auto found = table.kept.find(token);
+    if (found == table.kept.end()) {
+        return nullptr;
+    }
+    std::shared_ptr<void> object = std::move(found->second);
+    table.kept.erase(found);
+    return object;
+}
+
+void CallbackTokens::DropKept() {
+    // What was kept is destroyed outside the lock: it may hold anything.
+    std::unordered_map<void*, std::shared_ptr<void>> dropped;
+    Table& table = Tokens();
+    const std::lock_guard<std::mutex> lock(table.mutex);
+    dropped.swap(table.kept);
+}
+
+}  // namespace VMFramework::HomeLoom
