@@ -1,0 +1,241 @@
+#include "Homeloom/Devices/Device.h"
+
+#include <exception>
+#include <utility>
+
+#include <glib.h>
+
+#include <VMFramework/JsonValue.h>
+
+#include "Common/HLLog.h"
+#include "Homeloom/Devices/Property.h"
+#include "Homeloom/Devices/Resource.h"
+
+namespace VMFramework::HomeLoom {
+
+namespace {
+
+constexpr char INSIDE_VIEW_URI[] = "/udo/contents/provider/vs/0";
+constexpr char AV_PLATFORM[] = "AVPlatform";
+
+// Held while a device's timer callback runs, so that teardown can wait for it. Recursive, as teardown
+// may come from one.
+std::recursive_mutex timerRunMutex;
+
+}  // namespace
+
+void Device::TimerSourceDeleter::operator()(_GSource* source) const {
+    g_source_destroy(source);
+    g_source_unref(source);
+}
+
+Device::Device() = default;
+
+Device::Device(const _deviceInfo& info) : _info(info) {}
+
+Device::~Device() = default;
+
+void Device::SetDeviceOperationalContext(const device_context_struct& context) {
+    try {
+        auto document = json::JsonValue::CreateObject();
+        document.set("uri", context.uri);
+        document.set("property", context.property);
+        document.set("value", context.value);
+        _operationalContext = document.toString();
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+    }
+}
+
+bool Device::IsCameraDevice() const {
+    return _info.device_type == "oic.d.camera" || _info.device_type == "x.com.hl.d.doorbell";
+}
+
+bool Device::IsFilteredDevice() const {
+    if (_info.device_type == "x.com.hl.d.bridge" || _info.device_type == "oic.d.wirelessrouter" ||
+        _info.device_type == "x.com.hl.d.mobile.presence") {
+        HL_LOGI("[%s] device type is filtered", _info.device_type.c_str());
+        return true;
+    }
+    return false;
+}
+
+bool Device::IsAVPSupportedCamera() const {
+    if (_info.vid.find(AV_PLATFORM) == std::string::npos) {
+        return false;
+    }
+    HL_LOGI("vid[%s] This Camera is HL Camera, device id : %s", _info.vid.c_str(), _info.device_id.c_str());
+    return true;
+}
+
+bool Device::IsSupportInnerView() const {
+    return _info.device_type == "oic.d.refrigerator" && _info.status != DEVICE_STATUS_DISCONNECTED &&
+           HasResource(INSIDE_VIEW_URI);
+}
+
+void Device::AddResource(const std::shared_ptr<Resource>& resource) {
+    if (resource && resource->IsValidObject()) {
+        _resources.emplace(resource->GetURI(), resource);
+    }
+}
+
+std::shared_ptr<Resource> Device::FindResource(const std::string& uri, bool createNamed) const {
+    const auto found = _resources.find(uri);
+    if (found != _resources.end()) {
+        return found->second;
+    }
+    return createNamed ? std::make_shared<Resource>(uri) : std::make_shared<Resource>();
+}
+
+bool Device::HasResource(const std::string& uri) const {
+    return _resources.find(uri) != _resources.end();
+}
+
+bool Device::HasDeviceUri(const std::string& uri) const {
+    if (uri.empty()) {
+        HL_LOGI("uri is empty");
+        return false;
+    }
+    return HasResource(uri);
+}
+
+void Device::DeleteResources() {
+    _resources.clear();
+}
+
+std::string Device::GetValue(const std::string& uri, const std::string& property) const {
+    if (uri.empty() || property.empty()) {
+        HL_LOGI("check arguments(one of those is null) uri : %s, property : %s", uri.c_str(), property.c_str());
+        return "";
+    }
+    const auto resource = _resources.find(uri);
+    if (resource == _resources.end()) {
+        HL_LOGI("GetValue Could NOT find resource :  %s", uri.c_str());
+        return "";
+    }
+    const auto found = resource->second->FindProperty(property, false);
+    if (!found->IsValidObject()) {
+        HL_LOGI("GetValue Could NOT find property in resource : URI: %s  [PrpertyName:  %s ]", uri.c_str(),
+                property.c_str());
+        resource->second->DeleteProperty(property);
+        return "";
+    }
+    return found->GetValue();
+}
+
+void Device::UpdateValue(const device_resource_info_struct& info) {
+    if (info.device_id != _info.device_id) {
+        return;
+    }
+    const auto resource = _resources.find(info.uri);
+    if (resource != _resources.end()) {
+        resource->second->BuildDetailInfo(info);
+    }
+}
+
+bool Device::GetRcpValue(const std::string& uri, const std::string& property, const std::string& value,
+                         std::string& rcpString) const {
+    if (uri.empty() || property.empty() || value.empty()) {
+        HL_LOGI("check arguments(one of those is null) uri : %s, property : %s, value : %s", uri.c_str(),
+                property.c_str(), value.c_str());
+        return false;
+    }
+    const auto resource = _resources.find(uri);
+    if (resource == _resources.end()) {
+        HL_LOGI("GetRcpValue Could NOT find resource : %s", uri.c_str());
+        return false;
+    }
+    resource->second->GetRcpString(rcpString, property, value);
+    return true;
+}
+
+bool Device::GetRcpValueByStreamURL(const std::string& uri, std::string& rcpString) const {
+    if (uri.empty()) {
+        return false;
+    }
+    auto document = json::JsonValue::CreateObject();
+    document.set("liveStream", true);
+    rcpString = document.toString();
+    HL_LOGI("camera request uri %s rcpString %s", uri.c_str(), rcpString.c_str());
+    return true;
+}
+
+void Device::ApplyChanges(const std::shared_ptr<Device>& other) {
+    if (!other) {
+        return;
+    }
+    if (other->_info.device_id != _info.device_id) {
+        HL_LOGE("different device Id: %s  :%s", _info.device_id.c_str(), other->_info.device_id.c_str());
+        return;
+    }
+    // The whole of what the cloud tells, the id being equal.
+    _info = other->_info;
+    for (const auto& [uri, resource] : other->_resources) {
+        _resources.emplace(uri, resource);
+    }
+}
+
+void Device::SetTimer(unsigned interval, std::function<void()> callback) {
+    if (!callback) {
+        HL_LOGE("callback null!");
+        return;
+    }
+    std::lock_guard<std::mutex> lock(_timerMutex);
+    _timerCallback.swap(callback);
+    _timerSource.reset();
+
+    TimerSource source(g_timeout_source_new(interval));
+    g_source_set_callback(source.get(), _TimerCallback, new std::weak_ptr<Device>(weak_from_this()),
+                          [](gpointer data) { delete static_cast<std::weak_ptr<Device>*>(data); });
+    if (g_source_attach(source.get(), nullptr) == 0) {
+        HL_LOGE("g_timeout_add failed!");
+        return;
+    }
+    _timerSource = std::move(source);
+    HL_LOGI("timer added[%u milisecond]", interval);
+}
+
+void Device::CancelTimer() {
+    std::function<void()> callback;  // destroyed after the lock is released
+    std::lock_guard<std::mutex> lock(_timerMutex);
+    _timerSource.reset();
+    _timerCallback.swap(callback);
+}
+
+void Device::WaitForTimerCallbacks() {
+    std::lock_guard<std::recursive_mutex> lock(timerRunMutex);
+}
+
+int Device::_TimerCallback(void* userData) {
+    if (userData == nullptr) {
+        HL_LOGE("user_data null!!");
+        return G_SOURCE_REMOVE;
+    }
+    if (const auto device = static_cast<std::weak_ptr<Device>*>(userData)->lock()) {
+        device->_RunTimerCallback();
+    }
+    return G_SOURCE_REMOVE;
+}
+
+void Device::_RunTimerCallback() {
+    std::lock_guard<std::recursive_mutex> running(timerRunMutex);
+    std::function<void()> callback;
+    {
+        std::lock_guard<std::mutex> lock(_timerMutex);
+        // A timer that was replaced or cancelled just as it fired must not run what came in its place.
+        GSource* current = g_main_current_source();
+        if (current != nullptr && g_source_is_destroyed(current)) {
+            return;
+        }
+        callback = _timerCallback;
+    }
+    try {
+        if (callback) {
+            callback();
+        }
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+    }
+}
+
+}  // namespace VMFramework::HomeLoom

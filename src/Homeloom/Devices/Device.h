@@ -1,0 +1,158 @@
+#ifndef HOMELOOM_HOMELOOM_DEVICES_DEVICE_H
+#define HOMELOOM_HOMELOOM_DEVICES_DEVICE_H
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+
+#include "Homeloom/Devices/DeviceInfoStructs.h"
+
+struct _GSource;
+
+namespace VMFramework::HomeLoom {
+
+class Resource;
+
+/// The record of one device of the user's home: identity and placement as the cloud gives them, the values of its
+/// resources, and what the plug-in has worked out about it.
+///
+/// A device has no lock of its own but for its timer: everything else is read and written under the mutex of the
+/// DeviceHandler that holds it (DeviceHandler::Lock). Devices are made by DeviceFactory and held by shared ownership.
+class Device : public std::enable_shared_from_this<Device> {
+public:
+    /// What a device is built from.
+    struct _deviceInfo {
+        std::string device_id;
+        std::string device_name;
+        std::string vid;
+        std::string device_type;
+        std::string location_name;
+        std::string room_name;
+        DeviceStatus status = DEVICE_STATUS_CONNECTED;
+        std::string nick_name;
+        std::string location_id;
+        std::string room_id;
+        std::string prefix;
+        std::string core_device_type;
+        std::string core_device_network_type;
+        std::string core_device_parent_device_id;
+        std::string core_device_animation_icon_url;
+        std::string core_device_activated_icon_url;
+        std::string core_device_inactivated_icon_url;
+        std::string core_device_disconnected_icon_url;
+        std::string core_device_icon_key;
+        std::string core_device_icon_date;
+    };
+
+    Device();
+    explicit Device(const _deviceInfo& info);
+    virtual ~Device();
+    Device(const Device&) = delete;
+    Device& operator=(const Device&) = delete;
+
+    std::string GetId() const { return _info.device_id; }
+    void SetId(const std::string& id) { _info.device_id = id; }
+    std::string GetName() const { return _info.device_name; }
+    std::string GetNickName() const { return _info.nick_name; }
+    std::string GetVid() const { return _info.vid; }
+    std::string GetDeviceType() const { return _info.device_type; }
+    DeviceStatus GetStatus() const { return _info.status; }
+    void SetStatus(DeviceStatus status) { _info.status = status; }
+    std::string GetRoom() const { return _info.room_name; }
+    void SetRoom(const std::string& room) { _info.room_name = room; }
+    std::string GetRoomID() const { return _info.room_id; }
+    std::string GetLocation() const { return _info.location_name; }
+    void SetLocation(const std::string& location) { _info.location_name = location; }
+    std::string GetLocationID() const { return _info.location_id; }
+    std::string GetPrefix() const { return _info.prefix; }
+
+    std::string GetCoreDeviceType() const { return _info.core_device_type; }
+    std::string GetCoreDeviceNetworkType() const { return _info.core_device_network_type; }
+    std::string GetCoreDeviceParentDeviceId() const { return _info.core_device_parent_device_id; }
+    std::string GetCoreDeviceAnimationIconUrl() const { return _info.core_device_animation_icon_url; }
+    std::string GetCoreDeviceActivatedIconUrl() const { return _info.core_device_activated_icon_url; }
+    std::string GetCoreDeviceInactivatedIconUrl() const { return _info.core_device_inactivated_icon_url; }
+    std::string GetCoreDeviceDisconnectedIconUrl() const { return _info.core_device_disconnected_icon_url; }
+    std::string GetCoreDeviceIconKey() const { return _info.core_device_icon_key; }
+    std::string GetCoreDeviceIconDate() const { return _info.core_device_icon_date; }
+
+    std::string GetStateText() const { return _stateText; }
+    void SetStateText(const std::string& text) { _stateText = text; }
+    std::string GetIconUrl() const { return _iconUrl; }
+    void SetIconUrl(const std::string& url) { _iconUrl = url; }
+    bool IsInactive() const { return _isInactive; }
+    void SetIsInactive(bool isInactive) { _isInactive = isInactive; }
+    bool IsControllableDevice() const { return _isControllable; }
+    void SetControllableDevice(bool isControllable) { _isControllable = isControllable; }
+    bool GetRunningState() const { return _runningState; }
+    void SetRunningState(bool isRunning) { _runningState = isRunning; }
+    std::string GetSubDeviceCardJsonInfo() const { return _subDeviceCardJsonInfo; }
+    void SetSubDeviceCardJsonInfo(const std::string& json) { _subDeviceCardJsonInfo = json; }
+    /// JSON text of the last argument that the state text was made of.
+    std::string GetDeviceOperationalContext() const { return _operationalContext; }
+    void SetDeviceOperationalContext(const device_context_struct& context);
+
+    bool IsCameraDevice() const;
+    bool IsFilteredDevice() const;
+    bool IsAVPSupportedCamera() const;
+    bool IsSupportInnerView() const;
+
+    /// Adds the resource unless one of that URI is held.
+    void AddResource(const std::shared_ptr<Resource>& resource);
+    /// The resource of that URI. A miss gives a new one that the device doesn't hold: of that URI if
+    /// 'createNamed', an invalid one if not.
+    std::shared_ptr<Resource> FindResource(const std::string& uri, bool createNamed) const;
+    bool HasResource(const std::string& uri) const;
+    bool HasDeviceUri(const std::string& uri) const;
+    void DeleteResources();
+
+    /// The property's last known value; empty for whatever the device doesn't hold.
+    std::string GetValue(const std::string& uri, const std::string& property) const;
+    /// Takes over an update of a resource that the device holds; any other is lost.
+    void UpdateValue(const device_resource_info_struct& info);
+    /// The text that sets a property through the agent. False, and the text untouched, if it can't be made.
+    bool GetRcpValue(const std::string& uri, const std::string& property, const std::string& value,
+                     std::string& rcpString) const;
+    /// The text that asks a camera to start its stream.
+    bool GetRcpValueByStreamURL(const std::string& uri, std::string& rcpString) const;
+    /// Merges a freshly built record of the same device. What the plug-in worked out stays.
+    void ApplyChanges(const std::shared_ptr<Device>& other);
+
+    /// Runs 'callback' once on the main loop, 'interval' milliseconds from now, in place of one that still waits.
+    /// It must own neither this device nor its handler.
+    void SetTimer(unsigned interval, std::function<void()> callback);
+    /// Takes back what SetTimer set.
+    void CancelTimer();
+    /// Returns when no device's timer callback is running, unless it is called from one. Not to be called
+    /// with a lock held that such a callback takes.
+    static void WaitForTimerCallbacks();
+
+private:
+    struct TimerSourceDeleter {
+        void operator()(_GSource* source) const;
+    };
+    using TimerSource = std::unique_ptr<_GSource, TimerSourceDeleter>;
+
+    static int _TimerCallback(void* userData);
+    void _RunTimerCallback();
+
+    _deviceInfo _info;
+    std::string _stateText;
+    std::string _subDeviceCardJsonInfo;
+    std::map<std::string, std::shared_ptr<Resource>, std::less<>> _resources;
+    std::string _iconUrl;
+    bool _isInactive = true;  // until evaluated
+    bool _runningState = false;
+    bool _isControllable = false;
+    std::string _operationalContext;
+
+    std::mutex _timerMutex;  // a leaf: guards the next two
+    std::function<void()> _timerCallback;
+    TimerSource _timerSource;
+};
+
+}  // namespace VMFramework::HomeLoom
+
+#endif

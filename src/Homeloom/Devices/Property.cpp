@@ -1,0 +1,67 @@
+#include "Homeloom/Devices/Property.h"
+
+#include "Common/HLLog.h"
+
+namespace VMFramework::HomeLoom {
+
+namespace {
+
+// The position in the table is the type's number.
+constexpr const char* TYPE_NAMES[] = {"Boolean",     "Integer",     "String",       "Object",       "Float",
+                                      "Double",      "DoubleArray", "BooleanArray", "IntegerArray", "StringArray",
+                                      "ObjectArray", "FloatArray",  "Array"};
+
+}  // namespace
+
+Property::Property(const std::string& name) : _name(name) {}
+
+Property::Property(const std::string& name, PropertyType type) : _name(name), _type(type) {}
+
+PropertyType Property::StringToPropertyType(const std::string& typeName) {
+    int type = 0;
+    for (const char* known : TYPE_NAMES) {
+        if (typeName == known) {
+            return static_cast<PropertyType>(type);
+        }
+        ++type;
+    }
+    return PROPERTY_TYPE_STRING;
+}
+
+std::string Property::GetType() const {
+    return std::to_string(_type);
+}
+
+void Property::BuildDetailInfo(const device_property_info_struct& info) {
+    if (!info.property_name.empty()) {
+        _name = info.property_name;
+    }
+    if (!info.property_type.empty()) {
+        _type = StringToPropertyType(info.property_type);
+    }
+    if (!info.property_value.empty()) {
+        _value = info.property_value;
+    }
+}
+
+void Property::ApplyChanges(const std::string& name, const std::string& value) {
+    if (name != _name) {
+        HL_LOGE("different property: Curent: %s   New: %s ", _name.c_str(), name.c_str());
+        return;
+    }
+    if (!value.empty()) {
+        _value = value;
+    }
+}
+
+void Property::GetRcpString(std::string& rcpString, const std::string& value) const {
+    // Nothing is escaped: metadata and agent agree on values that need none, and those of arrays and objects come as
+    // JSON text already.
+    if (_type == PROPERTY_TYPE_STRING) {
+        rcpString = "{\"" + _name + "\":\"" + value + "\"}";
+    } else if (_type >= PROPERTY_TYPE_BOOLEAN && _type <= PROPERTY_TYPE_ARRAY) {
+        rcpString = "{\"" + _name + "\":" + value + "}";
+    }
+}
+
+}  // namespace VMFramework::HomeLoom

@@ -1,0 +1,47 @@
+#ifndef HOMELOOM_HOMELOOM_DEVICES_RESOURCE_H
+#define HOMELOOM_HOMELOOM_DEVICES_RESOURCE_H
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+
+namespace VMFramework::HomeLoom {
+
+class Property;
+struct device_resource_info_struct;
+
+/// The last known values of one resource of a device, by property name. Not locked: see Device.
+class Resource {
+public:
+    Resource() = default;
+    explicit Resource(const std::string& uri);
+    virtual ~Resource() = default;
+
+    bool IsValidObject() const { return !_uri.empty(); }
+    const std::string& GetURI() const { return _uri; }
+    void SetURI(const std::string& uri) { _uri = uri; }
+
+    /// Adds the property unless one of that name is held.
+    void AddProperty(const std::shared_ptr<Property>& property);
+    /// The property of that name. A miss gives a new one that the resource doesn't hold: named like it if
+    /// 'createNamed', an invalid one if not.
+    std::shared_ptr<Property> FindProperty(const std::string& name, bool createNamed) const;
+    void DeleteProperty(const std::string& name);
+    void DeleteProperties();
+
+    /// Takes over an update. It is a full picture of the resource: what it doesn't mention becomes empty.
+    void BuildDetailInfo(const device_resource_info_struct& info);
+    /// Merges the properties of a resource of the same URI.
+    void ApplyChanges(const Resource* other);
+    /// Writes the JSON text that sets the property to 'value'.
+    void GetRcpString(std::string& rcpString, const std::string& propertyName, const std::string& value) const;
+
+private:
+    std::string _uri;
+    std::map<std::string, std::shared_ptr<Property>, std::less<>> _properties;
+};
+
+}  // namespace VMFramework::HomeLoom
+
+#endif
