@@ -1,0 +1,176 @@
+#include "Homeloom/Devices/DeviceStateChecker.h"
+
+#include <algorithm>
+#include <exception>
+#include <initializer_list>
+
+#include <VMFramework/JsonValue.h>
+
+#include "Common/HLLog.h"
+
+namespace VMFramework::HomeLoom {
+
+namespace {
+
+using Texts = std::initializer_list<const char*>;
+
+constexpr char OPERATIONAL_STATE_URI[] = "/operational/state/vs/0";
+constexpr char POWER_URI[] = "/power/vs/0";
+constexpr char STATE_PROPERTY[] = "x.com.norvane.da.state";
+constexpr char POWER_PROPERTY[] = "x.com.norvane.da.power";
+
+bool isAnyOf(const std::string& text, Texts texts) {
+    return std::any_of(texts.begin(), texts.end(), [&text](const char* known) { return text == known; });
+}
+
+// Any URI of a rule goes with any of its properties.
+bool concerns(const device_operation_info_struct& info, Texts uris, Texts properties) {
+    return isAnyOf(info.property_name, properties) && isAnyOf(info.uri, uris);
+}
+
+RunningState judge(const std::string& value, Texts runningValues) {
+    return isAnyOf(value, runningValues) ? RUNNING_STATE_RUNNING : RUNNING_STATE_STOPPED;
+}
+
+RunningState judgeUpdate(const device_operation_info_struct& info, Texts uris, Texts properties, Texts runningValues) {
+    return concerns(info, uris, properties) ? judge(info.property_value, runningValues) : RUNNING_STATE_UNKNOWN;
+}
+
+// For values that come as a JSON array: one without the element says nothing.
+RunningState judgeElement(const std::string& element, Texts runningValues) {
+    return element.empty() ? RUNNING_STATE_UNKNOWN : judge(element, runningValues);
+}
+
+std::string elementOf(const std::string& text, int index) {
+    try {
+        const auto document = json::JsonValue::Create(text);
+        if (document.isNull()) {
+            HL_LOGE("json parsing failed");
+            return "";
+        }
+        return document[index].asString();
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+    }
+    return "";
+}
+
+}  // namespace
+
+const DeviceStateChecker::TypeRule DeviceStateChecker::TYPE_RULES[] = {
+    {"x.com.hl.d.garmentcareshoes", GetGarmentcareShoesRunningState},
+    {"oic.d.dishwasher", GetDishwasherRunningState},
+    {"oic.d.washer", GetWasherRunningState},
+    {"oic.d.dryer", GetDryerRunningState},
+    {"x.com.hl.d.steamcloset", GetSteamClosetRunningState},
+    {"oic.d.oven", GetOvenRunningState},
+    {"oic.d.robotcleaner", GetRobotCleanerRunningState},
+    {"oic.d.airconditioner", GetAirconditionerRunningState},
+    {"oic.d.airpurifier", GetAirpurifierRunningState},
+    {"oic.d.cooktop", GetCooktopRunningState},
+    {"oic.d.hood", GetHoodRunningState},
+    // Microwaves that run have this type; the sub device types know "oic.d.microoven". Both are devices' own words.
+    {"oic.d.microwave", GetMicrowaveRunningState},
+    {"oic.d.networkaudio", GetNetworkSpeakerRunningState},
+    {"x.com.hl.d.networkaudio", GetNetworkAudioRunningState},
+    {"oic.d.fan", GetFanRunningState},
+    {"oic.d.tv", GetTVRunningState},
+};
+
+RunningState DeviceStateChecker::GetRunningState(const Info& info) {
+    HL_LOGI("GetRunningState device_type : %s, uri : %s, property_name : %s, property_value : %s",
+            info.device_type.c_str(), info.uri.c_str(), info.property_name.c_str(), info.property_value.c_str());
+    for (const auto& [deviceType, rule] : TYPE_RULES) {
+        if (info.device_type == deviceType) {
+            return rule(info);
+        }
+    }
+    return RUNNING_STATE_UNKNOWN;
+}
+
+RunningState DeviceStateChecker::GetGarmentcareShoesRunningState(const Info& info) {
+    return judgeUpdate(info, {OPERATIONAL_STATE_URI}, {STATE_PROPERTY}, {"Run"});
+}
+
+RunningState DeviceStateChecker::GetDishwasherRunningState(const Info& info) {
+    return judgeUpdate(info, {OPERATIONAL_STATE_URI, "/capability/norvanece.dishwasherOperation/main/0"},
+                       {STATE_PROPERTY, "operatingState"}, {"Run", "running"});
+}
+
+RunningState DeviceStateChecker::GetWasherRunningState(const Info& info) {
+    return judgeUpdate(info, {OPERATIONAL_STATE_URI}, {STATE_PROPERTY}, {"Run"});
+}
+
+RunningState DeviceStateChecker::GetDryerRunningState(const Info& info) {
+    return judgeUpdate(info, {OPERATIONAL_STATE_URI}, {STATE_PROPERTY}, {"Run"});
+}
+
+RunningState DeviceStateChecker::GetSteamClosetRunningState(const Info& info) {
+    return judgeUpdate(info, {OPERATIONAL_STATE_URI}, {STATE_PROPERTY}, {"Run"});
+}
+
+RunningState DeviceStateChecker::GetOvenRunningState(const Info& info) {
+    return judgeUpdate(info, {OPERATIONAL_STATE_URI}, {STATE_PROPERTY}, {"Run"});
+}
+
+RunningState DeviceStateChecker::GetRobotCleanerRunningState(const Info& info) {
+    if (!concerns(info, {"/mode/vs/0"}, {"x.com.norvane.da.modes"})) {
+        return RUNNING_STATE_UNKNOWN;
+    }
+    return judgeElement(getRobotCleanerPropertyValue(info.property_value),
+                        {"Control_Cleaning", "Control_Homing", "Control_Creating"});
+}
+
+RunningState DeviceStateChecker::GetAirconditionerRunningState(const Info& info) {
+    return judgeUpdate(info, {POWER_URI, "/power/dhw/vs/0", "/power/zone2/vs/0"}, {POWER_PROPERTY}, {"On"});
+}
+
+RunningState DeviceStateChecker::GetAirpurifierRunningState(const Info& info) {
+    return judgeUpdate(info, {POWER_URI}, {POWER_PROPERTY}, {"On"});
+}
+
+RunningState DeviceStateChecker::GetCooktopRunningState(const Info& info) {
+    return judgeUpdate(info, {POWER_URI, "/cooktop/status/vs/0"}, {POWER_PROPERTY, "power"}, {"On", "on"});
+}
+
+RunningState DeviceStateChecker::GetHoodRunningState(const Info& info) {
+    return judgeUpdate(info, {POWER_URI}, {POWER_PROPERTY}, {"On"});
+}
+
+RunningState DeviceStateChecker::GetMicrowaveRunningState(const Info& info) {
+    return judgeUpdate(info, {"/oven/vs/0"}, {STATE_PROPERTY}, {"Cooking", "Preheat", "Cleaning", "Warming"});
+}
+
+RunningState DeviceStateChecker::GetNetworkSpeakerRunningState(const Info& info) {
+    if (!concerns(info, {"/capability/mediaPlayback/0", "/capability/mediaPlayback/main/0"}, {"modes"})) {
+        return RUNNING_STATE_UNKNOWN;
+    }
+    return judgeElement(getPlayerPropertyValue(info.property_value), {"play"});
+}
+
+RunningState DeviceStateChecker::GetNetworkAudioRunningState(const Info& info) {
+    if (!concerns(info, {"/capability/mediaPlayback/0", "/capability/mediaPlayback/main/0", "/capability/musicPlayer"},
+                  {"modes", "status"})) {
+        return RUNNING_STATE_UNKNOWN;
+    }
+    return judgeElement(getPlayerPropertyValue(info.property_value), {"play", "playing"});
+}
+
+RunningState DeviceStateChecker::GetFanRunningState(const Info& info) {
+    return judgeUpdate(info, {"/capability/switch/0"}, {"value"}, {"true"});
+}
+
+RunningState DeviceStateChecker::GetTVRunningState(const Info& info) {
+    return judgeUpdate(info, {"/nvn/tv/contentinfo"}, {"x.com.norvane.tv.subtitle"}, {"wall"});
+}
+
+std::string DeviceStateChecker::getPlayerPropertyValue(const std::string& text) {
+    return elementOf(text, 0);
+}
+
+// The first element of a robot cleaner's value is something else; its state comes second.
+std::string DeviceStateChecker::getRobotCleanerPropertyValue(const std::string& text) {
+    return elementOf(text, 1);
+}
+
+}  // namespace VMFramework::HomeLoom
