@@ -238,15 +238,15 @@ private:
     template <typename Param, typename... Parameters, typename... Args>
     int _AwaitText(const Needs& needs, std::string& json, std::string& errorMessage,
                    int (*function)(homeloom_client_h, Parameters...), const Args&... args);
+    template <typename Param, typename... Parameters, typename... Args>
+    int _AwaitText(const Needs& needs, std::string& json, int (*function)(homeloom_client_h, Parameters...),
+                   const Args&... args);
     template <typename Param, typename Record, typename... Parameters, typename... Args>
     int _AwaitList(const Needs& needs, Record*& list, int& count, int (*function)(homeloom_client_h, Parameters...),
                    const Args&... args);
     template <typename Param, typename Record, typename... Parameters, typename... Args>
     int _AwaitRecord(const Needs& needs, Record& record, int (*function)(homeloom_client_h, Parameters...),
                      const Args&... args);
-
-    int _MoveDevices(std::vector<std::string>& deviceIds, const std::string& locationId, const std::string& roomId,
-                     homeloom_client_move_devices_cb cb, void* userData);
 
     // These are for use under the mutex.
     int _GetAccessToken(std::string& accessToken) const;

@@ -1,0 +1,17 @@
+#include "Homeloom/Common/AsyncJob.h"
+
+#include <cxxabi.h>
+#include <cstdlib>
+
+namespace VMFramework::HomeLoom {
+
+std::string AsyncJobName(const std::type_info& param) {
+    int status = 0;
+    const std::unique_ptr<char, decltype(&std::free)> readable(
+        abi::__cxa_demangle(param.name(), nullptr, nullptr, &status), &std::free);
+    const std::string name = readable ? readable.get() : param.name();
+    // npos + 1 is 0: a name without namespaces stays whole.
+    return name.substr(name.rfind(':') + 1);
+}
+
+}  // namespace VMFramework::HomeLoom
