@@ -1,0 +1,227 @@
+#include "Homeloom/CoreDevices/CoreDeviceHandler.h"
+
+#include <exception>
+#include <utility>
+
+#include <VMFramework/JsonValue.h>
+#include <homeloom_core.h>
+
+#include "Common/CException.h"
+#include "Common/CHLUtil.h"
+#include "Common/HLLog.h"
+#include "Homeloom/Tessel/TesselHandler.h"
+
+namespace VMFramework::HomeLoom {
+
+namespace {
+
+constexpr char IR_DEVICE_TYPE[] = "IR_OCF";
+
+// The agent's list, given back with the scope.
+class CoreDeviceList {
+public:
+    CoreDeviceList() { _ret = TesselHandler::GetInstance().GetCoreDeviceList(_list, _size); }
+    ~CoreDeviceList() {
+        if (_list != nullptr) {
+            TesselHandler::GetInstance().CoreDeviceListDestroy(_list, _size);
+        }
+    }
+    CoreDeviceList(const CoreDeviceList&) = delete;
+    CoreDeviceList& operator=(const CoreDeviceList&) = delete;
+
+    int Result() const { return _ret; }
+    int Size() const { return _size; }
+    homeloom_core_device_h operator[](int index) const { return _list[index]; }
+
+private:
+    homeloom_core_device_h* _list = nullptr;
+    int _size = 0;
+    int _ret = 0;
+};
+
+bool readField(homeloom_core_device_h device, int field, std::string& value, const char* failure) {
+    if (TesselHandler::GetInstance().GetCoreDeviceString(device, field, value) != 0) {
+        HL_LOGE("%s", failure);
+        return false;
+    }
+    return true;
+}
+
+// A record whose JSON is no good costs its own fields, not the list.
+std::string getDeviceNetworkType(const std::string& type, const std::string& details) {
+    try {
+        return CHLUtil::GetDeviceNetworkType(type, details);
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+    }
+    return "";
+}
+
+core_device_icon_info parsingIconInfo(const std::string& text) {
+    try {
+        const auto root = json::JsonValue::Create(text);
+        if (root.isNull()) {
+            HL_LOGE("icon root is null");
+            return {};
+        }
+        return {root["animationIcon"].asString(),   root["activatedIcon"].asString(),
+                root["inactivatedIcon"].asString(), root["disconnectedIcon"].asString(),
+                root["iconKey"].asString(),         root["lastUpdateDate"].asString()};
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+    }
+    return {};
+}
+
+}  // namespace
+
+CoreDeviceHandler::CoreDeviceHandler() : Handler("CoreDeviceHandler") {}
+
+void CoreDeviceHandler::SetParentDeviceIdGetter(std::function<std::string(const std::string&)> getter) {
+    std::lock_guard<std::mutex> lock(_mutex);
+    _getParentDeviceId.swap(getter);
+}
+
+void CoreDeviceHandler::BuildCoreDeviceList() {
+    const CoreDeviceList list;
+    HL_LOGI("ret of get core device list: %d, device_size: %d", list.Result(), list.Size());
+    if (list.Result() != 0) {
+        HL_LOGE("core error : %d", list.Result());
+        return;
+    }
+    if (list.Size() < 1) {
+        HL_LOGI("device size is under zero, do not proceed");
+        return;
+    }
+    for (int i = 0; i < list.Size(); ++i) {
+        if (IsQuit()) {
+            HL_LOGI("already quit");
+            break;
+        }
+        core_device_info info;
+        std::string details;
+        const auto device = list[i];
+        if (!readField(device, HOMELOOM_CORE_DEVICE_ID, info.device_id, "get device id failed") ||
+            !readField(device, HOMELOOM_CORE_DEVICE_NAME, info.device_name, "get device name failed") ||
+            !readField(device, HOMELOOM_CORE_DEVICE_TYPE, info.device_type, "get device type failed") ||
+            !readField(device, HOMELOOM_CORE_DEVICE_LOCATION_ID, info.location_id, "get location id failed") ||
+            !readField(device, HOMELOOM_CORE_DEVICE_ROOM_ID, info.room_id, "get room id failed") ||
+            !readField(device, HOMELOOM_CORE_DEVICE_PRESENTATION_ID, info.presentation_id,
+                       "get presentation id failed") ||
+            !readField(device, HOMELOOM_CORE_DEVICE_MANUFACTURER_NAME, info.manufacturer_name,
+                       "get manufacturer name failed") ||
+            !readField(device, HOMELOOM_CORE_DEVICE_DETAILS, details, "get device details failed")) {
+            break;
+        }
+        info.network_type = getDeviceNetworkType(info.device_type, details);
+        HL_LOGI(
+            "[%d] core device id : %s, device name : %s, presentation id : %s, manufacturer name : %s, type : %s, "
+            "location id : %s, room id : %s, deviceNetworkType: %s",
+            i, info.device_id.c_str(), info.device_name.c_str(), info.presentation_id.c_str(),
+            info.manufacturer_name.c_str(), info.device_type.c_str(), info.location_id.c_str(), info.room_id.c_str(),
+            info.network_type.c_str());
+        std::lock_guard<std::mutex> lock(_mutex);
+        _coreDeviceMap[info.device_id] = std::move(info);
+    }
+}
+
+std::unordered_map<std::string, core_device_info> CoreDeviceHandler::GetCoreDeviceInfo() const {
+    std::lock_guard<std::mutex> lock(_mutex);
+    return _coreDeviceMap;
+}
+
+std::string CoreDeviceHandler::GetCoreDeviceNetworkType(const std::string& id) const {
+    if (id.empty()) {
+        throw CException("device id empty!", kErrorEmptyArgument);
+    }
+    std::lock_guard<std::mutex> lock(_mutex);
+    const auto found = _coreDeviceMap.find(id);
+    return found != _coreDeviceMap.end() ? found->second.network_type : "";
+}
+
+std::string CoreDeviceHandler::GetCoreDeviceType(const std::string& id) const {
+    if (id.empty()) {
+        throw CException("device id empty!", kErrorEmptyArgument);
+    }
+    std::lock_guard<std::mutex> lock(_mutex);
+    const auto found = _coreDeviceMap.find(id);
+    return found != _coreDeviceMap.end() ? found->second.device_type : "";
+}
+
+std::unordered_map<std::string, core_device_icon_info> CoreDeviceHandler::GetCoreDeviceIconList() {
+    std::unordered_map<std::string, core_device_icon_info> icons;
+    const CoreDeviceList list;
+    if (list.Result() != 0) {
+        HL_LOGE("get core device list error : %d", list.Result());
+        return icons;
+    }
+    for (int i = 0; i < list.Size(); ++i) {
+        if (IsQuit()) {
+            HL_LOGI("already quit");
+            break;
+        }
+        std::string id;
+        std::string text;
+        if (!readField(list[i], HOMELOOM_CORE_DEVICE_ID, id, "get device id failed") ||
+            !readField(list[i], HOMELOOM_CORE_DEVICE_ICONS, text, "get device icons failed")) {
+            continue;
+        }
+        auto info = parsingIconInfo(text);
+        HL_LOGI(
+            "[%d] core device id : %s, animation : %s, activated : %s, inactivated : %s, disconnected : %s, key : %s, "
+            "last update date : %s",
+            i, id.c_str(), info.animation_icon.c_str(), info.activated_icon.c_str(), info.inactivated_icon.c_str(),
+            info.disconnected_icon.c_str(), info.icon_key.c_str(), info.last_update_date.c_str());
+        icons[id] = std::move(info);
+    }
+    return icons;
+}
+
+std::unordered_map<std::string, core_device_type_info> CoreDeviceHandler::GetCoreDeviceTypeList() {
+    std::unordered_map<std::string, core_device_type_info> types;
+    const CoreDeviceList list;
+    if (list.Result() != 0) {
+        HL_LOGE("get core device list error : %d", list.Result());
+        return types;
+    }
+    for (int i = 0; i < list.Size(); ++i) {
+        if (IsQuit()) {
+            HL_LOGI("already quit");
+            break;
+        }
+        std::string id;
+        std::string details;
+        core_device_type_info info;
+        if (!readField(list[i], HOMELOOM_CORE_DEVICE_ID, id, "get device id failed") ||
+            !readField(list[i], HOMELOOM_CORE_DEVICE_TYPE, info.device_type, "get device type failed") ||
+            !readField(list[i], HOMELOOM_CORE_DEVICE_DETAILS, details, "get device detail str failed")) {
+            continue;
+        }
+        info.network_type = getDeviceNetworkType(info.device_type, details);
+        if (info.device_type == IR_DEVICE_TYPE) {
+            info.parent_device_id = getParentDeviceId(details);
+            HL_LOGI("IR_OCF Device. id: %s, parent_id: %s", id.c_str(), info.parent_device_id.c_str());
+        }
+        if (info.network_type.empty()) {
+            info.network_type = info.device_type;
+        }
+        types[id] = std::move(info);
+    }
+    return types;
+}
+
+std::string CoreDeviceHandler::getParentDeviceId(const std::string& details) const {
+    std::function<std::string(const std::string&)> getter;
+    {
+        std::lock_guard<std::mutex> lock(_mutex);
+        getter = _getParentDeviceId;
+    }
+    try {
+        return getter(details);
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+    }
+    return "";
+}
+
+}  // namespace VMFramework::HomeLoom

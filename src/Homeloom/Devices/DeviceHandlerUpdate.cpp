@@ -1,0 +1,376 @@
+// What arrives from the agent about the values of devices, and the notification that follows.
+
+#include <exception>
+#include <utility>
+
+#include <VMFramework/JsonValue.h>
+
+#include "CPluginMgr.h"
+#include "Common/CException.h"
+#include "Common/CHLUtil.h"
+#include "Common/HLLog.h"
+#include "Common/HLNames.h"
+#include "Helpers/CPropertyListHelper.h"
+#include "Homeloom/Common/CallbackTokens.h"
+#include "Homeloom/Devices/DeviceHandler.h"
+#include "Homeloom/Devices/DeviceStateChecker.h"
+#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/UIMeta/Metadata.h"
+
+namespace VMFramework::HomeLoom {
+
+namespace {
+
+constexpr unsigned BUTTON_STANDBY_MS = 1000;
+constexpr char BUTTON_READY[] = "Ready";
+constexpr char INSIDE_VIEW_URI[] = "/udo/contents/provider/vs/0";
+constexpr char AV_PLATFORM[] = "AVPlatform";
+// Not the "access_token" of the reports: the screens read this key in state updates.
+constexpr char STATE_ACCESS_TOKEN[] = "accesstoken";
+
+// What the agent hands back with the values that were asked for.
+struct AttributeRequest {
+    std::weak_ptr<DeviceHandler> handler;
+    std::string deviceId;
+};
+
+std::string copyOf(const char* text) {
+    return text != nullptr ? text : "";
+}
+
+}  // namespace
+
+bool DeviceHandler::GetProperty(const std::string& id) {
+    const auto device = FindDevice(id);
+    if (!device) {
+        HL_LOGE("device[%s] NOT found in map", id.c_str());
+        return false;
+    }
+    return GetProperty(device);
+}
+
+bool DeviceHandler::GetProperty(const std::shared_ptr<Device>& device) {
+    if (!device) {
+        return false;
+    }
+    {
+        const auto lock = Lock();
+        const DeviceStatus status = device->GetStatus();
+        if (status != DEVICE_STATUS_CONNECTED) {
+            HL_LOGI(
+                "device[%s-%s]'s status is %d. skip! get_remote_attributes, just get device state text and icon url",
+                device->GetName().c_str(), device->GetId().c_str(), status);
+            Metadata::GetInstance().SetDeviceStateText(device);
+            Metadata::GetInstance().UpdateDeviceIconUrl(device);
+            return false;
+        }
+    }
+    updateDeviceProperty(device);
+    return true;
+}
+
+void DeviceHandler::updateDeviceProperty(const std::shared_ptr<Device>& device) {
+    std::string id;
+    std::string vid;
+    std::vector<std::string> uris;
+    bool isListEmpty = false;
+    {
+        const auto lock = Lock();
+        id = device->GetId();
+        vid = device->GetVid();
+        const auto list = Metadata::GetInstance().GetSubscribeList(vid);
+        isListEmpty = list.empty();
+        for (const auto& uri : list) {
+            if (device->HasDeviceUri(uri)) {
+                uris.push_back(uri);
+            }
+        }
+    }
+    if (isListEmpty) {
+        HL_LOGI("device_id : %s, subscribe list empty, just resource update with current state", id.c_str());
+        OnResourceUpdateEvent({id, "", {}});
+        return;
+    }
+    for (const auto& uri : uris) {
+        void* request =
+            CallbackTokens::Keep(std::make_shared<AttributeRequest>(AttributeRequest{weak_from_this(), id}));
+        const int ret = TesselHandler::GetInstance().GetRemoteAttributes(
+            id, uri, _HomeLoomClientGetDeviceRemoteAttributes, request);
+        if (ret != 0) {
+            HL_LOGE("fail get attributes ret:%d, vid:[%s], device id:%s, subscribe url:%s", ret, vid.c_str(),
+                    id.c_str(), uri.c_str());
+            CallbackTokens::Take<AttributeRequest>(request);
+            continue;
+        }
+        if (Metadata::GetInstance().IsGenericMetadata(vid)) {
+            HL_LOGI("success get attributes ret : %d, device id : %s, subscribe url : %s", ret, id.c_str(),
+                    uri.c_str());
+            // Of a generic metadata one URI works: the first that the agent takes.
+            Metadata::GetInstance().SetGenericSubscribeUri(vid, uri);
+            return;
+        }
+    }
+}
+
+// On the agent's thread: it copies, queues and returns.
+void DeviceHandler::_HomeLoomClientGetDeviceRemoteAttributes(int result, const char*, const char* attributes,
+                                                             const char* uri, const char* resDataType, void* userData) {
+    try {
+        if (userData == nullptr) {
+            HL_LOGE("user_data is null");
+            return;
+        }
+        const auto request = CallbackTokens::Take<AttributeRequest>(userData);
+        if (!request || result != 0) {
+            return;
+        }
+        const auto handler = request->handler.lock();
+        if (!handler) {
+            return;
+        }
+        handler->AddJobToStatusScheduler(
+            [self = handler.get(), id = request->deviceId, uriText = copyOf(uri), rep = copyOf(attributes),
+             dataType = copyOf(resDataType)] {
+                HL_LOGI(
+                    "_HomeLoomClientGetDeviceRemoteAttributes(): Device Id: %s  URI: %s, Attributes: %s, "
+                    "Res_data_type: %s",
+                    id.c_str(), uriText.c_str(), rep.c_str(), dataType.c_str());
+                self->applyUpdate(id, uriText, rep, dataType);
+            },
+            "_HomeLoomClientGetDeviceRemoteAttributes");
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+    }
+}
+
+// On the agent's thread: it copies, queues and returns.
+void DeviceHandler::_HomeLoomClientSubscribeChanged(const char* deviceId, const char* uri, const char* rcsRep,
+                                                    const char* resDataType, const char* ocfErrorCode, const char*,
+                                                    void* userData) {
+    try {
+        const auto handler = CallbackTokens::Find<DeviceHandler>(userData);
+        if (!handler) {
+            return;
+        }
+        std::string id = copyOf(deviceId);
+        if (handler->isHubConnectedDevice(id)) {
+            HL_LOGI("This device id : %s is local hub connected device, do not proceed here", id.c_str());
+            return;
+        }
+        handler->AddJobToScheduler(
+            [weak = std::weak_ptr<DeviceHandler>(handler), id = std::move(id), uriText = copyOf(uri),
+             rep = copyOf(rcsRep), dataType = copyOf(resDataType), errorCode = copyOf(ocfErrorCode)] {
+                const auto self = weak.lock();
+                if (!self) {
+                    return;
+                }
+                HL_LOGI(
+                    "_HomeLoomClientSubscribeChanged(): Device id: %s, Rcs_rep: %s, URI: %s, Res_data_type: %s, "
+                    "ocf_error_code: %s",
+                    id.c_str(), rep.c_str(), uriText.c_str(), dataType.c_str(), errorCode.c_str());
+                self->applyUpdate(id, uriText, rep, dataType);
+            },
+            "_HomeLoomClientSubscribeChanged");
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+    }
+}
+
+void DeviceHandler::applyUpdate(const std::string& deviceId, const std::string& uri, const std::string& rep,
+                                const std::string& dataType) {
+    device_resource_info_struct info{deviceId, uri, {}};
+    // Also an update without a known property is worth a notification: it recomputes.
+    BuildResourceData(deviceId, uri, rep, dataType, info.properties);
+    OnResourceUpdateEvent(info);
+}
+
+bool DeviceHandler::BuildResourceData(const std::string& deviceId, const std::string& uri, const std::string& rep,
+                                      const std::string& dataType,
+                                      std::vector<device_property_info_struct>& properties) {
+    const auto& metadata = Metadata::GetInstance();
+    const auto lock = Lock();
+    const std::string vid = GetVid(deviceId);
+    if (vid.empty()) {
+        HL_LOGE("vid is empty");
+        return false;
+    }
+    auto names = metadata.GetPropertyNameList(vid, uri);
+    const auto device = FindDevice(deviceId);
+    if (!device) {
+        HL_LOGE("Cannot find device");
+        return false;
+    }
+    // Shown by no metadata, but by screens of their own.
+    if (uri == INSIDE_VIEW_URI && device->IsSupportInnerView()) {
+        names.emplace_back("x.com.norvane.da.fileid");
+    }
+    if (device->IsCameraDevice()) {
+        names.emplace_back("stream");
+    }
+    if (names.empty()) {
+        return false;
+    }
+
+    const auto types = json::JsonValue::Create(dataType);
+    const auto attributes = json::JsonValue::Create(rep);
+    const auto members = types.getMemberNames();
+    if (!attributes.isObject()) {
+        throw CException("representation is no object", kErrorFailed);
+    }
+    const std::string type = device->GetDeviceType();
+    int index = 0;
+    for (const auto& name : names) {
+        HL_LOGI("[%d] property_name: %s", index++, name.c_str());
+        const std::string member = CHLUtil::GetMemberFromMembers(members, name);
+        if (member.empty()) {
+            HL_LOGI("property_name[%s] is empty. continue", name.c_str());
+            continue;
+        }
+        if (!attributes.isMember(member)) {
+            HL_LOGI("property_name[%s] not found in attributes. continue", name.c_str());
+            continue;
+        }
+        device_property_info_struct property{member, "", types[member].asString()};
+        if (!CHLUtil::GetPropertyValue(attributes, property)) {
+            HL_LOGE("GetPropertyValue [%s] failed continue", name.c_str());
+            continue;
+        }
+        HL_LOGI("property_name: %s, property_type: %s, property_value:%s", property.property_name.c_str(),
+                property.property_type.c_str(), property.property_value.c_str());
+        if (!device->IsControllableDevice() && metadata.HasMainAction(vid, member)) {
+            HL_LOGI("controllable set true, device id : %s, device name : %s, property name : %s, property value : %s",
+                    deviceId.c_str(), device->GetName().c_str(), member.c_str(), property.property_value.c_str());
+            device->SetControllableDevice(true);
+        }
+        handleRunningState(device, {type, uri, member, property.property_value});
+        properties.push_back(std::move(property));
+    }
+    return true;
+}
+
+void DeviceHandler::handleRunningState(const std::shared_ptr<Device>& device,
+                                       const device_operation_info_struct& info) const {
+    const RunningState state = DeviceStateChecker::GetRunningState(info);
+    if (state != RUNNING_STATE_UNKNOWN) {
+        device->SetRunningState(state == RUNNING_STATE_RUNNING);
+    }
+}
+
+void DeviceHandler::OnResourceUpdateEvent(const device_resource_info_struct& info) {
+    const auto lock = Lock();
+    const auto device = FindDevice(info.device_id);
+    if (!device) {
+        return;
+    }
+    const std::string oldStateText = device->GetStateText();
+    if (CHLUtil::IsButtonDeviceType(device->GetDeviceType())) {
+        handleButton(device, info);
+    } else {
+        device->UpdateValue(info);
+    }
+    Metadata::GetInstance().SetDeviceStateText(device);
+    Metadata::GetInstance().UpdateDeviceIconUrl(device);
+
+    HL_LOGI("DeviceId: %s, res_uri: %s, old stateText: %s  new stateText: %s", info.device_id.c_str(), info.uri.c_str(),
+            oldStateText.c_str(), device->GetStateText().c_str());
+    for (const auto& property : info.properties) {
+        HL_LOGI("property_name %s, property_value %s, property_type %s", property.property_name.c_str(),
+                property.property_value.c_str(), property.property_type.c_str());
+    }
+    notifyDeviceState(device, oldStateText);
+}
+
+// A notification of the same name, with fewer fields, goes out for events of hub devices. Receivers know both.
+void DeviceHandler::notifyDeviceState(const std::shared_ptr<Device>& device, const std::string& oldStateText) const {
+    const auto& metadata = Metadata::GetInstance();
+    const std::string vid = device->GetVid();
+    const std::string type = device->GetDeviceType();
+    const std::string controlType = metadata.GetDeviceMainActionControlType(device);
+    const std::string actionState = metadata.ActionIcon(device);
+    const std::string actionUrl = metadata.ActionUrl(device);
+    const std::string serverDpUri = metadata.GetSolenneServerDpUri(vid);
+    const int status = GetDeviceStatus(device);
+
+    const auto list = IPropertyListHelper::Create();
+    list->SetName(Names::HL_DEVICE_STATE_UPDATED);
+    list->PushStringData(Names::DEVICE_ID, device->GetId());
+    list->PushStringData(Names::SUBDEVICE_TYPE, type);
+    list->PushStringData(Names::STATE_TEXT, device->GetStateText());
+    list->PushStringData(Names::CONTEXT_VALUE, device->GetDeviceOperationalContext());
+    list->PushStringData(Names::ICON_URL, device->GetIconUrl());
+    list->PushStringData(Names::CONTROL_TYPE, controlType);
+    list->PushIntData(Names::ACTIVE_STATE, device->IsInactive() ? 0 : 1);
+    list->PushBooleanData(Names::RUNNING_STATE, device->GetRunningState());
+    list->PushIntData(Names::SUBDEVTYPE_ENUM, SubDeviceType(type));
+    list->PushIntData(Names::CONTROLLABLE, device->IsControllableDevice() ? 1 : 0);
+    list->PushStringData(Names::ACTION_STATE, actionState);
+    list->PushStringData(Names::ACTION_URL, actionUrl);
+    list->PushIntData(Names::CLOUD_DEVICE_STATUS, status);
+    list->PushStringData(Names::SOLENNE_SERVER_DP_URI, serverDpUri);
+    int cardCount = 0;
+    if (metadata.NumOfMainStates(vid) > 0) {
+        cardCount = metadata.SetSubDeviceCardList(device);
+        list->PushStringData(Names::SUB_DEVICE_CARD_LIST_INFO, device->GetSubDeviceCardJsonInfo());
+    }
+    list->PushIntData(Names::NUM_OF_SUB_DEVICE_CARDS, cardCount);
+    const std::string cameraUrl = GetCameraUrl(device);
+    if (!cameraUrl.empty()) {
+        list->PushStringData(Names::CAMERA_STREAM_URL, cameraUrl);
+    }
+    if (vid.find(AV_PLATFORM) != std::string::npos) {
+        list->PushStringData(STATE_ACCESS_TOKEN, getAccessToken());
+    }
+
+    HL_LOGI(
+        "DeviceStateUpdatedInfo DeviceName:%s, DeviceId:%s, OldStateText:%s, NewStateText:%s, Vid:%s, DeviceType:%s, "
+        "CloudState:%d, ActiveState:%d, RunningState:%d, Controllable:%d, ControlType:%s, ServerDpUri:%s, "
+        "ActionState:%s, ActionUrl:%s, IconKey:%s, IconDate:%s, AnimationUrl:%s, ActivatedUrl:%s, InactivatedUrl:%s, "
+        "DisconnectedUrl:%s",
+        device->GetName().c_str(), device->GetId().c_str(), oldStateText.c_str(), device->GetStateText().c_str(),
+        vid.c_str(), type.c_str(), status, !device->IsInactive(), device->GetRunningState(),
+        device->IsControllableDevice(), controlType.c_str(), serverDpUri.c_str(), actionState.c_str(),
+        actionUrl.c_str(), device->GetCoreDeviceIconKey().c_str(), device->GetCoreDeviceIconDate().c_str(),
+        device->GetCoreDeviceAnimationIconUrl().c_str(), device->GetCoreDeviceActivatedIconUrl().c_str(),
+        device->GetCoreDeviceInactivatedIconUrl().c_str(), device->GetCoreDeviceDisconnectedIconUrl().c_str());
+    CPluginMgr::GetInstance().ReportServiceNotify(list);
+}
+
+std::string DeviceHandler::GetCameraUrl(const std::shared_ptr<Device>& device) const {
+    if (!device->IsCameraDevice()) {
+        return "";
+    }
+    const std::string uri = Metadata::GetInstance().GetStreamURI(device);
+    const std::string url = device->GetValue(uri, "stream");
+    return url.empty() ? device->GetValue(uri, "liveStream") : url;
+}
+
+void DeviceHandler::handleButton(const std::shared_ptr<Device>& device, const device_resource_info_struct& info) {
+    if (info.properties.empty()) {
+        device->UpdateValue({info.device_id, info.uri, {{"button", BUTTON_READY, "String"}}});
+        HL_LOGI("put init value to button");
+        return;
+    }
+    if (info.properties.front().property_value != BUTTON_READY) {
+        setButtonStandbyTimer(device, info);
+    }
+    device->UpdateValue(info);
+}
+
+// A press shows for one second; a second press within it starts the second anew.
+void DeviceHandler::setButtonStandbyTimer(const std::shared_ptr<Device>& device,
+                                          const device_resource_info_struct& info) {
+    device->SetTimer(BUTTON_STANDBY_MS, [weak = weak_from_this(), type = device->GetDeviceType(), info] {
+        const auto self = weak.lock();
+        if (!self) {
+            return;
+        }
+        device_resource_info_struct standby = info;
+        auto& value = standby.properties.front().property_value;
+        HL_LOGI("setButtonStandbyTimer() button timer expired [%s] : [%s]->[%s], device_id : [%s]", type.c_str(),
+                value.c_str(), BUTTON_READY, info.device_id.c_str());
+        value = BUTTON_READY;
+        self->OnResourceUpdateEvent(standby);
+    });
+}
+
+}  // namespace VMFramework::HomeLoom
