@@ -20,7 +20,7 @@ public:
         return std::static_pointer_cast<T>(findObject(token));
     }
 
-    /// For the one callback of an asynchronous call. Keeps the object until it is taken, or the connection ends.
+    /// For the one callback of an asynchronous call. Keeps the object until it is taken or dropped.
     static void* Keep(std::shared_ptr<void> object);
     /// The kept object, the first time; null from then on. T is the type that was given to Keep.
     template <typename T>

@@ -32,7 +32,7 @@ struct TesselHandler::Needs {
           const Log::Place& where = {__builtin_FILE(), __builtin_FUNCTION(), __builtin_LINE()})
         : needs(list), place(where) {}
 
-    void Log(const char* complaint) const {
+    void Complain(const char* complaint) const {
         if (Log::IsTaken(DLOG_ERROR, Log::kTag)) {
             Log::Write(DLOG_ERROR, Log::kTag, place, "%s", complaint);
         }
@@ -62,12 +62,12 @@ inline void TakeText(char* text, std::string& out) {
 
 inline bool TesselHandler::_MayCall(const Needs& needs) const {
     if (_clientHandle == nullptr) {
-        needs.Log("client handle is null");
+        needs.Complain("client handle is null");
         return false;
     }
     for (const Needs::Need& need : needs.needs) {
         if (!need.met) {
-            needs.Log(need.complaint);
+            needs.Complain(need.complaint);
             return false;
         }
     }

@@ -1,7 +1,6 @@
 #include <VMFramework/JsonValue.h>
 #include <vconf.h>
 
-#include "Homeloom/Common/CallbackTokens.h"
 #include "Homeloom/Tessel/TesselCall.h"
 
 namespace VMFramework::HomeLoom {
@@ -60,15 +59,13 @@ int TesselHandler::Connect(homeloom_client_connection_state_changed_cb cb, void*
 }
 
 int TesselHandler::Disconnect() {
-    std::unique_lock<std::mutex> lock(_mutex);
+    const std::lock_guard<std::mutex> lock(_mutex);
     if (_clientHandle == nullptr) {
         HL_LOGE("client handle is null");
         return HOMELOOM_CLIENT_ERROR_NOT_CONNECTED;
     }
     const int ret = homeloom_client_disconnect(_clientHandle);
     _clientHandle = nullptr;  // whatever the agent said
-    lock.unlock();
-    CallbackTokens::DropKept();
     return ret;
 }
 

@@ -1,0 +1,449 @@
+#include "Homeloom/Location/LocationHandler.h"
+
+#include <VMFramework/JsonValue.h>
+
+#include "Common/CException.h"
+#include "Common/HLLog.h"
+#include "Common/HLNames.h"
+#include "Helpers/CEndpointHelper.h"
+#include "Helpers/CEndpointListHelper.h"
+#include "Homeloom/Common/CallbackTokens.h"
+#include "Homeloom/Common/MsgDispatcher.h"
+#include "Homeloom/Tessel/TesselHandler.h"
+
+namespace VMFramework::HomeLoom {
+
+namespace {
+
+// A burst of group changes ends in one reload, this long after the last.
+constexpr guint kReloadDelayMs = 500;
+
+// Held by the timer's callback, so that a clean-up can wait for it.
+std::mutex timerCallbackMutex;
+
+LocationHandler::GroupList MakeGroupList(homeloom_client_group_h* list, int count) {
+    if (list == nullptr) {
+        return nullptr;
+    }
+    return LocationHandler::GroupList(
+        list, [count](homeloom_client_group_h* groups) { TesselHandler::GetInstance().GroupDestroy(groups, count); });
+}
+
+// A home without rooms is no error.
+bool checkErrorWithRoomEmptyCase(int ret) {
+    return ret == HOMELOOM_CLIENT_ERROR_NONE || ret == HOMELOOM_CLIENT_ERROR_NO_DATA;
+}
+
+std::string ReadGroup(homeloom_client_group_h group, homeloom_client_group_property_id_e property,
+                      const char* complaint) {
+    std::string value;
+    if (TesselHandler::GetInstance().GroupGetString(group, property, value) != HOMELOOM_CLIENT_ERROR_NONE) {
+        throw CException(complaint, kErrorNoData);
+    }
+    return value;
+}
+
+/// The name of the first group of that id; empty if there is none.
+std::string FindGroupName(const std::string& id, const LocationHandler::GroupList& list, int count,
+                          const char* idComplaint, const char* nameComplaint) {
+    for (int i = 0; list && i < count; ++i) {
+        if (ReadGroup(list.get()[i], HOMELOOM_CLIENT_GROUP_PROPERTY_ID, idComplaint) == id) {
+            return ReadGroup(list.get()[i], HOMELOOM_CLIENT_GROUP_PROPERTY_NAME, nameComplaint);
+        }
+    }
+    return {};
+}
+
+// Empty for a location that is not in the map. An owner without a name is the user, so a location that nobody
+// could be found for counts as the user's own.
+std::string getLocationOwnerName(const std::unordered_map<std::string, std::string>& owners, const std::string& id) {
+    const auto found = owners.find(id);
+    return found != owners.end() ? found->second : std::string();
+}
+
+std::string getLocationPermission(const std::unordered_map<std::string, core_location_info_struct>& locations,
+                                  const std::string& id) {
+    const auto found = locations.find(id);
+    return found != locations.end() ? found->second.location_permission : std::string();
+}
+
+}  // namespace
+
+LocationHandler::LocationHandler() : Handler("LocationHandler") {}
+
+LocationHandler::~LocationHandler() {
+    CleanUpTimer();
+    CallbackTokens::Unwatch(_token);
+}
+
+void LocationHandler::SetGetDevicesInfoCallback(std::function<bool()> callback) {
+    const std::lock_guard<std::mutex> lock(_mutex);
+    _getDevicesInfoCallback = std::move(callback);
+}
+
+void LocationHandler::SetProfileUpdateCallback(std::function<void(UpdateList)> callback) {
+    const std::lock_guard<std::mutex> lock(_mutex);
+    _profileUpdateCallback = std::move(callback);
+}
+
+void LocationHandler::SetGetFavoritesCallback(std::function<std::string(const std::string&)> callback) {
+    const std::lock_guard<std::mutex> lock(_mutex);
+    _getFavoritesCallback = std::move(callback);
+}
+
+void LocationHandler::SetGroupListUpdateCallback() {
+    TesselHandler::GetInstance().SetGroupListUpdatedCb(_HomeLoomClientLocationListUpdated, getToken());
+}
+
+void LocationHandler::UnsetGroupListUpdateCallback() {
+    TesselHandler::GetInstance().UnsetGroupListUpdatedCb();
+}
+
+int LocationHandler::UpdatePermission(const std::string& locationId) {
+    const int ret = TesselHandler::GetInstance().CoreNotifyPermissionUpdate(locationId);
+    HL_LOGI("UpdatePermission ret : %d", ret);
+    return ret;
+}
+
+void* LocationHandler::getToken() {
+    const std::lock_guard<std::mutex> lock(_mutex);
+    if (_token == nullptr) {
+        _token = CallbackTokens::Watch(weak_from_this());
+    }
+    return _token;
+}
+
+void LocationHandler::AddJobToScheduler(std::function<void()> job, const std::string& name) {
+    SGTMsgDispatcher::GetInstance().EnqueueData(std::move(job), name);
+}
+
+// ---- Change of the groups ----
+
+// On the agent's thread. The list stays the agent's and is not read: everything is read anew.
+void LocationHandler::_HomeLoomClientLocationListUpdated(int notiType, int groupType, homeloom_client_group_h*,
+                                                         int count, const char*, void* userData) {
+    try {
+        HL_LOGI("location noti_type: %d, location type: %d, location size: %d", notiType, groupType, count);
+        if (notiType == 0) {
+            HL_LOGI("skip group noti_type_default");
+            return;
+        }
+        if (userData == nullptr) {
+            return;
+        }
+        AddJobToScheduler(
+            [userData] {
+                HL_LOGI("location list updated");
+                if (const auto self = CallbackTokens::Find<LocationHandler>(userData)) {
+                    self->handleLocationListUpdated();
+                }
+            },
+            "_HomeLoomClientLocationListUpdated");
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+    }
+}
+
+void LocationHandler::handleLocationListUpdated() {
+    CleanUpTimer();
+    void* const token = getToken();
+    // The source itself is kept and not its id: an id that has fired names nothing, or soon another source.
+    GSource* const timer = g_timeout_source_new(kReloadDelayMs);
+    g_source_set_callback(timer, _LocationTimerCallback, token, nullptr);
+    const std::lock_guard<std::mutex> lock(_mutex);
+    if (g_source_attach(timer, nullptr) == 0) {
+        HL_LOGE("g_timeout_add failed!");
+        g_source_unref(timer);
+        return;
+    }
+    _locationTimer = timer;
+}
+
+// On the main loop. Leaves the spent source to the next clean-up.
+gboolean LocationHandler::_LocationTimerCallback(gpointer userData) {
+    const std::lock_guard<std::mutex> lock(timerCallbackMutex);
+    try {
+        if (userData == nullptr) {
+            HL_LOGE("user_data null!!");
+            return G_SOURCE_REMOVE;
+        }
+        HL_LOGI("_LocationTimerCallback() start");
+        AddJobToScheduler(
+            [userData] {
+                if (const auto self = CallbackTokens::Find<LocationHandler>(userData)) {
+                    self->reloadDevices();
+                }
+            },
+            "");
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+    }
+    return G_SOURCE_REMOVE;
+}
+
+void LocationHandler::reloadDevices() {
+    std::function<bool()> getDevicesInfo;
+    std::function<void(UpdateList)> profileUpdate;
+    {
+        const std::lock_guard<std::mutex> lock(_mutex);
+        getDevicesInfo = _getDevicesInfoCallback;
+        profileUpdate = _profileUpdateCallback;
+    }
+    if (getDevicesInfo && getDevicesInfo() && profileUpdate) {
+        HL_LOGI("profileUpdate will be called");
+        profileUpdate(UpdateList::LocationChanged);
+    }
+}
+
+void LocationHandler::CleanUpTimer() {
+    GSource* timer = nullptr;
+    {
+        const std::lock_guard<std::mutex> lock(_mutex);
+        timer = std::exchange(_locationTimer, nullptr);
+    }
+    if (timer == nullptr) {
+        return;
+    }
+    // Also for one that has fired already.
+    HL_LOGI("already has timer, remove previous one");
+    g_source_destroy(timer);
+    g_source_unref(timer);
+    const std::lock_guard<std::mutex> callbackHasReturned(timerCallbackMutex);
+}
+
+// ---- Reading ----
+
+LocationHandler::GroupList LocationHandler::GetLocationList(int& count) {
+    try {
+        homeloom_client_group_h* list = nullptr;
+        const int ret = TesselHandler::GetInstance().GetGroupList(list, HOMELOOM_CLIENT_GROUP_TYPE_LOCATION, count);
+        auto locations = MakeGroupList(list, count);
+        if (ret != HOMELOOM_CLIENT_ERROR_NONE) {
+            throw CException("get location list failed", kErrorNoData);
+        }
+        if (!locations) {
+            throw CException("location handle is null", kErrorNoData);
+        }
+        return locations;
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+        throw;
+    }
+}
+
+LocationHandler::GroupList LocationHandler::GetRoomList(int& count) {
+    try {
+        homeloom_client_group_h* list = nullptr;
+        const int ret = TesselHandler::GetInstance().GetGroupList(list, HOMELOOM_CLIENT_GROUP_TYPE_ROOM, count);
+        auto rooms = MakeGroupList(list, count);
+        if (!checkErrorWithRoomEmptyCase(ret)) {
+            throw CException("get room list failed", kErrorNoData);
+        }
+        return rooms;
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+        throw;
+    }
+}
+
+std::string LocationHandler::GetLocationNameFromLocationID(const std::string& locationId, const GroupList& list,
+                                                           int count) {
+    try {
+        if (locationId.empty()) {
+            throw CException("locationId is empty", kErrorEmptyArgument);
+        }
+        return FindGroupName(locationId, list, count, "get location id failed", "get location name failed");
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+        return {};
+    }
+}
+
+std::string LocationHandler::GetRoomNameFromRoomID(const std::string& roomId, const GroupList& list, int count) {
+    try {
+        if (roomId.empty()) {
+            throw CException("roomID is empty", kErrorEmptyArgument);
+        }
+        return FindGroupName(roomId, list, count, "get room id failed", "get room name failed");
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+        return {};
+    }
+}
+
+// In the agent's order, which the framework gets to see.
+LocationHandler::NameById LocationHandler::getLocation() {
+    NameById names;
+    int count = 0;
+    GroupList list;
+    try {
+        list = GetLocationList(count);
+    } catch (const std::exception&) {
+        HL_LOGE("Get Location List failed");
+        return names;
+    }
+    for (int i = 0; i < count; ++i) {
+        try {
+            std::string id = ReadGroup(list.get()[i], HOMELOOM_CLIENT_GROUP_PROPERTY_ID, "get location id failed");
+            std::string name =
+                ReadGroup(list.get()[i], HOMELOOM_CLIENT_GROUP_PROPERTY_NAME, "get location name failed");
+            HL_LOGI("[%d] location id : %s, location name : %s", i, id.c_str(), name.c_str());
+            names.emplace_back(std::move(id), std::move(name));
+        } catch (const std::exception& e) {
+            HL_LOG_EXCEPTION(e);
+        }
+    }
+    return names;
+}
+
+std::unordered_map<std::string, std::string> LocationHandler::GetLocations() {
+    const NameById names = getLocation();
+    return {names.begin(), names.end()};
+}
+
+std::unordered_map<std::string, core_location_info_struct> LocationHandler::GetCoreLocations() {
+    auto& agent = TesselHandler::GetInstance();
+    homeloom_core_location_h* list = nullptr;
+    int count = 0;
+    const int ret = agent.GetCoreLocationList(list, count);
+    const auto destroy = [&agent, count](homeloom_core_location_h* records) {
+        agent.CoreLocationDestroy(records, count);
+    };
+    const std::unique_ptr<homeloom_core_location_h, decltype(destroy)> owner(list, destroy);
+
+    std::unordered_map<std::string, core_location_info_struct> locations;
+    if (ret != HOMELOOM_CLIENT_ERROR_NONE) {
+        HL_LOGE("Get Location List failed");
+        return locations;
+    }
+    const auto read = [&agent](homeloom_core_location_h record, homeloom_core_location_field_e field,
+                               std::string& value) {
+        return agent.GetCoreLocationString(record, field, value) == HOMELOOM_CLIENT_ERROR_NONE;
+    };
+    for (int i = 0; list != nullptr && i < count; ++i) {
+        core_location_info_struct info;
+        if (!read(list[i], HOMELOOM_CORE_LOCATION_ID, info.location_id)) {
+            HL_LOGE("Get Location Id failed, continue");
+            continue;
+        }
+        if (!read(list[i], HOMELOOM_CORE_LOCATION_NAME, info.location_name)) {
+            HL_LOGE("Get Location Name failed, continue");
+            continue;
+        }
+        if (!read(list[i], HOMELOOM_CORE_LOCATION_PERMISSION, info.location_permission)) {
+            HL_LOGE("Get Location Permission failed, keep going");
+        }
+        HL_LOGI("[%d] core location id : %s, location name : %s, location permission : %s", i, info.location_id.c_str(),
+                info.location_name.c_str(), info.location_permission.c_str());
+        locations[info.location_id] = info;
+    }
+    return locations;
+}
+
+// An empty name marks a location of the user's own.
+std::unordered_map<std::string, std::string> LocationHandler::getLocationIdOwnerMap() {
+    std::unordered_map<std::string, std::string> owners;
+    auto& agent = TesselHandler::GetInstance();
+    const std::string userId = agent.GetUserId();
+    std::string text;
+    if (agent.GetCoreLocationUsers("", text) != HOMELOOM_CLIENT_ERROR_NONE) {
+        HL_LOGE("get location users info failed");
+        return owners;
+    }
+    const auto users = json::JsonValue::Create(text);
+    if (users.isNull()) {
+        HL_LOGE("parsing is failed.");
+        return owners;
+    }
+    HL_LOGI("json array size : %zu, %s", users.size(), text.c_str());
+    for (std::size_t i = 0; i < users.size(); ++i) {
+        if (IsQuit()) {
+            HL_LOGI("LocationeHandler Quit");
+            break;
+        }
+        try {
+            const auto location = users[i];
+            if (location.isNull()) {
+                HL_LOGE("current location element parsing failed");
+                continue;
+            }
+            const std::string id = location["locationId"].asString();
+            const auto owner = location["owner"];
+            if (owner.isNull()) {
+                HL_LOGE("current owner element parsing failed");
+                continue;
+            }
+            const std::string accountId = owner["norvaneAccountId"].asString();
+            const std::string name = owner["name"].asString();
+            owners[id] = accountId == userId ? std::string() : name;
+            HL_LOGI("locationd id : %s, location owner name : %s", id.c_str(), owners[id].c_str());
+        } catch (const std::exception& e) {
+            HL_LOG_EXCEPTION(e);
+        }
+    }
+    return owners;
+}
+
+std::string LocationHandler::getRoomInfo(const GroupList& rooms, int count, const std::string& locationId,
+                                         int& roomCount) {
+    try {
+        auto array = json::JsonValue::CreateArray();
+        for (int i = 0; rooms && i < count; ++i) {
+            const homeloom_client_group_h room = rooms.get()[i];
+            if (ReadGroup(room, HOMELOOM_CLIENT_GROUP_PROPERTY_PARENT_ID, "get room parent failed") != locationId) {
+                continue;
+            }
+            json::JsonValue info;
+            info.set(Names::ROOM_ID, ReadGroup(room, HOMELOOM_CLIENT_GROUP_PROPERTY_ID, "get room id failed"));
+            info.set(Names::ROOM_NAME, ReadGroup(room, HOMELOOM_CLIENT_GROUP_PROPERTY_NAME, "get room name failed"));
+            array.append(info);
+            ++roomCount;
+        }
+        return array.toString();
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+        return {};
+    }
+}
+
+void LocationHandler::GetLocationData(const std::shared_ptr<IEndpointListHelper>& list) {
+    int groupCount = 0;
+    const GroupList rooms = GetRoomList(groupCount);
+    const NameById locations = getLocation();
+    const auto owners = getLocationIdOwnerMap();
+    const auto coreLocations = GetCoreLocations();
+    std::function<std::string(const std::string&)> getFavorites;
+    {
+        const std::lock_guard<std::mutex> lock(_mutex);
+        getFavorites = _getFavoritesCallback;
+    }
+    for (const auto& [id, name] : locations) {
+        if (IsQuit()) {
+            HL_LOGI("LocationeHandler Quit");
+            return;
+        }
+        const std::string ownerName = getLocationOwnerName(owners, id);
+        int roomCount = 0;
+        const std::string roomInfo = getRoomInfo(rooms, groupCount, id, roomCount);
+        const std::string favorites = getFavorites ? getFavorites(id) : std::string();
+
+        // Nobody owns an endpoint until it is pushed.
+        const auto endpoint = IEndpointHelper::Create();
+        endpoint->SetServiceName(Names::HOMELOOM);
+        endpoint->SetDeviceType(Names::HOMELOOM_DUMMY);
+        endpoint->SetDeviceId(id);
+        endpoint->SetExtraData(Names::LOCATION_ID, id);
+        endpoint->SetExtraData(Names::LOCATION_NAME, name);
+        endpoint->SetExtraData(Names::LOCATION_OWNER_NAME, ownerName);
+        endpoint->SetExtraDataBool(Names::LOCATION_IS_OWNER, ownerName.empty());
+        endpoint->SetExtraData(Names::LOCATION_PERMISSION, getLocationPermission(coreLocations, id));
+        endpoint->SetExtraDataInt(Names::ROOM_COUNT, roomCount);
+        endpoint->SetExtraData(Names::ROOM_INFO, roomInfo);
+        endpoint->SetExtraData(Names::FAVORITE_INFO_ARRAY, favorites);
+        HL_LOGI("location id: %s, location name: %s, owner name : %s, room_cnt: %d, room_info : %s", id.c_str(),
+                name.c_str(), ownerName.c_str(), roomCount, roomInfo.c_str());
+        list->Push(endpoint->GetHandle(), VMF_ERROR_NONE);
+    }
+}
+
+}  // namespace VMFramework::HomeLoom

@@ -1,0 +1,98 @@
+#ifndef HOMELOOM_HOMELOOM_LOCATION_LOCATIONHANDLER_H
+#define HOMELOOM_HOMELOOM_LOCATION_LOCATIONHANDLER_H
+
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include <glib.h>
+#include <homeloom_client.h>
+
+#include "Homeloom/Common/Handler.h"
+#include "Homeloom/Common/UpdateList.h"
+#include "Homeloom/Location/CoreLocationInfo.h"
+
+namespace VMFramework::HomeLoom {
+
+class CTransaction;
+class IEndpointListHelper;
+
+/// Locations and their rooms: reads them from the agent, makes an endpoint of each location, carries out the room
+/// requests, and has the home sent anew when the agent's groups change.
+///
+/// Holds nothing of the home: every read goes to the agent. Reads and requests block on the facade. To be
+/// held by a shared_ptr, since jobs, the timer and the agent refer to it weakly.
+class LocationHandler : public Handler, public std::enable_shared_from_this<LocationHandler> {
+public:
+    LocationHandler();
+    ~LocationHandler() override;
+
+    /// The ways into the session: reads the devices anew, sends the home, tells a location's favorites.
+    void SetGetDevicesInfoCallback(std::function<bool()> callback);
+    void SetProfileUpdateCallback(std::function<void(UpdateList)> callback);
+    void SetGetFavoritesCallback(std::function<std::string(const std::string&)> callback);
+
+    void SetGroupListUpdateCallback();
+    void UnsetGroupListUpdateCallback();
+    /// When it returns, the timer's callback is not running and will not run.
+    void CleanUpTimer();
+    /// An empty location id stands for all.
+    int UpdatePermission(const std::string& locationId);
+
+    /// The agent's groups, destroyed with the last reference. Both throw CException when they can't be read; a home
+    /// without rooms gives null and 0.
+    using GroupList = std::shared_ptr<homeloom_client_group_h>;
+    GroupList GetLocationList(int& count);
+    GroupList GetRoomList(int& count);
+    /// Empty when there is none of that id, or the walk fails on the way to it.
+    std::string GetLocationNameFromLocationID(const std::string& locationId, const GroupList& list, int count);
+    std::string GetRoomNameFromRoomID(const std::string& roomId, const GroupList& list, int count);
+
+    /// Appends one endpoint for each location. Throws CException when the rooms can't be read.
+    void GetLocationData(const std::shared_ptr<IEndpointListHelper>& list);
+    /// By id; empty on failure.
+    std::unordered_map<std::string, core_location_info_struct> GetCoreLocations();
+    std::unordered_map<std::string, std::string> GetLocations();
+
+    /// The room requests. An empty argument gets no answer.
+    void CreateRoom(const std::shared_ptr<CTransaction>& transaction, const std::string& locationId,
+                    const std::string& roomName);
+    void RemoveRoom(const std::shared_ptr<CTransaction>& transaction, const std::string& locationId,
+                    const std::string& roomId);
+    void ChangeRoomName(const std::shared_ptr<CTransaction>& transaction, const std::string& locationId,
+                        const std::string& roomId, const std::string& roomName);
+    /// 'deviceIds' are 'count' ids with commas between.
+    void MoveDevices(const std::shared_ptr<CTransaction>& transaction, const std::string& deviceIds, int count,
+                     const std::string& locationId, const std::string& roomId);
+
+private:
+    static void _HomeLoomClientLocationListUpdated(int notiType, int groupType, homeloom_client_group_h* list,
+                                                   int count, const char* id, void* userData);
+    static void _HomeLoomClientMoveDevicesCompleted(int error, void* userData);
+    static gboolean _LocationTimerCallback(gpointer userData);
+    static void AddJobToScheduler(std::function<void()> job, const std::string& name);
+
+    void handleLocationListUpdated();
+    void reloadDevices();
+    void* getToken();
+
+    using NameById = std::vector<std::pair<std::string, std::string>>;
+    NameById getLocation();
+    std::unordered_map<std::string, std::string> getLocationIdOwnerMap();
+    std::string getRoomInfo(const GroupList& rooms, int count, const std::string& locationId, int& roomCount);
+
+    std::mutex _mutex;  // a leaf: guards all that follows
+    std::function<bool()> _getDevicesInfoCallback;
+    std::function<void(UpdateList)> _profileUpdateCallback;
+    std::function<std::string(const std::string&)> _getFavoritesCallback;
+    GSource* _locationTimer = nullptr;  // owned; null when none was armed since the last clean-up
+    void* _token = nullptr;             // what the agent and GLib know of this handler
+};
+
+}  // namespace VMFramework::HomeLoom
+
+#endif
