@@ -78,6 +78,8 @@ public:
     /// The element at that index, or null when there is none, or when this is no array.
     JsonValue operator[](std::size_t index) const noexcept;
     JsonValue operator[](int index) const noexcept;
+    JsonValue operator[](std::size_t index) noexcept;
+    JsonValue operator[](int index) noexcept;  // or a literal 0 could be taken for a name
 
     /// Whether there is a member of that name. Throws unless this is an object.
     bool isMember(std::string_view name) const;
