@@ -69,19 +69,22 @@ void Metadata::getLocaleCode() {
 }
 
 void Metadata::StartLanguageWatch() {
-    if (_isWatchingLanguage.exchange(true)) {
+    const std::lock_guard<std::mutex> lock(_watchMutex);
+    if (_isWatchingLanguage) {
         return;
     }
     getLocaleCode();
-    if (vconf_notify_key_changed(kLanguageKey, VCONFNotifyLocaleCodeUpdate, this) != 0) {
+    _isWatchingLanguage = vconf_notify_key_changed(kLanguageKey, VCONFNotifyLocaleCodeUpdate, this) == 0;
+    if (!_isWatchingLanguage) {
         HL_LOGE("failed to register vconf change notify for VCONFKEY_LANGSET");
-        _isWatchingLanguage = false;
     }
 }
 
 void Metadata::StopLanguageWatch() {
-    if (_isWatchingLanguage.exchange(false)) {
+    const std::lock_guard<std::mutex> lock(_watchMutex);
+    if (_isWatchingLanguage) {
         vconf_ignore_key_changed(kLanguageKey, VCONFNotifyLocaleCodeUpdate);
+        _isWatchingLanguage = false;
     }
 }
 

@@ -175,7 +175,8 @@ private:
     std::map<std::string_view, const char*> _localeMap;  // the system's language value, and the metadata's
     UIMetadataParser _parser;
     std::map<std::string, UiMetadata> _metadataMap;
-    std::atomic<bool> _isWatchingLanguage{false};
+    std::mutex _watchMutex;  // guards the next one; the watch's callback does not take it, so a stop can wait for it
+    bool _isWatchingLanguage = false;
 };
 
 }  // namespace VMFramework::HomeLoom

@@ -1,6 +1,7 @@
 // Metadata: a device's main action.
 #include <algorithm>
 #include <exception>
+#include <utility>
 
 #include <VMFramework/JsonValue.h>
 

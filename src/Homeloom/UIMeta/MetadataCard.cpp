@@ -1,5 +1,6 @@
 // Metadata: the cards of sub devices, such as the second drum of a washer. Each group of main states makes one.
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include <VMFramework/JsonValue.h>

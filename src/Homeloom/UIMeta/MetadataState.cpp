@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <exception>
+#include <utility>
 
 #include <VMFramework/JsonValue.h>
 
@@ -77,6 +78,7 @@ void Metadata::GetDeviceStateText(const DevicePtr& device) const {
     } else {
         getGenericStateLabel(*device, *meta, text, inactive);
     }
+    // One blank is a document's way to show nothing new.
     if (text.empty() || text == " ") {
         text = device->GetStateText();
         HL_LOGI("current stateText is empty, use prev_statetext : %s", text.c_str());
@@ -222,7 +224,7 @@ bool Metadata::isMainActionVisible(const Device& device, const device_action_str
 
 bool Metadata::checkVisible(const Device& device, const std::string& uri, const std::string& property,
                             std::string_view op, const std::string& operand) {
-    // No device ever tells whether its diagnosis has started.
+    // A rule on the start of a diagnosis is met whatever the device reports.
     if (uri == "/diagnosis/vs/0" && property == "x.com.norvane.da.diagnosisStart") {
         return true;
     }
