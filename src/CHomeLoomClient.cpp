@@ -1,0 +1,151 @@
+#include "CHomeLoomClient.h"
+
+#include <utility>
+
+#include <VMFramework/CDirectInvoker.h>
+
+#include "Common/CException.h"
+#include "Common/CTransaction.h"
+#include "Common/HLLog.h"
+#include "Common/HLNames.h"
+#include "Helpers/CPropertyListHelper.h"
+
+namespace VMFramework::HomeLoom {
+
+std::shared_ptr<CHomeLoomClient> CHomeLoomClient::Create() {
+    const std::shared_ptr<CHomeLoomClient> client(new CHomeLoomClient());
+    client->_SetOwner(client);
+    return client;
+}
+
+CHomeLoomClient::CHomeLoomClient() : _normalDispatcher("Normal"), _priorDispatcher("Prior") {}
+
+CHomeLoomClient::~CHomeLoomClient() = default;
+
+void CHomeLoomClient::Init() {
+    HL_TRACE(this);
+    try {
+        _MakePriorRequestHandlerMap();
+        _MakeRequestHandlerMap();
+        Initiate(TPL::CDirectInvoker::GetInstance());
+        _ConnectHLClient();
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+        throw;
+    }
+}
+
+void CHomeLoomClient::Termi() {
+    HL_TRACE(this);
+    try {
+        _quit = true;
+        _DisconnectHLClient();
+        _priorDispatcher.Quit();
+        _normalDispatcher.Quit();
+        TerminateSync(TPL::CDirectInvoker::GetInstance());
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+    }
+}
+
+void CHomeLoomClient::_Invoke(Task task) {
+    if (!InvokeTask(TPL::CDirectInvoker::GetInstance(), std::move(task))) {
+        throw CException("InvokeTask Fail!!", kErrorFailed);
+    }
+}
+
+void CHomeLoomClient::RequestService(const std::shared_ptr<CTransaction>& transaction) {
+    _Invoke(std::bind(&CHomeLoomClient::_RequestService, std::placeholders::_1, transaction));
+}
+
+void CHomeLoomClient::Search() {
+    _Invoke(std::bind(&CHomeLoomClient::_Search, std::placeholders::_1));
+}
+
+void CHomeLoomClient::StopSearch() {
+    _Invoke(std::bind(&CHomeLoomClient::_StopSearch, std::placeholders::_1));
+}
+
+void CHomeLoomClient::GetDeviceList() {
+    _Invoke(std::bind(&CHomeLoomClient::_GetDeviceList, std::placeholders::_1));
+}
+
+void CHomeLoomClient::_ConnectHLClient() {
+    HL_TRACE(this);
+    try {
+        _client.Init();
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+    }
+}
+
+void CHomeLoomClient::_DisconnectHLClient() {
+    HL_TRACE(this);
+    try {
+        _client.Deinit();
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+    }
+}
+
+void CHomeLoomClient::_RequestService(const std::shared_ptr<CTransaction>& transaction) {
+    HL_TRACE(this);
+    try {
+        const std::string name = transaction->GetRequestPropertyList()->GetName();
+        if (name.empty()) {
+            throw CException("property_name is empty!", kErrorEmptyArgument);
+        }
+        if (_priorRequestHandlers.find(name) != _priorRequestHandlers.end()) {
+            HL_LOGI("prior request : %s", name.c_str());
+            // A prior request is tested against the quit flag here, a normal one when it runs.
+            if (_quit) {
+                HL_LOGE("already quit. do nothing");
+                return;
+            }
+            _priorDispatcher.EnqueueData([this, name, transaction] { _RunPriorRequest(name, transaction); }, name);
+            return;
+        }
+        HL_LOGI("normal request : %s", name.c_str());
+        _normalDispatcher.EnqueueData([this, name, transaction] { _RunRequest(name, transaction); }, name);
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+    }
+}
+
+void CHomeLoomClient::_RunRequest(const std::string& name, const std::shared_ptr<CTransaction>& transaction) {
+    HL_LOGI("normal request for %s", name.c_str());
+    if (_quit) {
+        HL_LOGE("already quit. do nothing");
+        return;
+    }
+    // An unknown name leaves an empty function behind, whose call throws: the dispatcher logs it.
+    _requestHandlers[name](transaction);
+}
+
+void CHomeLoomClient::_RunPriorRequest(const std::string& name, const std::shared_ptr<CTransaction>& transaction) {
+    HL_LOGI("prior request for %s", name.c_str());
+    _priorRequestHandlers[name](transaction);
+}
+
+// The framework searches by itself; there is nothing to start or stop.
+void CHomeLoomClient::_Search() {
+    HL_TRACE(this);
+}
+
+void CHomeLoomClient::_StopSearch() {
+    HL_TRACE(this);
+}
+
+// The scan wants the session's mutex, for minutes in the worst case. Run in place, it would hold the framework's thread
+// that long; and it would deadlock: a thread that reports under the device handler's mutex may find this job in the
+// controller's context and run it, while the scheduler holds the session's mutex and waits for the device handler's.
+void CHomeLoomClient::_GetDeviceList() {
+    HL_TRACE(this);
+    try {
+        _normalDispatcher.EnqueueData([this] { _client.StartScan(); }, "GetDeviceList");
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+    }
+}
+
+}  // namespace VMFramework::HomeLoom

@@ -1,0 +1,82 @@
+#include "CPluginMgr.h"
+
+#include <exception>
+
+#include "CHomeLoomClientMgr.h"
+#include "Common/HLLog.h"
+#include "Controllers/CServiceController.h"
+
+namespace VMFramework::HomeLoom {
+
+CPluginMgr& CPluginMgr::GetInstance() {
+    static CPluginMgr instance;
+    return instance;
+}
+
+CPluginMgr::CPluginMgr() : _controller(CServiceController::Create()) {}
+
+CPluginMgr::~CPluginMgr() = default;
+
+void CPluginMgr::Init() {
+    HL_TRACE(this);
+    try {
+        _controller->Init();
+        CHomeLoomClientMgr::GetInstance().Init();
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+        throw;
+    }
+}
+
+void CPluginMgr::Deinit() {
+    HL_TRACE(this);
+    try {
+        // The session first, so that jobs that still run report through a living controller.
+        CHomeLoomClientMgr::GetInstance().Termi();
+        _controller->Termi();
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+    }
+}
+
+void CPluginMgr::ReportRequestResult(const std::shared_ptr<IPropertyListHelper>& list) {
+    try {
+        _controller->ReportRequestResult(list);
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+    }
+}
+
+void CPluginMgr::ReportServiceNotify(const std::shared_ptr<IPropertyListHelper>& list) {
+    try {
+        _controller->ReportServiceNotify(list);
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+    }
+}
+
+void CPluginMgr::ReportDeviceList(const std::shared_ptr<IEndpointListHelper>& list) {
+    try {
+        _controller->ReportDeviceList(list);
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+    }
+}
+
+void CPluginMgr::ReportDeviceFound(const std::shared_ptr<IEndpointHelper>& endpoint) {
+    try {
+        _controller->ReportDeviceFound(endpoint);
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+    }
+}
+
+void CPluginMgr::ReportPluginStatus(PluginStatus status) {
+    try {
+        _controller->ReportPluginStatus(status);
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+    }
+}
+
+}  // namespace VMFramework::HomeLoom

@@ -1,0 +1,70 @@
+#include "Helpers/CEndpointListHelper.h"
+
+#include <stdexcept>
+
+#include "Common/HLLog.h"
+
+namespace VMFramework::HomeLoom {
+
+std::shared_ptr<IEndpointListHelper> IEndpointListHelper::Create() {
+    vmf_error_e error = VMF_ERROR_NONE;
+    const vmf_endpoint_list_h list = vmf_endpoint_list_create(&error);
+    if (list == nullptr || error != VMF_ERROR_NONE) {
+        HL_LOGE("failed to copy list");
+        throw std::invalid_argument("failed to create list");
+    }
+    return std::make_shared<CEndpointListHelper>(list);
+}
+
+CEndpointListHelper::CEndpointListHelper(vmf_endpoint_list_h list) noexcept : _list(list) {}
+
+CEndpointListHelper::~CEndpointListHelper() {
+    vmf_endpoint_list_destroy(_list);
+}
+
+vmf_endpoint_list_h CEndpointListHelper::GetHandle() {
+    return _list;
+}
+
+void CEndpointListHelper::Push(vmf_endpoint_h endpoint, vmf_error_e error) {
+    if (error != VMF_ERROR_NONE || vmf_endpoint_list_push_endpoint(_list, endpoint) != VMF_ERROR_NONE) {
+        HL_LOGE("Push is failed");
+        return;
+    }
+    ++_count;
+}
+
+void CEndpointListHelper::Pop(void** endpoint, vmf_error_e* error) {
+    // Counted whether or not there was one, so the count of an empty list goes below zero.
+    --_count;
+    const vmf_error_e result = vmf_endpoint_list_pop(_list, endpoint);
+    if (error != nullptr) {
+        *error = result;
+    }
+}
+
+vmf_endpoint_h CEndpointListHelper::Find(const std::string& deviceId) {
+    return vmf_endpoint_list_find(_list, deviceId.c_str());
+}
+
+void* CEndpointListHelper::GetFirst() const {
+    return vmf_endpoint_list_get_first(_list);
+}
+
+void* CEndpointListHelper::GetNext(void* cursor) const {
+    return vmf_endpoint_list_get_next(_list, cursor);
+}
+
+bool CEndpointListHelper::Empty() const {
+    return vmf_endpoint_list_empty(_list);
+}
+
+int CEndpointListHelper::GetCount() const {
+    return _count;
+}
+
+int CEndpointListHelper::GetCount(const std::string& deviceType) const {
+    return vmf_endpoint_list_count(_list, deviceType.c_str());
+}
+
+}  // namespace VMFramework::HomeLoom

@@ -1,0 +1,201 @@
+#include "Homeloom/Common/MsgDispatcher.h"
+
+#include <chrono>
+#include <exception>
+#include <utility>
+
+#include "Common/HLLog.h"
+
+namespace VMFramework::HomeLoom {
+
+namespace {
+
+// Nobody waits this long: a pusher wakes the thread. It bounds the damage should a wake-up ever get lost.
+constexpr std::chrono::milliseconds kIdleWait{500};
+
+}  // namespace
+
+MsgDispatcher::MsgQueue::MsgQueue() : MsgQueue(std::string()) {}
+
+MsgDispatcher::MsgQueue::MsgQueue(const std::string& name) : _name(name) {
+    HL_LOGI("[%s]", _name.c_str());
+}
+
+void MsgDispatcher::MsgQueue::Push(const Msg& msg) {
+    Push(Msg(msg));
+}
+
+void MsgDispatcher::MsgQueue::Push(Msg&& msg) {
+    const std::lock_guard<std::mutex> lock(_mutex);
+    _queue.push_back(std::move(msg));
+}
+
+void MsgDispatcher::MsgQueue::Pop() {
+    const std::lock_guard<std::mutex> lock(_mutex);
+    _queue.pop_front();
+}
+
+MsgDispatcher::Msg& MsgDispatcher::MsgQueue::Front() {
+    const std::lock_guard<std::mutex> lock(_mutex);
+    return _queue.front();
+}
+
+std::size_t MsgDispatcher::MsgQueue::Size() const {
+    const std::lock_guard<std::mutex> lock(_mutex);
+    return _queue.size();
+}
+
+bool MsgDispatcher::MsgQueue::IsEmpty() const {
+    const std::lock_guard<std::mutex> lock(_mutex);
+    return _queue.empty();
+}
+
+void MsgDispatcher::MsgQueue::Clear() {
+    HL_LOGI("[%s] Clear Enter", _name.c_str());
+    std::deque<Msg> dropped;
+    {
+        const std::lock_guard<std::mutex> lock(_mutex);
+        dropped.swap(_queue);
+    }
+    // What a job holds may push on this queue when it is destroyed.
+    dropped.clear();
+    HL_LOGI("[%s] Clear Exit", _name.c_str());
+}
+
+void MsgDispatcher::MsgQueue::RunFirstJob() {
+    Msg msg;
+    {
+        const std::lock_guard<std::mutex> lock(_mutex);
+        if (_queue.empty()) {
+            return;
+        }
+        msg = std::move(_queue.front());
+        _queue.pop_front();
+    }
+    if (!msg.job) {
+        HL_LOGI("[%s] job null!", _name.c_str());
+        return;
+    }
+    HL_LOGI("[%s][%s] before job. Q count: %zu", _name.c_str(), msg.name.c_str(), Size());
+    try {
+        msg.job();
+        HL_LOGI("[%s][%s] after job. Q count: %zu", _name.c_str(), msg.name.c_str(), Size());
+    } catch (const std::exception& e) {
+        HL_LOGE("[%s][%s] exception from job : %s", _name.c_str(), msg.name.c_str(), e.what());
+    } catch (...) {
+        HL_LOGE("[%s][%s] unknown exception from job", _name.c_str(), msg.name.c_str());
+    }
+}
+
+MsgDispatcher::MsgDispatcher() : MsgDispatcher(std::string()) {}
+
+MsgDispatcher::MsgDispatcher(const std::string& name)
+    : _queue(name), _name(name), _thread(&MsgDispatcher::runDispatchingThread, this) {}
+
+MsgDispatcher::~MsgDispatcher() {
+    if (_thread.joinable()) {
+        Quit();
+    }
+}
+
+void MsgDispatcher::EnqueueData(ThreadJob job, const std::string& name) {
+    if (!_running) {
+        HL_LOGE("Thread already finished! Can not do enqueue!! [%s]", name.c_str());
+        return;
+    }
+    _queue.Push(Msg{std::move(job), name});
+    HL_LOGI("[%s][%s] enqueued. Q size:%zu", _name.c_str(), name.c_str(), _queue.Size());
+    wake();
+    if (!_running) {
+        // The thread may have cleared its queue for the last time before this job came.
+        _queue.Clear();
+    }
+}
+
+// Between the thread's last look at the queue and its wait, a notify would be lost. There the thread holds the mutex
+// for a few instructions only, so the pusher may wait for it; otherwise the thread is awake, perhaps inside a long job
+// under that same mutex, and will look at the queue by itself.
+void MsgDispatcher::wake() {
+    while (_goingToSleep) {
+        if (_mutex.try_lock()) {
+            _mutex.unlock();
+            break;
+        }
+        std::this_thread::yield();
+    }
+    _condition.notify_one();
+}
+
+void MsgDispatcher::Pause() {
+    HL_LOGE("[%s] Enter. Q Count: %zu", _name.c_str(), _queue.Size());
+    _paused = true;
+    wake();
+    HL_LOGE("[%s] Exit", _name.c_str());
+}
+
+void MsgDispatcher::Resume() {
+    HL_LOGE("[%s] Enter. Q Count: %zu", _name.c_str(), _queue.Size());
+    _paused = false;
+    wake();
+    HL_LOGE("[%s] Exit", _name.c_str());
+}
+
+void MsgDispatcher::ClearData() {
+    HL_LOGI("[%s]", _name.c_str());
+    _queue.Clear();
+}
+
+void MsgDispatcher::Quit() {
+    HL_LOGE("[%s] Enter. Q Count: %zu", _name.c_str(), _queue.Size());
+    _running = false;
+    _paused = false;
+    wake();
+    if (_thread.joinable()) {
+        HL_LOGI("[%s] before join", _name.c_str());
+        _thread.join();
+        HL_LOGI("[%s] after join", _name.c_str());
+    } else {
+        HL_LOGI("[%s] Not joinable", _name.c_str());
+    }
+    HL_LOGE("[%s] Exit", _name.c_str());
+}
+
+bool MsgDispatcher::isEmptyQueue() const {
+    return _queue.IsEmpty();
+}
+
+void MsgDispatcher::runDispatchingThread() {
+    HL_LOGI("[%s] thread started", _name.c_str());
+    try {
+        dispatchUntilQuit();
+    } catch (const std::exception& e) {
+        HL_LOGE("[%s] Exception: %s", _name.c_str(), e.what());
+    }
+    HL_LOGI("[%s] Finished thread running", _name.c_str());
+}
+
+void MsgDispatcher::dispatchUntilQuit() {
+    std::unique_lock<std::mutex> lock(_mutex);
+    while (true) {
+        _goingToSleep = true;
+        if (_running && _queue.IsEmpty()) {
+            _condition.wait_for(lock, kIdleWait);
+            _goingToSleep = false;
+            continue;
+        }
+        _goingToSleep = false;
+        if (_paused) {
+            HL_LOGE("[%s] PAUSED STATUS. clear all", _name.c_str());
+            ClearData();
+            continue;
+        }
+        if (!_running) {
+            break;
+        }
+        _queue.RunFirstJob();
+    }
+    HL_LOGE("[%s] ESCAPE!, Q Count: %zu", _name.c_str(), _queue.Size());
+    ClearData();
+}
+
+}  // namespace VMFramework::HomeLoom

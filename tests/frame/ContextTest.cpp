@@ -1,0 +1,151 @@
+#include "common/include_internal/TPLContext.h"
+
+#include <atomic>
+#include <functional>
+#include <future>
+#include <memory>
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
+#include <VMFramework/CDirectInvoker.h>
+#include <gtest/gtest.h>
+
+using VMFramework::TPL::CContext;
+using VMFramework::TPL::CDirectInvoker;
+
+namespace {
+
+class Worker : public CContext<Worker> {
+public:
+    static std::shared_ptr<Worker> Create() {
+        auto worker = std::make_shared<Worker>();
+        worker->_SetOwner(worker);
+        return worker;
+    }
+    void Start() { Initiate(CDirectInvoker::GetInstance()); }
+    void Stop() { TerminateSync(CDirectInvoker::GetInstance()); }
+    bool Do(std::function<void()> work) {
+        return InvokeTask(CDirectInvoker::GetInstance(), [work](const std::shared_ptr<Worker>&) { work(); });
+    }
+};
+
+}  // namespace
+
+TEST(Context, RunsInPlaceOnlyBetweenInitiateAndTerminate) {
+    const auto worker = Worker::Create();
+    int ran = 0;
+    EXPECT_TRUE(worker->Do([&] { ++ran; }));  // accepted, and dropped without a word
+    EXPECT_EQ(ran, 0);
+    worker->Start();
+    EXPECT_TRUE(worker->Do([&] { ++ran; }));
+    EXPECT_EQ(ran, 1);
+    worker->Stop();
+    EXPECT_FALSE(worker->Do([&] { ++ran; }));
+    EXPECT_EQ(ran, 1);
+}
+
+TEST(Context, AJobThatPostsRunsTheNewOneAfterItself) {
+    const auto worker = Worker::Create();
+    worker->Start();
+    std::vector<int> order;
+    worker->Do([&] {
+        EXPECT_TRUE(worker->Do([&] { order.push_back(2); }));
+        order.push_back(1);
+    });
+    EXPECT_EQ(order, (std::vector<int>{1, 2}));
+}
+
+TEST(Context, ASecondCallersJobRunsOnTheFirstOnesThread) {
+    const auto worker = Worker::Create();
+    worker->Start();
+    std::promise<void> entered;
+    std::promise<void> open;
+    std::thread::id second;
+    std::thread first([&] {
+        worker->Do([&] {
+            entered.set_value();
+            open.get_future().wait();
+        });
+    });
+    const auto firstId = first.get_id();
+    entered.get_future().wait();
+    EXPECT_TRUE(worker->Do([&] { second = std::this_thread::get_id(); }));
+    EXPECT_EQ(second, std::thread::id());
+    open.set_value();
+    first.join();
+    EXPECT_EQ(second, firstId);
+}
+
+TEST(Context, AThrowingJobReachesItsCallerAndLeavesTheOthers) {
+    const auto worker = Worker::Create();
+    worker->Start();
+    int ran = 0;
+    EXPECT_THROW(worker->Do([&] {
+        worker->Do([&] { ++ran; });
+        throw std::runtime_error("bad");
+    }),
+                 std::runtime_error);
+    EXPECT_EQ(ran, 0);
+    worker->Do([] {});
+    EXPECT_EQ(ran, 1);
+}
+
+// A job that throws just as another thread becomes the worker must not let two threads run jobs at once.
+TEST(Context, NeverTwoWorkers) {
+    const auto worker = Worker::Create();
+    worker->Start();
+    std::atomic<int> inside{0};
+    std::atomic<bool> overlapped{false};
+    std::vector<std::thread> callers;
+    for (int c = 0; c < 4; ++c) {
+        callers.emplace_back([&] {
+            for (int i = 0; i < 3000; ++i) {
+                try {
+                    worker->Do([&, i] {
+                        if (++inside > 1) {
+                            overlapped = true;
+                        }
+                        --inside;
+                        if (i % 3 == 0) {
+                            throw std::runtime_error("bad");
+                        }
+                    });
+                } catch (const std::runtime_error&) {
+                }
+            }
+        });
+    }
+    for (auto& caller : callers) {
+        caller.join();
+    }
+    EXPECT_FALSE(overlapped);
+}
+
+TEST(Context, TerminateInTheMiddleOfAJobDoesNotWaitAndDropsTheRest) {
+    const auto worker = Worker::Create();
+    worker->Start();
+    std::promise<void> entered;
+    std::promise<void> open;
+    std::atomic<int> ran{0};
+    std::thread first([&] {
+        worker->Do([&] {
+            entered.set_value();
+            open.get_future().wait();
+        });
+    });
+    entered.get_future().wait();
+    EXPECT_TRUE(worker->Do([&] { ++ran; }));
+    worker->Stop();  // would hang here if it waited for the job
+    EXPECT_FALSE(worker->Do([&] { ++ran; }));
+    open.set_value();
+    first.join();
+    EXPECT_EQ(ran, 0);
+}
+
+TEST(Context, AnExpiredOwnerIsAnError) {
+    Worker worker;
+    EXPECT_THROW(worker.Start(), std::bad_weak_ptr);
+    // The failed call has not left the context taken.
+    EXPECT_THROW(worker.Do([] {}), std::bad_weak_ptr);
+}
