@@ -1,0 +1,691 @@
+#include "Homeloom/HomeloomClient.h"
+
+#include <cstring>
+#include <exception>
+#include <utility>
+
+#include <glib.h>
+
+#include "CPluginMgr.h"
+#include "Common/CException.h"
+#include "Common/CHLUtil.h"
+#include "Common/HLLog.h"
+#include "Common/HLNames.h"
+#include "Helpers/CPropertyListHelper.h"
+#include "Homeloom/ActiveUserEvent/ActiveUserEventHandler.h"
+#include "Homeloom/Common/CallbackTokens.h"
+#include "Homeloom/Common/MsgDispatcher.h"
+#include "Homeloom/CoreDevices/CoreDeviceHandler.h"
+#include "Homeloom/Devices/Device.h"
+#include "Homeloom/Devices/DeviceHandler.h"
+#include "Homeloom/Favorite/FavoriteHandler.h"
+#include "Homeloom/IR/IRHandler.h"
+#include "Homeloom/IoTHub/CHubHandler.h"
+#include "Homeloom/Location/LocationHandler.h"
+#include "Homeloom/Routine/RoutineHandler.h"
+#include "Homeloom/Scene/SceneHandler.h"
+#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/UIMeta/Metadata.h"
+
+namespace VMFramework::HomeLoom {
+
+namespace {
+
+constexpr char kDisclaimerKey[] = "db/menu/glade_deck/homedatacontrol/defaultdisclaimeragree";
+constexpr int kDisclaimerAccepted = 1;
+
+// The thirteenth failure in a row gives up: twelve tries, a minute in all.
+constexpr int kMaxRetryCount = 13;
+
+// The eight kinds of homeloom_core_sse_e that HomeloomClientEvents.cpp handles.
+constexpr int kSseMask = HOMELOOM_CORE_SSE_DEVICE_EVENT | HOMELOOM_CORE_SSE_DEVICE_LIFECYCLE |
+                         HOMELOOM_CORE_SSE_DEVICE_HEALTH | HOMELOOM_CORE_SSE_SCENE_LIFECYCLE |
+                         HOMELOOM_CORE_SSE_INSTALLED_APP_LIFECYCLE | HOMELOOM_CORE_SSE_SMART_APP_EVENT |
+                         HOMELOOM_CORE_SSE_ROUTINE_LIFECYCLE | HOMELOOM_CORE_SSE_FAVORITE_LIFECYCLE;
+static_assert(kSseMask == 0x49907);
+
+// The agent's own state number for "still waiting for the cloud".
+constexpr int kAgentStateWaiting = 2;
+
+}  // namespace
+
+HomeloomClient::HomeloomClient()
+    : _hubHandler(std::make_unique<CHubHandler>()),
+      _favoriteHandler(std::make_unique<FavoriteHandler>()),
+      _irHandler(std::make_unique<IRHandler>()),
+      _activeUserEventHandler(std::make_unique<ActiveUserEventHandler>()) {
+    makeReplaceableHandlers();
+}
+
+HomeloomClient::~HomeloomClient() {
+    _isTerminating = true;
+    _coreDeviceHandler.Reset();
+    _deviceHandler.Reset();
+    _activeUserEventHandler.reset();
+    _locationHandler.Reset();
+    _irHandler.reset();
+    _routineHandler.Reset();
+    _sceneHandler.Reset();
+    _favoriteHandler.reset();
+    _hubHandler.reset();
+}
+
+void HomeloomClient::makeReplaceableHandlers() {
+    if (!_sceneHandler.Get()) {
+        _sceneHandler.Set(std::make_shared<SceneHandler>());
+    }
+    if (!_routineHandler.Get()) {
+        _routineHandler.Set(std::make_shared<RoutineHandler>());
+    }
+    if (!_locationHandler.Get()) {
+        _locationHandler.Set(std::make_shared<LocationHandler>());
+    }
+    if (!_deviceHandler.Get()) {
+        _deviceHandler.Set(std::make_shared<DeviceHandler>());
+    }
+    if (!_coreDeviceHandler.Get()) {
+        _coreDeviceHandler.Set(std::make_shared<CoreDeviceHandler>());
+    }
+}
+
+void HomeloomClient::Init() {
+    CHLUtil::PrintTimeStamp("PLUGIN LOADING REQUEST");
+    const std::lock_guard<std::mutex> lifecycle(_lifecycleMutex);
+    initClient();
+}
+
+void HomeloomClient::Deinit() {
+    deinitClient();
+}
+
+void HomeloomClient::initClient() {
+    try {
+        const std::lock_guard<std::recursive_mutex> lock(_sessionMutex);
+        if (getIsAgentConnected()) {
+            HL_LOGI("TesselClient is already created, and agent connected");
+            reportPluginReady(true);
+            return;
+        }
+        setAgentStatusUpdateCallback();
+        setDisclaimerAgreeChangedCallback();
+        boostTesselClient();
+        connectClient();
+        // A connected event that has arrived meanwhile is a job that waits for the session's mutex.
+        bindHandlers();
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+        throw;
+    }
+}
+
+void HomeloomClient::bindHandlers() {
+    if (const auto location = _locationHandler.Get()) {
+        location->SetGetDevicesInfoCallback([this] { return processGetDevicesInfo(); });
+        location->SetProfileUpdateCallback([this](UpdateList reason) { processOnProfileUpdateEvent(reason); });
+        location->SetGetFavoritesCallback([this](const std::string& id) { return processGetFavorites(id); });
+    }
+    if (const auto device = _deviceHandler.Get()) {
+        device->SetAccessTokenGetter([this] { return processGetAccessToken(); });
+        device->SetIsHubConnectedDevice([this](const std::string& id) { return processIsLocalHubConnectedDevice(id); });
+    }
+    if (const auto core = _coreDeviceHandler.Get()) {
+        core->SetParentDeviceIdGetter([this](const std::string& json) { return processGetParentIdOfIRDevice(json); });
+    }
+    if (const auto scene = _sceneHandler.Get()) {
+        scene->SetGetLocationsCallback([this] { return processGetLocations(); });
+    }
+    if (const auto routine = _routineHandler.Get()) {
+        routine->SetGetLocationsCallback([this] { return processGetLocations(); });
+    }
+}
+
+// The session's mutex is not held here: teardown joins threads that take it.
+void HomeloomClient::deinitClient() {
+    try {
+        HL_LOGI("deinitClient Start");
+        _isLifecycleOver = true;
+        {
+            // An update of the agent that is being handled just now comes to its end first.
+            const std::lock_guard<std::mutex> barrier(_lifecycleMutex);
+        }
+        _isTerminating = true;
+        TesselHandler::GetInstance().Quit();
+        quitHandlers();
+        SGTMsgDispatcher::GetInstance().Quit();
+        if (const auto location = _locationHandler.Get()) {
+            location->UpdatePermission("");
+        }
+        _retryCounter.Reset();
+        setIsAgentConnected(false);
+        unsetAgentStatusUpdateCallback();
+        unsetDisclaimerAgreeChangedCallback();
+        if (const auto location = _locationHandler.Get()) {
+            location->CleanUpTimer();
+        }
+        stopConnectionRetryTimer();
+        waitForTimerCallback();
+        TesselHandler::GetInstance().UnsetSignInStateChangeCb();
+        deregisterCallbacks();
+        disconnectClient();
+        // Nothing of the plug-in outlives this.
+        if (const auto device = _deviceHandler.Get()) {
+            device->ClearTimers();
+        }
+        Metadata::GetInstance().StopLanguageWatch();
+        CallbackTokens::DropKept();
+        HL_LOGI("deinitClient End");
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+        throw;
+    }
+}
+
+// The quit flags come before any join: a thread in a long loop sees them and can be joined soon.
+void HomeloomClient::quitHandlers() {
+    if (const auto device = _deviceHandler.Get()) {
+        device->Deinit();
+    }
+    if (const auto core = _coreDeviceHandler.Get()) {
+        core->Quit();
+    }
+    if (const auto routine = _routineHandler.Get()) {
+        routine->Quit();
+    }
+    if (const auto scene = _sceneHandler.Get()) {
+        scene->Quit();
+    }
+    if (const auto location = _locationHandler.Get()) {
+        location->Quit();
+    }
+}
+
+// ---- Connection ----
+
+void HomeloomClient::connectClient() {
+    if (!getDisclaimerAgree()) {
+        // No status either: the plug-in stays silent until the setting changes.
+        HL_LOGI("disclaimer agree is false, do not connect client");
+        return;
+    }
+    int result = 0;
+    {
+        const std::lock_guard<std::mutex> gate(_connectGate);
+        if (_isTerminating) {
+            HL_LOGI("terminating routine is progressing or done");
+            return;
+        }
+        HL_LOGI("try to call homeloom_client_connect");
+        result = TesselHandler::GetInstance().Connect(_HomeLoomClientConnectionStateChanged, this);
+    }
+    switch (result) {
+        case HOMELOOM_CLIENT_ERROR_NONE:
+            HL_LOGI("homeloom_client_connect() requested");
+            break;
+        case HOMELOOM_CLIENT_ERROR_ALREADY_CONNECTED:
+        case HOMELOOM_CLIENT_ERROR_CONNECTION_IN_PROGRESS:
+            HL_LOGI("Agent is already connected or in progress");
+            break;
+        default:
+            HL_LOGE("homeloom_client_connect() failed, ret : %d", result);
+            startConnectionRetryTimer();
+            break;
+    }
+}
+
+// Only the facade's handle goes: the session counts as connected until the agent says otherwise.
+void HomeloomClient::disconnectClient() {
+    const std::lock_guard<std::mutex> gate(_connectGate);
+    const int result = TesselHandler::GetInstance().Disconnect();
+    HL_LOGI("homeloom_client_disconnect() ret : %d", result);
+}
+
+void HomeloomClient::startConnectionRetryTimer() {
+    {
+        const std::lock_guard<std::mutex> lock(_retryTimerMutex);
+        if (_isTerminating) {
+            HL_LOGI("terminating routine is progressing or done");
+            return;
+        }
+        if (_connectTimerId != 0) {
+            HL_LOGI("timer exist. skip add timer!");
+            return;
+        }
+        if (_retryCounter.Increase() < kMaxRetryCount) {
+            const int interval = _retryCounter.GetInterval();
+            HL_LOGI("%d sec delayed, will start Reinit", interval / 1000);
+            _connectTimerId = g_timeout_add(static_cast<guint>(interval), _ConnectTimerCallback, this);
+            if (_connectTimerId == 0) {
+                HL_LOGE("g_timeout_add failed");
+            } else {
+                HL_LOGI("timer:[%u] added", _connectTimerId);
+            }
+            return;
+        }
+    }
+    HL_LOGE("retry count is max, do not execute retry logic");
+    reportPluginReady(false);
+}
+
+void HomeloomClient::stopConnectionRetryTimer() {
+    const std::lock_guard<std::mutex> lock(_retryTimerMutex);
+    const unsigned id = std::exchange(_connectTimerId, 0U);
+    if (id == 0) {
+        HL_LOGI("no timer handle. do nothing");
+        return;
+    }
+    // Its callback begins here too, so a source that is still to be found can't be freed under this lock.
+    GSource* source = g_main_context_find_source_by_id(nullptr, id);
+    if (source != nullptr) {
+        g_source_destroy(source);
+    }
+}
+
+void HomeloomClient::waitForTimerCallback() {
+    const std::lock_guard<std::recursive_mutex> barrier(_retryCallbackMutex);
+}
+
+int HomeloomClient::_ConnectTimerCallback(void* data) {
+    if (data == nullptr) {
+        return G_SOURCE_REMOVE;
+    }
+    auto& session = *static_cast<HomeloomClient*>(data);
+    try {
+        const std::lock_guard<std::recursive_mutex> running(session._retryCallbackMutex);
+        session.stopConnectionRetryTimer();
+        if (session.getIsAgentConnected()) {
+            HL_LOGI("already connected");
+            session.reportPluginReady(true);
+        } else {
+            session.connectClient();
+        }
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+    }
+    return G_SOURCE_REMOVE;
+}
+
+void HomeloomClient::reportPluginReady(bool ready) {
+    PluginStatus status = ready ? PluginStatus::Available : PluginStatus::Unavailable;
+    if (getConnectionStatus() == kAgentStateWaiting) {
+        status = PluginStatus::Waiting;
+    }
+    HL_LOGI("plugin status : %d", static_cast<int>(status));
+    CPluginMgr::GetInstance().ReportPluginStatus(status);
+    CHLUtil::PrintTimeStamp("PLUGIN STATUS REPORTED");
+}
+
+int HomeloomClient::getConnectionStatus() {
+    if (!getIsAgentConnected()) {
+        HL_LOGI("agent not connected. skip!");
+        return 0;
+    }
+    return TesselHandler::GetInstance().GetState();
+}
+
+bool HomeloomClient::getIsAgentConnected() const {
+    return _isAgentConnected;
+}
+
+void HomeloomClient::setIsAgentConnected(bool isConnected) {
+    const std::lock_guard<std::recursive_mutex> lock(_sessionMutex);
+    _isAgentConnected = isConnected;
+}
+
+bool HomeloomClient::isHomeLoomClientAvailable() const {
+    return getIsAgentConnected();
+}
+
+bool HomeloomClient::isClientAvailable() const {
+    if (_isTerminating) {
+        HL_LOGI("manager already deinitialized or not initialized yet");
+        return false;
+    }
+    if (!_isSignedIn) {
+        HL_LOGI("account not signed in");
+        return false;
+    }
+    return true;
+}
+
+void HomeloomClient::requireClientAvailable() const {
+    if (!isClientAvailable()) {
+        throw CException("manager not available", kErrorFailed);
+    }
+}
+
+// ---- Disclaimer ----
+
+bool HomeloomClient::getDisclaimerAgree() {
+    int value = 0;
+    return vconf_get_int(kDisclaimerKey, &value) == 0 && value == kDisclaimerAccepted;
+}
+
+void HomeloomClient::checkDisclaimerAgree() {
+    if (getDisclaimerAgree()) {
+        connectClient();
+    } else {
+        disconnectClient();
+    }
+}
+
+void HomeloomClient::disclaimerAgreeChanged(keynode_t* node, void* userData) {
+    if (node == nullptr || userData == nullptr) {
+        return;
+    }
+    try {
+        const char* name = vconf_keynode_get_name(node);
+        if (name != nullptr && std::strcmp(name, kDisclaimerKey) == 0) {
+            static_cast<HomeloomClient*>(userData)->checkDisclaimerAgree();
+        }
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+    }
+}
+
+void HomeloomClient::setDisclaimerAgreeChangedCallback() {
+    const int result = vconf_notify_key_changed(kDisclaimerKey, disclaimerAgreeChanged, this);
+    HL_LOGI("watch of the disclaimer ret : %d", result);
+}
+
+void HomeloomClient::unsetDisclaimerAgreeChangedCallback() {
+    const int result = vconf_ignore_key_changed(kDisclaimerKey, disclaimerAgreeChanged);
+    HL_LOGI("end of the disclaimer's watch ret : %d", result);
+}
+
+// ---- Connection state ----
+
+void HomeloomClient::_HomeLoomClientConnectionStateChanged(homeloom_client_error_e result,
+                                                           homeloom_client_connection_state_e state, void* userData) {
+    HL_LOGI("_HomeLoomClientConnectionStateChanged(): Result [%d] , Status [%d]", static_cast<int>(result),
+            static_cast<int>(state));
+    if (userData == nullptr) {
+        HL_LOGE("User Data is NULL");
+        return;
+    }
+    auto* session = static_cast<HomeloomClient*>(userData);
+    if (session->_isTerminating) {
+        return;
+    }
+    if (state == HOMELOOM_CLIENT_CONNECTION_STATE_IO_ERROR) {
+        HL_LOGE("clear all job from sceduler right away");
+        session->clearJobFromScheduler();
+    }
+    session->AddJobToScheduler([session, result, state] { session->onConnectionStateChanged(result, state); },
+                               "_HomeLoomClientConnectionStateChanged");
+}
+
+void HomeloomClient::onConnectionStateChanged(homeloom_client_error_e result,
+                                              homeloom_client_connection_state_e state) {
+    if (_isTerminating) {
+        return;
+    }
+    switch (state) {
+        case HOMELOOM_CLIENT_CONNECTION_STATE_CONNECTED:
+            CHLUtil::PrintTimeStamp("TESSEL CLIENT CONNECTED");
+            handleAgentConnected();
+            reportPluginReady(isClientAvailable());
+            return;
+        case HOMELOOM_CLIENT_CONNECTION_STATE_DISCONNECTED:
+            if (result == HOMELOOM_CLIENT_ERROR_UPDATING) {
+                HL_LOGI("Agent Updating - Should be reconnect after update completed");
+                return;
+            }
+            handleAgentDisconnection();
+            return;
+        case HOMELOOM_CLIENT_CONNECTION_STATE_REJECTED:
+            reportPluginReady(false);
+            handleAgentDisconnection();
+            return;
+        case HOMELOOM_CLIENT_CONNECTION_STATE_IO_ERROR:
+            disconnectClient();
+            handleAgentDisconnection();
+            return;
+    }
+    HL_LOGE("INVALID Status Received.");
+}
+
+void HomeloomClient::handleAgentConnected() {
+    const std::lock_guard<std::recursive_mutex> lock(_sessionMutex);
+    if (_isTerminating) {
+        throw CException("plugin already deinit!", kErrorFailed);
+    }
+    setIsAgentConnected(true);
+    stopConnectionRetryTimer();
+    setCurrentLoginId();
+
+    auto& agent = TesselHandler::GetInstance();
+    agent.UnsetSignInStateChangeCb();
+    agent.SetSignInStateChangeCb(_HomeLoomClientSignInStateChanged, this);
+
+    bool isSignedIn = false;
+    agent.IsSignedIn(isSignedIn);
+    updateAccessToken(isSignedIn);
+    OnSignInStateChangeEvent(isSignedIn);
+    if (!isSignedIn) {
+        // The retry counter stays, so that earlier failures count on.
+        HL_LOGI("not signed in status, handleAgentConnected End");
+        return;
+    }
+    HL_LOGI("We DO REGISTER callback functions due to ALREADY SIGNED-IN status!");
+    registerCallbacks();
+    if (_retryCounter.GetCount() > 0) {
+        HL_LOGI(
+            "after tessel client connection failed, then tessel client connection success, need to get device detail "
+            "list");
+        buildNewDeviceMap();
+    }
+    _retryCounter.Reset();
+}
+
+void HomeloomClient::handleAgentDisconnection() {
+    setIsAgentConnected(false);
+    // Refuses without a connected agent, so that the token survives a lost connection.
+    updateAccessToken(false);
+    startConnectionRetryTimer();
+}
+
+// ---- Sign-in ----
+
+void HomeloomClient::_HomeLoomClientSignInStateChanged(bool isSignedIn, void* userData) {
+    HL_LOGI("_HomeLoomClientSignInStateChanged(): isSignedIn: %d", isSignedIn);
+    auto* session = static_cast<HomeloomClient*>(userData);
+    if (session == nullptr || session->_isTerminating) {
+        return;
+    }
+    session->AddJobToScheduler([session, isSignedIn] { session->onSignInStateChanged(isSignedIn); },
+                               "_HomeLoomClientSignInStateChanged");
+}
+
+void HomeloomClient::onSignInStateChanged(bool isSignedIn) {
+    if (_isTerminating) {
+        return;
+    }
+    if (isLoginIdChanged()) {
+        Metadata::GetInstance().ClearMetadataMaps();
+    }
+    HL_LOGI("_HomeLoomClientSignInStateChanged(): sign in state changed, state : %d", isSignedIn);
+    if (!isHomeLoomClientAvailable()) {
+        HL_LOGI("not available");
+        return;
+    }
+    if (isSignedIn) {
+        registerCallbacks();
+    } else {
+        deregisterCallbacks();
+    }
+    OnSignInStateChangeEvent(isSignedIn);
+    updateAccessToken(isSignedIn);
+}
+
+void HomeloomClient::OnSignInStateChangeEvent(bool isSignedIn) {
+    if (_isTerminating) {
+        throw CException("manager not available at OnSignInStateChangeEvent", kErrorFailed);
+    }
+    _isSignedIn = isSignedIn;
+    const auto list = IPropertyListHelper::Create();
+    list->SetName(Names::SIGN_IN_STATE_CHANGED);
+    list->PushBooleanData(Names::IS_SIGN_IN, isSignedIn);
+    CPluginMgr::GetInstance().ReportServiceNotify(list);
+    HL_LOGI("is_signed_in(%d) reported to UI", isSignedIn);
+    if (!isSignedIn) {
+        HL_LOGI("sign out! clear all devices info");
+        // A list build in progress ends first and can't leave a device of the old user behind.
+        const std::lock_guard<std::recursive_mutex> lock(_sessionMutex);
+        if (const auto device = _deviceHandler.Get()) {
+            device->DeleteDeviceMap();
+        }
+    }
+}
+
+void HomeloomClient::updateAccessToken(bool isSignedIn) {
+    if (!getIsAgentConnected()) {
+        HL_LOGI("agent not connected. skip!");
+        return;
+    }
+    if (!isSignedIn) {
+        const std::lock_guard<std::recursive_mutex> lock(_sessionMutex);
+        const std::lock_guard<std::mutex> account(_accountMutex);
+        _accessToken.clear();
+        HL_LOGI("NOT signed in state!");
+        return;
+    }
+    try {
+        auto& agent = TesselHandler::GetInstance();
+        agent.StoreSigninInfo();
+        std::string token;
+        agent.GetAccessToken(token);
+        if (token.empty()) {
+            throw CException("access token is empty!", kErrorNoData);
+        }
+        const std::lock_guard<std::recursive_mutex> lock(_sessionMutex);
+        const std::lock_guard<std::mutex> account(_accountMutex);
+        _accessToken = std::move(token);
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+    }
+}
+
+std::string HomeloomClient::GetAccessToken() const {
+    const std::lock_guard<std::mutex> account(_accountMutex);
+    return _accessToken;
+}
+
+void HomeloomClient::setCurrentLoginId() {
+    std::string loginId;
+    TesselHandler::GetInstance().GetLoginID(loginId);
+    const std::lock_guard<std::mutex> account(_accountMutex);
+    _loginId = std::move(loginId);
+}
+
+// An empty id on either side is no change, and is not stored.
+bool HomeloomClient::isLoginIdChanged() {
+    std::string loginId;
+    TesselHandler::GetInstance().GetLoginID(loginId);
+    const std::lock_guard<std::mutex> account(_accountMutex);
+    if (loginId.empty() || _loginId.empty() || loginId == _loginId) {
+        return false;
+    }
+    HL_LOGI("login id Changed : old(%s)->new(%s)", _loginId.c_str(), loginId.c_str());
+    _loginId = std::move(loginId);
+    return true;
+}
+
+// ---- Registration ----
+
+void HomeloomClient::registerCallbacks() {
+    registerOCFCallback();
+    registerSSECallback();
+}
+
+void HomeloomClient::deregisterCallbacks() {
+    deregisterOCFCallback();
+    deregisterSSECallback();
+}
+
+void HomeloomClient::registerOCFCallback() {
+    if (_isTerminating) {
+        HL_LOGI("already quit. return!");
+        return;
+    }
+    if (const auto location = _locationHandler.Get()) {
+        location->SetGroupListUpdateCallback();
+    }
+    auto& agent = TesselHandler::GetInstance();
+    agent.SetDeviceListUpdatedCb(_HomeLoomClientDeviceListChanged, this);
+    agent.SetDeviceDetailListUpdatedCb(_HomeLoomClientDeviceDetailListChanged, this);
+}
+
+void HomeloomClient::deregisterOCFCallback() {
+    if (const auto location = _locationHandler.Get()) {
+        location->UnsetGroupListUpdateCallback();
+    }
+    auto& agent = TesselHandler::GetInstance();
+    agent.UnsetDeviceListUpdatedCb();
+    agent.UnsetDeviceDetailListUpdatedCb();
+    agent.UnsetThirdPartyNotificationStatusUpdatedCb();
+}
+
+void HomeloomClient::registerSSECallback() {
+    if (_isTerminating) {
+        HL_LOGI("already quit. return!");
+        return;
+    }
+    TesselHandler::GetInstance().SetCoreSSECb(kSseMask, _HomeLoomCoreSSEChanged, this);
+}
+
+void HomeloomClient::deregisterSSECallback() {
+    TesselHandler::GetInstance().UnsetCoreSSECb();
+}
+
+// ---- Scheduling ----
+
+void HomeloomClient::AddJobToScheduler(std::function<void()> job, const std::string& name) {
+    try {
+        SGTMsgDispatcher::GetInstance().EnqueueData(std::move(job), name);
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+    }
+}
+
+void HomeloomClient::clearJobFromScheduler() {
+    try {
+        SGTMsgDispatcher::GetInstance().ClearData();
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+    }
+}
+
+// ---- The handlers' ways back ----
+
+bool HomeloomClient::processGetDevicesInfo() {
+    const std::lock_guard<std::recursive_mutex> lock(_sessionMutex);
+    return GetDevicesInfo();
+}
+
+void HomeloomClient::processOnProfileUpdateEvent(UpdateList reason) {
+    const std::lock_guard<std::recursive_mutex> lock(_sessionMutex);
+    OnProfileUpdateEvent(reason);
+}
+
+std::string HomeloomClient::processGetFavorites(const std::string& locationId) {
+    return _favoriteHandler->GetFavoriteData(locationId);
+}
+
+std::unordered_map<std::string, core_location_info_struct> HomeloomClient::processGetLocations() {
+    const auto location = _locationHandler.Get();
+    return location ? location->GetCoreLocations() : std::unordered_map<std::string, core_location_info_struct>();
+}
+
+std::string HomeloomClient::processGetAccessToken() {
+    return GetAccessToken();
+}
+
+bool HomeloomClient::processIsLocalHubConnectedDevice(const std::string& deviceId) {
+    return _hubHandler->IsLocalHubConnectedDevice(deviceId);
+}
+
+std::string HomeloomClient::processGetParentIdOfIRDevice(const std::string& deviceJson) {
+    return _irHandler->GetParentIdOfIRDevice(deviceJson);
+}
+
+}  // namespace VMFramework::HomeLoom

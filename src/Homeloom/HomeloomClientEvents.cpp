@@ -1,0 +1,445 @@
+// What the cloud tells: server-sent events, and the agent's device lists.
+//
+// The callbacks run on the agent's thread: they copy and queue, nothing else. Everything below them runs on
+// the scheduler's thread, so that events are handled in the order in which they came.
+
+#include <cstdlib>
+#include <exception>
+#include <memory>
+#include <mutex>
+#include <utility>
+
+#include <VMFramework/JsonValue.h>
+
+#include "CPluginMgr.h"
+#include "Common/CException.h"
+#include "Common/CHLUtil.h"
+#include "Common/HLLog.h"
+#include "Common/HLNames.h"
+#include "Helpers/CPropertyListHelper.h"
+#include "Homeloom/CoreDevices/CoreDeviceHandler.h"
+#include "Homeloom/Devices/Device.h"
+#include "Homeloom/Devices/DeviceHandler.h"
+#include "Homeloom/HomeloomClient.h"
+#include "Homeloom/IoTHub/CHubHandler.h"
+#include "Homeloom/Routine/RoutineHandler.h"
+#include "Homeloom/Scene/SceneHandler.h"
+#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/UIMeta/Metadata.h"
+
+namespace VMFramework::HomeLoom {
+
+namespace {
+
+constexpr char kButtonReady[] = "Ready";
+constexpr unsigned kButtonStandbyMs = 1000;
+
+// A list that the agent handed over, released by whoever drops it last: a job that is dropped, cleared or
+// throws frees it too.
+template <typename Record, int (*Destroy)(Record)>
+class AgentList {
+public:
+    AgentList(Record* records, int count) : _records(records), _count(records != nullptr ? count : 0) {}
+    ~AgentList() {
+        for (int i = 0; i < _count; ++i) {
+            Destroy(_records[i]);
+        }
+        std::free(_records);
+    }
+    AgentList(const AgentList&) = delete;
+    AgentList& operator=(const AgentList&) = delete;
+
+    Record* records() const { return _records; }
+    int count() const { return _count; }
+
+private:
+    Record* const _records;
+    const int _count;
+};
+
+using DeviceList = AgentList<homeloom_client_device_h, homeloom_client_device_destroy>;
+using DeviceDetailList = AgentList<homeloom_client_device_detail_h, homeloom_client_device_detail_destroy>;
+
+std::vector<std::string> DeviceIds(const DeviceList& list) {
+    std::vector<std::string> ids;
+    ids.reserve(static_cast<std::size_t>(list.count()));
+    for (int i = 0; i < list.count(); ++i) {
+        char* id = nullptr;
+        if (homeloom_client_device_get_string(list.records()[i], HOMELOOM_CLIENT_DEVICE_PROPERTY_ID, &id) != 0 ||
+            id == nullptr) {
+            continue;
+        }
+        const std::unique_ptr<char, decltype(&std::free)> owner(id, std::free);
+        HL_LOGI("_HomeLoomClientDeviceListChanged() [%d], device_id : %s", i, id);
+        ids.emplace_back(id);
+    }
+    return ids;
+}
+
+}  // namespace
+
+// ---- Server-sent events ----
+
+void HomeloomClient::_HomeLoomCoreSSEChanged(homeloom_core_sse_e type, long long, const char* json, void* userData) {
+    auto* session = static_cast<HomeloomClient*>(userData);
+    if (session == nullptr || session->_isTerminating) {
+        return;
+    }
+    session->AddJobToScheduler(
+        [session, type, text = std::string(json != nullptr ? json : "")] { session->handleSseEvent(type, text); },
+        "_HomeLoomCoreSSEChanged");
+}
+
+void HomeloomClient::handleSseEvent(homeloom_core_sse_e type, const std::string& json) {
+    if (_isTerminating) {
+        return;
+    }
+    switch (type) {
+        case HOMELOOM_CORE_SSE_DEVICE_EVENT:
+            handleSseDeviceEvent(json);
+            break;
+        case HOMELOOM_CORE_SSE_DEVICE_LIFECYCLE:
+            handleSseDeviceLifecycleEvent(json);
+            break;
+        case HOMELOOM_CORE_SSE_DEVICE_HEALTH:
+            handleSseDeviceHealthEvent(json);
+            break;
+        case HOMELOOM_CORE_SSE_SCENE_LIFECYCLE:
+            handleSseSceneLifecycleEvent(json);
+            break;
+        case HOMELOOM_CORE_SSE_INSTALLED_APP_LIFECYCLE:
+            handleSseInstalledAppLifecycleEvent(json);
+            break;
+        case HOMELOOM_CORE_SSE_SMART_APP_EVENT:
+            handleSseSmartAppEvent(json);
+            break;
+        case HOMELOOM_CORE_SSE_ROUTINE_LIFECYCLE:
+            handleSseRoutineLifecycleEvent(json);
+            break;
+        case HOMELOOM_CORE_SSE_FAVORITE_LIFECYCLE:
+            handleSseFavoriteLifecycleEvent(json);
+            break;
+        default:
+            break;
+    }
+}
+
+void HomeloomClient::handleSseDeviceEvent(const std::string& json) {
+    const json::JsonValue event = json::JsonValue::Create(json);
+    const std::string deviceId = event["deviceId"].asString();
+    const std::string capability = event["capability"].asString();
+    if (_hubHandler->IsLocalHubConnectedDevice(deviceId)) {
+        handleLocalhubDeviceEvent(event);
+    } else if (capability == "webrtc") {
+        handleWebrtcDeviceEvent(deviceId, json);
+    }
+}
+
+void HomeloomClient::handleLocalhubDeviceEvent(const json::JsonValue& event) {
+    if (!CHLUtil::GetMemberBool(event, "stateChange")) {
+        HL_LOGI("state is not changed, do not proceed");
+        return;
+    }
+    if (CHLUtil::GetMemberString(event, "valueType") != "string") {
+        HL_LOGI("value type is not string type, do not proceed");
+        return;
+    }
+    const std::string deviceId = CHLUtil::GetMemberString(event, "deviceId");
+    const auto devices = _deviceHandler.Get();
+    const std::string vid = devices ? devices->GetVid(deviceId) : std::string();
+    const std::string value = CHLUtil::GetMemberString(event, "value");
+    const std::string text = getCapabilityStateText(vid, value);
+    if (text.empty()) {
+        HL_LOGI("there is not matched state text, do not proceed, device id : %s, capability : %s, state : %s",
+                deviceId.c_str(), CHLUtil::GetMemberString(event, "capability").c_str(), value.c_str());
+        return;
+    }
+    const bool active = getCapabilityActiveState(vid, value);
+    HL_LOGI("device id : %s, state : %s, state text : %s, active : %d", deviceId.c_str(), value.c_str(), text.c_str(),
+            active);
+    OnCapabilityUpdateEvent(deviceId, value, text, active ? 1 : 0);
+}
+
+void HomeloomClient::handleWebrtcDeviceEvent(const std::string& deviceId, const std::string& json) {
+    const auto devices = _deviceHandler.Get();
+    const auto device = devices ? devices->FindDevice(deviceId) : nullptr;
+    if (!device || !device->IsCameraDevice()) {
+        HL_LOGI("device is NULL or device_id[%s] is NOT CAMERA", deviceId.c_str());
+        return;
+    }
+    HL_LOGI("transaction is null, do not report, device_id : %s, json_str : %s", deviceId.c_str(), json.c_str());
+}
+
+void HomeloomClient::handleSseDeviceHealthEvent(const std::string& json) {
+    const json::JsonValue event = json::JsonValue::Create(json);
+    const std::string deviceId = CHLUtil::GetMemberString(event, "deviceId");
+    if (!_hubHandler->IsLocalHubConnectedDevice(deviceId)) {
+        HL_LOGI("this device is not a local hub connected device, do not proceed");
+        return;
+    }
+    const std::string health = CHLUtil::GetMemberString(event, "status");
+    // Whatever is neither online nor offline hides the device.
+    DeviceStatus status = DEVICE_STATUS_HIDDEN;
+    if (health == "ONLINE") {
+        status = DEVICE_STATUS_CONNECTED;
+    } else if (health == "OFFLINE") {
+        status = DEVICE_STATUS_DISCONNECTED;
+    } else {
+        HL_LOGI("Do not handle this status : %s", health.c_str());
+    }
+    OnDeviceStatusUpdateEvent(deviceId, status);
+}
+
+void HomeloomClient::handleSseDeviceLifecycleEvent(const std::string& json) {
+    HL_LOGI("json : %s", json.c_str());
+    const json::JsonValue event = json::JsonValue::Create(json);
+    if (event.isNull()) {
+        HL_LOGE("parsing is failed.");
+        return;
+    }
+    if (needUpdateSseDeviceList(event)) {
+        OnProfileUpdateEvent(UpdateList::LifecycleEvent);
+    } else {
+        HL_LOGI("do not need sse device list update");
+    }
+}
+
+bool HomeloomClient::needUpdateSseDeviceList(const json::JsonValue& event) {
+    const std::string lifecycle = CHLUtil::GetMemberString(event, "lifecycle");
+    if (lifecycle == Names::LIFECYCLE_CREATE) {
+        // The agent's own list callback brings the device.
+        return true;
+    }
+    return lifecycle == Names::LIFECYCLE_UPDATE && handleSseDeviceListUpdated(event);
+}
+
+bool HomeloomClient::handleSseDeviceListUpdated(const json::JsonValue& event) {
+    if (!CHLUtil::GetMemberString(event, "update").empty()) {
+        return false;
+    }
+    HL_LOGI("sse device list updated, need to build device list and canvas map");
+    if (const auto coreDevices = _coreDeviceHandler.Get()) {
+        coreDevices->BuildCoreDeviceList();
+    }
+    _hubHandler->CreateLocalHubDevicesSet();
+    createCanvasMap();
+    GetDevicesInfo();
+    return true;
+}
+
+void HomeloomClient::handleSseSceneLifecycleEvent(const std::string& json) {
+    HL_LOGI("json : %s", json.c_str());
+    if (const auto scenes = _sceneHandler.Get()) {
+        scenes->HandleSSEScene(json);
+    }
+}
+
+void HomeloomClient::handleSseRoutineLifecycleEvent(const std::string& json) {
+    HL_LOGI("json : %s", json.c_str());
+    if (const auto routines = _routineHandler.Get()) {
+        routines->HandleSSERoutine(json);
+    }
+}
+
+void HomeloomClient::handleSseFavoriteLifecycleEvent(const std::string& json) {
+    HL_LOGI("json : %s", json.c_str());
+    const std::string locationId = CHLUtil::GetMemberString(json::JsonValue::Create(json), "locationId");
+    HL_LOGI("location_id : %s", locationId.c_str());
+    GetFavorites(nullptr, locationId);
+}
+
+void HomeloomClient::handleSseInstalledAppLifecycleEvent(const std::string& json) {
+    const json::JsonValue event = json::JsonValue::Create(json);
+    const std::string lifecycle = CHLUtil::GetMemberString(event, "lifecycle");
+    if (lifecycle != Names::LIFECYCLE_CREATE && lifecycle != Names::LIFECYCLE_DELETE) {
+        return;
+    }
+    HL_LOGI("lifecylce type : %s case", lifecycle.c_str());
+    GetInstalledServiceAppInfo(nullptr, CHLUtil::GetMemberString(event, "locationId"));
+}
+
+// ---- State of a device that the local hub serves ----
+
+std::string HomeloomClient::getCapabilityStateText(const std::string& vid, const std::string& state) {
+    return _canvas.GetStateText(vid, state);
+}
+
+bool HomeloomClient::getCapabilityActiveState(const std::string& vid, const std::string& state) {
+    return _canvas.GetActiveState(vid, state) == "active";
+}
+
+// Informs the user interface only: the device record stays as it is.
+void HomeloomClient::OnCapabilityUpdateEvent(const std::string& deviceId, const std::string& state,
+                                             const std::string& stateText, int activeState) {
+    requireClientAvailable();
+    const std::lock_guard<std::recursive_mutex> lock(_sessionMutex);
+    const auto devices = _deviceHandler.Get();
+    const auto device = devices ? devices->FindDevice(deviceId) : nullptr;
+    if (!device) {
+        return;
+    }
+    const auto deviceLock = devices->Lock();
+    const std::string type = device->GetDeviceType();
+    if (CHLUtil::IsButtonDeviceType(type) && state != kButtonReady) {
+        setCoreButtonStandbyTimer(device, state);
+    }
+
+    // The device handler has a list of the same name with other fields; the two are no twins.
+    const auto& metadata = Metadata::GetInstance();
+    const auto list = IPropertyListHelper::Create();
+    list->SetName(Names::HL_DEVICE_STATE_UPDATED);
+    list->PushStringData(Names::DEVICE_ID, deviceId);
+    list->PushStringData(Names::SUBDEVICE_TYPE, type);
+    list->PushStringData(Names::STATE_TEXT, stateText);
+    list->PushStringData(Names::ICON_URL, device->GetIconUrl());
+    list->PushStringData(Names::CONTROL_TYPE, metadata.GetDeviceMainActionControlType(device));
+    list->PushIntData(Names::ACTIVE_STATE, activeState);
+    list->PushBooleanData(Names::RUNNING_STATE, device->GetRunningState());
+    list->PushIntData(Names::SUBDEVTYPE_ENUM, devices->SubDeviceType(type));
+    list->PushIntData(Names::CONTROLLABLE, device->IsControllableDevice() ? 1 : 0);
+    list->PushStringData(Names::ACTION_STATE, metadata.ActionIcon(device));
+    list->PushStringData(Names::ACTION_URL, metadata.ActionUrl(device));
+    list->PushIntData(Names::CLOUD_DEVICE_STATUS, devices->GetDeviceStatus(device));
+    HL_LOGI("capability update event device id : %s, state text : %s", deviceId.c_str(), stateText.c_str());
+    CPluginMgr::GetInstance().ReportServiceNotify(list);
+}
+
+// A press shows for a second, then the button is ready again.
+void HomeloomClient::setCoreButtonStandbyTimer(const std::shared_ptr<Device>& device, const std::string& state) {
+    requireClientAvailable();
+    // The job does not keep the device whose timer it is; the session outlives every timer.
+    device->SetTimer(kButtonStandbyMs, [this, weak = std::weak_ptr<Device>(device), state] {
+        const auto pressed = weak.lock();
+        if (!pressed) {
+            return;
+        }
+        const auto devices = _deviceHandler.Get();
+        if (!devices) {
+            return;
+        }
+        std::string id;
+        std::string vid;
+        {
+            const auto lock = devices->Lock();
+            id = pressed->GetId();
+            vid = pressed->GetVid();
+        }
+        // No test for an empty text: a document without "Ready" clears what the press has shown.
+        const std::string text = getCapabilityStateText(vid, kButtonReady);
+        const bool active = getCapabilityActiveState(vid, kButtonReady);
+        HL_LOGI("setCoreButtonStandbyTimer() button timer expired [%s] : [%s]->[%s]", id.c_str(), state.c_str(),
+                kButtonReady);
+        OnCapabilityUpdateEvent(id, kButtonReady, text, active ? 1 : 0);
+    });
+}
+
+void HomeloomClient::OnDeviceStatusUpdateEvent(const std::string& deviceId, int status) {
+    requireClientAvailable();
+    const std::lock_guard<std::recursive_mutex> lock(_sessionMutex);
+    const auto devices = _deviceHandler.Get();
+    const auto device = devices ? devices->FindDevice(deviceId) : nullptr;
+    HL_LOGI("device_id : %s status : %d", deviceId.c_str(), status);
+    if (!device) {
+        return;
+    }
+    {
+        const auto deviceLock = devices->Lock();
+        if (device->GetStatus() == status) {
+            return;
+        }
+        device->SetStatus(static_cast<DeviceStatus>(status));
+    }
+    if (status == DEVICE_STATUS_CONNECTED) {
+        GetProperty(device);
+    }
+    device_resource_info_struct info;
+    info.device_id = deviceId;
+    devices->OnResourceUpdateEvent(info);
+}
+
+// ---- The agent's lists ----
+
+void HomeloomClient::_HomeLoomClientDeviceListChanged(homeloom_client_device_h* list, int count, void* userData) {
+    auto owner = std::make_shared<const DeviceList>(list, count);
+    auto* session = static_cast<HomeloomClient*>(userData);
+    if (session == nullptr || session->_isTerminating) {
+        return;
+    }
+    session->AddJobToScheduler(
+        [session, records = std::move(owner)]() mutable {
+            if (session->_isTerminating) {
+                return;
+            }
+            if (records->count() == 0) {
+                session->onDeviceListEmpty();
+                return;
+            }
+            const std::vector<std::string> ids = DeviceIds(*records);
+            records.reset();
+            session->onDeviceListChanged(ids);
+        },
+        "_HomeLoomClientDeviceListChanged");
+}
+
+void HomeloomClient::onDeviceListChanged(const std::vector<std::string>& deviceIds) {
+    HL_LOGI("device list size : %zu", deviceIds.size());
+    OnDeviceListUpdateEvent(deviceIds);
+    if (needHubResetWithDeviceList(deviceIds)) {
+        HL_LOGI("hub is deleted, go to reset hub");
+        _hubHandler->ResetHub(nullptr);
+    }
+}
+
+void HomeloomClient::onDeviceListEmpty() {
+    HL_LOGI("_HomeLoomClientDeviceListChanged device list is empty");
+    if (const auto devices = _deviceHandler.Get()) {
+        devices->DeleteDeviceMap();
+    }
+    OnProfileUpdateEvent(UpdateList::ListEmpty);
+    if (NeedHubReset()) {
+        HL_LOGI("hub is deleted, go to reset hub");
+        _hubHandler->ResetHub(nullptr);
+    }
+}
+
+void HomeloomClient::OnDeviceListUpdateEvent(const std::vector<std::string>& deviceIds) {
+    requireClientAvailable();
+    const auto devices = _deviceHandler.Get();
+    if (!devices) {
+        return;
+    }
+    for (const std::string& id : devices->UpdateDeviceList(deviceIds)) {
+        const auto device = devices->FindDevice(id);
+        if (!device) {
+            continue;
+        }
+        // The local hub's devices have no subscription.
+        if (!_hubHandler->IsLocalHubConnectedDevice(id)) {
+            devices->UnsubscribeResourceUri(device);
+        }
+        devices->DeleteDevice(id);
+        devices->DeleteVidDeviceMap(device->GetVid(), id);
+    }
+}
+
+void HomeloomClient::_HomeLoomClientDeviceDetailListChanged(homeloom_client_device_detail_h* list, int count,
+                                                            void* userData) {
+    auto owner = std::make_shared<const DeviceDetailList>(list, count);
+    auto* session = static_cast<HomeloomClient*>(userData);
+    if (session == nullptr || session->_isTerminating) {
+        return;
+    }
+    session->AddJobToScheduler(
+        [session, records = std::move(owner)]() mutable {
+            if (session->_isTerminating) {
+                return;
+            }
+            HL_LOGI("_HomeLoomClientDeviceDetailListChanged(): device_detail_size: %d", records->count());
+            session->buildDeviceDetailList(records->records(), records->count());
+            records.reset();
+            session->OnProfileUpdateEvent(UpdateList::DetailsChanged);
+        },
+        "_HomeLoomClientDeviceDetailListChanged");
+}
+
+}  // namespace VMFramework::HomeLoom

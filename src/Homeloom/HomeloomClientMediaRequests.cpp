@@ -1,0 +1,96 @@
+// Requests for cameras and refrigerators. They check that a user is signed in, find the device, and leave the rest to
+// it. A device that can't serve is answered at once with the request's own word of failure: an empty URL, or false.
+
+#include <memory>
+
+#include "Common/CReporter.h"
+#include "Common/HLLog.h"
+#include "Homeloom/Devices/CameraDevice.h"
+#include "Homeloom/Devices/DeviceHandler.h"
+#include "Homeloom/Devices/RefrigeratorDevice.h"
+#include "Homeloom/HomeloomClient.h"
+
+namespace VMFramework::HomeLoom {
+
+template <typename Kind>
+std::shared_ptr<Kind> HomeloomClient::findDeviceOf(const std::string& deviceId) const {
+    const auto devices = _deviceHandler.Get();
+    return devices ? std::dynamic_pointer_cast<Kind>(devices->FindDevice(deviceId)) : nullptr;
+}
+
+void HomeloomClient::GetAvpCameraUrl(const Transaction& transaction, const std::string& deviceId) {
+    requireClientAvailable();
+    GetAvpCameraUrlParam param(transaction);
+    param.deviceId = deviceId;
+    param.accessToken = GetAccessToken();
+    logUnlessCamera(deviceId);
+    Reporter::Report(param);
+}
+
+void HomeloomClient::GetNoneAvpCameraUrl(const Transaction& transaction, const std::string& deviceId) {
+    requireClientAvailable();
+    GetNoneAvpCameraUrlParam param(transaction);
+    param.deviceId = deviceId;
+    logUnlessCamera(deviceId);
+    Reporter::Report(param);
+}
+
+void HomeloomClient::GetRingDoorBellUrl(const Transaction& transaction, const std::string& deviceId) {
+    requireClientAvailable();
+    GetRingDoorbellUrlParam param(transaction);
+    param.deviceId = deviceId;
+    logUnlessCamera(deviceId);
+    Reporter::Report(param);
+}
+
+void HomeloomClient::SetCameraNotification(const Transaction& transaction, const std::string& deviceId, int type) {
+    requireClientAvailable();
+    SetCameraNotificationTypeParam param(transaction);
+    param.deviceId = deviceId;
+    param.cameraNotificationType = type;
+    logUnlessCamera(deviceId);
+    Reporter::Report(param);
+}
+
+void HomeloomClient::UnsetCameraNotification(const Transaction& transaction, const std::string& deviceId, int type) {
+    requireClientAvailable();
+    UnsetCameraNotificationTypeParam param(transaction);
+    param.deviceId = deviceId;
+    param.cameraNotificationType = type;
+    logUnlessCamera(deviceId);
+    Reporter::Report(param);
+}
+
+void HomeloomClient::RequestExecuteCommand(const Transaction& transaction, const std::string& deviceId,
+                                           const std::string&, const std::string&, const std::string&,
+                                           const std::string&) {
+    ExecuteCommandParam param(transaction);
+    param.deviceId = deviceId;
+    logUnlessCamera(deviceId);
+    Reporter::Report(param);
+}
+
+void HomeloomClient::RequestGetStatusOfCapability(const Transaction& transaction, const std::string& deviceId,
+                                                  const std::string&, const std::string&) {
+    GetCapabilityStatusParam param(transaction);
+    param.deviceId = deviceId;
+    logUnlessCamera(deviceId);
+    Reporter::Report(param);
+}
+
+void HomeloomClient::GetRefrigeratorInnerviewUrl(const Transaction& transaction, const std::string& deviceId) {
+    requireClientAvailable();
+    GetRefrigeratorInnerViewUrlParam param(transaction);
+    if (!findDeviceOf<RefrigeratorDevice>(deviceId)) {
+        HL_LOGI("device is NULL or device_id[%s] is not support innerview", deviceId.c_str());
+    }
+    Reporter::Report(param);
+}
+
+void HomeloomClient::logUnlessCamera(const std::string& deviceId) const {
+    if (!findDeviceOf<CameraDevice>(deviceId)) {
+        HL_LOGI("device is NULL or device_id[%s] is NOT CAMERA", deviceId.c_str());
+    }
+}
+
+}  // namespace VMFramework::HomeLoom

@@ -1,0 +1,101 @@
+#include "Homeloom/IoTHub/CHubHandler.h"
+
+#include <set>
+
+#include "Common/CReporter.h"
+#include "Common/HLLog.h"
+#include "Homeloom/Tessel/TesselHandler.h"
+
+namespace VMFramework::HomeLoom {
+
+void CHubHandler::CreateLocalHubDevicesSet() {
+    std::set<std::string> ids;
+    if (TesselHandler::GetInstance().GetLocalHubDeviceIDList(ids) != 0) {
+        HL_LOGE("get local hub device id list failed");
+        return;
+    }
+    for (const auto& id : ids) {
+        HL_LOGI("local hub device : %s", id.c_str());
+    }
+    std::unordered_set<std::string> fresh(ids.begin(), ids.end());
+    const std::lock_guard<std::mutex> lock(_mutex);
+    _localHubDevices.swap(fresh);
+}
+
+bool CHubHandler::IsLocalHubConnectedDevice(const std::string& deviceId) const {
+    const std::lock_guard<std::mutex> lock(_mutex);
+    return _localHubDevices.find(deviceId) != _localHubDevices.end();
+}
+
+std::string CHubHandler::GetLoginIDHubOnboarded() const {
+    return {};
+}
+
+std::string CHubHandler::GetHubDeviceID() const {
+    return {};
+}
+
+void CHubHandler::StartHubOnboarding(const std::shared_ptr<CTransaction>& transaction, const std::string&,
+                                     const std::string&, const std::string&) {
+    StartHubOnboardingParam param(transaction);
+    reportUnconnected(param);
+}
+
+void CHubHandler::StopHubOnboarding(const std::shared_ptr<CTransaction>& transaction) {
+    StopHubOnboardingParam param(transaction);
+    reportUnconnected(param);
+}
+
+void CHubHandler::ResetHub(const std::shared_ptr<CTransaction>& transaction) {
+    ResetHubParam param(transaction);
+    reportUnconnected(param);
+}
+
+void CHubHandler::ResetDongle(const std::shared_ptr<CTransaction>& transaction) {
+    ResetDongleParam param(transaction);
+    reportUnconnected(param);
+}
+
+void CHubHandler::GetHubInfo(const std::shared_ptr<CTransaction>& transaction) {
+    GetHubInfoParam param(transaction);
+    reportUnconnected(param);
+}
+
+void CHubHandler::reportUnconnected(ReportParam& param) {
+    HL_LOGI("hub control app is not connected, do not proceed.");
+    Reporter::Report(param);
+}
+
+void CHubHandler::StartHubDeviceDiscovery(const std::shared_ptr<CTransaction>& transaction, const std::string&,
+                                          const std::string& hubId, int timeout) {
+    if (hubId.empty()) {
+        HL_LOGE("hub_di is empty");
+        return;
+    }
+    if (timeout < 0) {
+        HL_LOGE("discovery_timeout < 0 !! error case!");
+        return;
+    }
+    const int result = TesselHandler::GetInstance().StartHubDeviceDiscover(hubId, timeout, false, false, 1);
+    HL_LOGI("StartHubDeviceDiscover ret : %d", result);
+    StartHubDeviceDiscoveryParam param(transaction);
+    param.result = result == 0;
+    param.hlHubDi = hubId;
+    Reporter::Report(param);
+}
+
+void CHubHandler::StopHubDeviceDiscovery(const std::shared_ptr<CTransaction>& transaction, const std::string&,
+                                         const std::string& hubId) {
+    if (hubId.empty()) {
+        HL_LOGE("hub_di is empty");
+        return;
+    }
+    const int result = TesselHandler::GetInstance().StopHubDeviceDiscover(hubId);
+    HL_LOGI("StopHubDeviceDiscover ret : %d", result);
+    StopHubDeviceDiscoveryParam param(transaction);
+    param.result = result == 0;
+    param.hlHubDi = hubId;
+    Reporter::Report(param);
+}
+
+}  // namespace VMFramework::HomeLoom

@@ -1,0 +1,50 @@
+#ifndef HOMELOOM_HOMELOOM_IOTHUB_CHUBHANDLER_H
+#define HOMELOOM_HOMELOOM_IOTHUB_CHUBHANDLER_H
+
+#include <memory>
+#include <mutex>
+#include <string>
+#include <unordered_set>
+
+namespace VMFramework::HomeLoom {
+
+class CTransaction;
+struct ReportParam;
+
+/// The TV as a hub: which devices its own hub serves, and the search for new ones.
+class CHubHandler {
+public:
+    /// Reads the set anew. It is filled aside and swapped in; a failed read keeps what there was.
+    void CreateLocalHubDevicesSet();
+    /// Takes a leaf lock only: it is asked on the agent's threads.
+    bool IsLocalHubConnectedDevice(const std::string& deviceId) const;
+
+    /// Who onboarded this TV as a hub, and the hub's device id; empty when nobody did.
+    std::string GetLoginIDHubOnboarded() const;
+    std::string GetHubDeviceID() const;
+
+    /// Requests to the hub control application. Without a connection to it they are acknowledged as they stand.
+    void StartHubOnboarding(const std::shared_ptr<CTransaction>& transaction, const std::string& accessToken,
+                            const std::string& locationId, const std::string& roomId);
+    void StopHubOnboarding(const std::shared_ptr<CTransaction>& transaction);
+    void ResetHub(const std::shared_ptr<CTransaction>& transaction);
+    void ResetDongle(const std::shared_ptr<CTransaction>& transaction);
+    void GetHubInfo(const std::shared_ptr<CTransaction>& transaction);
+
+    /// An empty hub id or a negative timeout gets no answer. 'timeout' in seconds; the agent keeps the time.
+    /// Nobody reads the location.
+    void StartHubDeviceDiscovery(const std::shared_ptr<CTransaction>& transaction, const std::string& locationId,
+                                 const std::string& hubId, int timeout);
+    void StopHubDeviceDiscovery(const std::shared_ptr<CTransaction>& transaction, const std::string& locationId,
+                                const std::string& hubId);
+
+private:
+    static void reportUnconnected(ReportParam& param);
+
+    mutable std::mutex _mutex;  // a leaf
+    std::unordered_set<std::string> _localHubDevices;
+};
+
+}  // namespace VMFramework::HomeLoom
+
+#endif
