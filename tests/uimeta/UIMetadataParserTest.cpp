@@ -63,6 +63,7 @@ TEST(UIMetadataParserTest, ReadsEveryMemberOfAState) {
     EXPECT_EQ(state.arguments[0].name + state.arguments[0].href + state.arguments[0].property, "a/ap");
     EXPECT_THAT(state.arguments[0].alternatives, ElementsAre(Pair("k", "2"), Pair("l", "3")));
     EXPECT_THAT(state.arguments[0].inactive_keys, ElementsAre("k", "k"));
+    EXPECT_THAT(meta.subscribe_uris, ElementsAre("/a", "/v"));
 }
 
 TEST(UIMetadataParserTest, ReadsEveryMemberOfActionsAndResources) {
