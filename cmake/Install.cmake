@@ -1,0 +1,37 @@
+# Where things go: `cmake --install` and the Debian package. The desk TV finds the plug-in and the homes relative to
+# itself, so the tree works wherever it's put; build trees have the same shape.
+set(HOMELOOM_PRIVATE_DIR lib/homeloom)
+set(HOMELOOM_DATA_DIR ${CMAKE_INSTALL_DATADIR}/homeloom)
+
+install(TARGETS homeloom LIBRARY DESTINATION ${HOMELOOM_PRIVATE_DIR})
+if(NOT HOMELOOM_DESK)
+  # The TV's loader knows where its own libraries are.
+  return()
+endif()
+
+install(TARGETS homeloom-platform homeloom-agent LIBRARY DESTINATION ${HOMELOOM_PRIVATE_DIR})
+if(TARGET homeloom-tv)
+  install(TARGETS homeloom-tv RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  set_target_properties(homeloom-tv PROPERTIES INSTALL_RPATH "$ORIGIN/../${HOMELOOM_PRIVATE_DIR}")
+endif()
+install(DIRECTORY homes/ DESTINATION ${HOMELOOM_DATA_DIR}/homes FILES_MATCHING PATTERN *.json)
+install(FILES README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN *.md)
+set_target_properties(homeloom homeloom-platform homeloom-agent PROPERTIES INSTALL_RPATH "$ORIGIN")
+
+# cpack -G DEB --config build/release/CPackConfig.cmake
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME homeloom)
+set(CPACK_PACKAGE_VENDOR HomeLoom)
+set(CPACK_PACKAGE_CONTACT "HomeLoom developers <developers@homeloom.invalid>")
+set(CPACK_PACKAGE_DESCRIPTION "The plug-in that shows and controls the home on a TV, a desk TV to run it on any
+machine, and simulated homes behind it.")
+set(CPACK_PACKAGE_DIRECTORY ${CMAKE_BINARY_DIR}/package)
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION misc)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+# Our own libraries belong to no package that could be named as a dependency.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
+include(CPack)
