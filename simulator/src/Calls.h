@@ -1,0 +1,163 @@
+#ifndef HOMELOOM_SIMULATOR_CALLS_H
+#define HOMELOOM_SIMULATOR_CALLS_H
+
+#include <functional>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "Functions.h"
+#include "World.h"
+
+namespace simulator {
+
+/// An argument of a C function: a text, which must not be null, or a number.
+class Argument {
+public:
+    Argument(const char* text) : _text(text == nullptr ? "" : text), _isMissing(text == nullptr) {}
+    Argument(int number) : _text(std::to_string(number)) {}
+    Argument(bool flag) : _text(flag ? "true" : "false") {}
+
+    const std::string& text() const { return _text; }
+    bool isMissing() const { return _isMissing; }
+
+private:
+    std::string _text;
+    bool _isMissing = false;
+};
+using Arguments = std::vector<Argument>;
+
+/// What a call can't do without.
+enum class Needs { Handle, Connection, SignIn };
+
+/// A call of one of the agent's functions, on its way through what all of them have in common.
+class Call {
+public:
+    Call(Function& function, homeloom_client_h client, const Arguments& arguments, Needs needs);
+
+    /// Answers before it returns. `work` takes World& and Client& and gives the code.
+    template <class Work>
+    int now(Work work) const;
+
+    /// Answers on the callback thread. `work` takes World& and gives an Answer, which has a member `error`; `deliver`
+    /// calls back with it. With `work` not yet done, nothing has happened in the home.
+    template <class Answer>
+    int later(bool hasCallback, std::function<Answer(World&)> work, std::function<void(const Answer&)> deliver) const;
+
+private:
+    /// Why the call can't be served; 0 if it can. Needs the mutex.
+    int refusal(const World& world, const Client& client) const;
+
+    Function& _function;
+    homeloom_client_h _client;
+    Needs _needs;
+    bool _isValid = true;
+    std::optional<Hit> _fault;
+};
+
+template <class Work>
+int Call::now(Work work) const {
+    if (_fault) {
+        _function.hold(*_fault);
+        if (_fault->kind == Fault::Kind::Never) {
+            return HOMELOOM_CLIENT_ERROR_IO;
+        }
+        if (_fault->code != 0) {
+            return _fault->code;
+        }
+    }
+    World& world = World::instance();
+    const std::lock_guard<std::mutex> lock(world.mutex);
+    const auto client = world.clients.find(_client);
+    if (!_isValid || client == world.clients.end()) {
+        return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
+    }
+    const int code = refusal(world, client->second);
+    return code != 0 ? code : work(world, client->second);
+}
+
+template <class Answer>
+int Call::later(bool hasCallback, std::function<Answer(World&)> work,
+                std::function<void(const Answer&)> deliver) const {
+    if (_fault && _fault->kind == Fault::Kind::Fail) {
+        return _fault->code;
+    }
+    World& world = World::instance();
+    const std::lock_guard<std::mutex> lock(world.mutex);
+    const auto found = world.clients.find(_client);
+    if (!_isValid || !hasCallback || found == world.clients.end()) {
+        return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
+    }
+    ++found->second.pendingCalls;
+    const Fault fault = _fault ? Fault(*_fault) : Fault::answer(0);
+    if (fault.kind == Fault::Kind::Never) {
+        return HOMELOOM_CLIENT_ERROR_NONE;
+    }
+    const auto prepare = [call = *this, code = fault.code, work = std::move(work),
+                          deliver = std::move(deliver)](Client& client) -> World::Delivery {
+        --client.pendingCalls;
+        Answer answer;
+        answer.error = code != 0 ? code : call.refusal(World::instance(), client);
+        if (answer.error == 0) {
+            answer = work(World::instance());
+        }
+        return [deliver, answer = std::move(answer)] { deliver(answer); };
+    };
+    world.post(found->second, _function.name().c_str(), prepare, fault.delay, fault.kind == Fault::Kind::Twice ? 2 : 1);
+    return HOMELOOM_CLIENT_ERROR_NONE;
+}
+
+/// The common reply of the core family.
+struct JsonAnswer {
+    int error = 0;
+    std::string message;
+    std::string json;
+};
+JsonAnswer failure(int error, const std::string& message);
+JsonAnswer success(const std::string& json);
+int answerJson(const Call& call, homeloom_core_json_cb callback, void* userData,
+               std::function<JsonAnswer(World&)> work);
+
+/// A list of records, or the one record of a reply.
+struct ListAnswer {
+    int error = 0;
+    Records records;
+};
+template <class Handle>
+int answerList(const Call& call, void (*callback)(int, Handle*, int, void*), void* userData,
+               std::function<Records(World&)> work) {
+    return call.later<ListAnswer>(
+        callback != nullptr,
+        [work = std::move(work)](World& world) {
+            ListAnswer answer;
+            answer.records = work(world);
+            return answer;
+        },
+        [callback, userData](const ListAnswer& answer) {
+            callback(answer.error, makeList<Handle>(answer.records), static_cast<int>(answer.records.size()), userData);
+        });
+}
+/// `work` gives null when there is no such thing.
+template <class Handle>
+int answerRecord(const Call& call, void (*callback)(int, Handle, void*), void* userData,
+                 std::function<SharedRecord(World&)> work) {
+    return call.later<ListAnswer>(
+        callback != nullptr,
+        [work = std::move(work)](World& world) {
+            const SharedRecord record = work(world);
+            ListAnswer answer;
+            answer.error = record == nullptr ? HOMELOOM_CLIENT_ERROR_NO_DATA : HOMELOOM_CLIENT_ERROR_NONE;
+            answer.records.push_back(record);
+            return answer;
+        },
+        [callback, userData](const ListAnswer& answer) {
+            const bool isThere = answer.error == 0;
+            callback(answer.error, isThere ? new std::remove_pointer_t<Handle>(answer.records.front()) : nullptr,
+                     userData);
+        });
+}
+
+}  // namespace simulator
+
+#endif

@@ -1,0 +1,70 @@
+#ifndef HOMELOOM_SIMULATOR_FUNCTIONS_H
+#define HOMELOOM_SIMULATOR_FUNCTIONS_H
+
+#include <atomic>
+#include <condition_variable>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "simulator/Agent.h"
+#include "simulator/Fault.h"
+
+namespace simulator {
+
+/// A fault that hit a call.
+struct Hit : Fault {
+    int clearings = 0;  // of the function, when it hit
+    int hurries = 0;
+};
+
+/// One C function of the simulated parties: its calls, and the fault that it was given.
+class Function {
+public:
+    explicit Function(std::string name);
+
+    const std::string& name() const { return _name; }
+
+    /// Counts a call and gives the fault that hits it.
+    std::optional<Hit> enter(std::vector<std::string> arguments = {});
+    /// Keeps the caller of a function that has no callback waiting, as Late or Never say.
+    void hold(const Hit& hit);
+
+    void setFault(const Fault& fault);
+    void clearFault();
+    std::optional<Fault> fault() const;
+    /// Lets go of those whom a Late fault keeps waiting.
+    void hurry();
+
+    int callCount() const { return _calls; }
+    Agent::Calls calls() const;
+    void resetCalls();
+
+private:
+    std::optional<Hit> takeFault();
+
+    const std::string _name;
+    std::atomic<int> _calls{0};
+    std::atomic<bool> _isFaulty{false};
+    mutable std::mutex _mutex;
+    std::condition_variable _released;
+    std::vector<std::string> _arguments;
+    std::optional<Fault> _fault;
+    int _clearings = 0;
+    int _hurries = 0;
+};
+
+/// By its name; throws std::invalid_argument for any other.
+Function& functionNamed(const std::string& name);
+/// All of them, by name.
+std::map<std::string, Function>& allFunctions();
+
+using CallObserver = std::function<void(const std::string&, const std::vector<std::string>&)>;
+void setCallObserver(CallObserver observer);
+
+}  // namespace simulator
+
+#endif
