@@ -6,7 +6,6 @@
 #include <condition_variable>
 #include <cstdlib>
 #include <cstring>
-#include <exception>
 #include <fstream>
 #include <map>
 #include <memory>
@@ -19,6 +18,8 @@
 #include <VMFramework/JsonValue.h>
 #include <dlog.h>
 #include <vconf.h>
+
+#include "desktop/Guard.h"
 
 struct vconf_keynode_s {
     std::string name;
@@ -87,17 +88,6 @@ void saveFile() {
     }
 }
 
-void runCallback(const Watch& watch) {
-    vconf_keynode_s node{watch.key};
-    try {
-        watch.callback(&node, watch.userData);
-    } catch (const std::exception& e) {
-        dlog_print(DLOG_ERROR, kLogTag, "callback of %s let an exception through: %s", watch.key.c_str(), e.what());
-    } catch (...) {
-        dlog_print(DLOG_ERROR, kLogTag, "callback of %s let an exception through", watch.key.c_str());
-    }
-}
-
 // On the main loop: tells one watch, if it is still there.
 gboolean deliver(gpointer data) {
     const auto watch = *static_cast<std::shared_ptr<const Watch>*>(data);
@@ -110,7 +100,8 @@ gboolean deliver(gpointer data) {
         store().running = watch.get();
         store().runningThread = std::this_thread::get_id();
     }
-    runCallback(*watch);
+    vconf_keynode_s node{watch->key};
+    callPlugin("settings callback", [&] { watch->callback(&node, watch->userData); });
     const std::lock_guard<std::mutex> lock(store().mutex);
     store().running = nullptr;
     store().callbackEnded.notify_all();

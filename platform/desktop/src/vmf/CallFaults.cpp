@@ -1,0 +1,126 @@
+#include "vmf/CallFaults.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cassert>
+#include <map>
+#include <mutex>
+#include <stdexcept>
+
+#include "desktop/CallFaults.h"
+
+namespace homeloom::desktop {
+
+namespace {
+
+struct Fault {
+    int code;
+    CallRange range;
+};
+
+// Lets the ordinary case, in which nothing is to fail, pass without a lock.
+std::atomic<bool> anyFault{false};
+std::mutex faultsMutex;
+std::map<std::string, Fault, std::less<>>& faults() {
+    static std::map<std::string, Fault, std::less<>> byFunction;
+    return byFunction;
+}
+
+}  // namespace
+
+const std::vector<std::string>& failableFunctions() {
+    static const std::vector<std::string> names = [] {
+        std::vector<std::string> all = {
+            "vmf_endpoint_copy",
+            "vmf_endpoint_create",
+            "vmf_endpoint_list_create",
+            "vmf_endpoint_list_pop",
+            "vmf_endpoint_list_push_endpoint",
+            "vmf_endpoint_set_device_id",
+            "vmf_endpoint_set_device_name",
+            "vmf_endpoint_set_device_type",
+            "vmf_endpoint_set_extra_data",
+            "vmf_endpoint_set_extra_data_bool",
+            "vmf_endpoint_set_extra_data_int",
+            "vmf_endpoint_set_interface_type",
+            "vmf_endpoint_set_service_name",
+            "vmf_endpoint_set_sub_device_type",
+            "vmf_plugin_send_load_result",
+            "vmf_property_create_bool",
+            "vmf_property_create_int",
+            "vmf_property_create_string",
+            "vmf_property_get_bool",
+            "vmf_property_get_int",
+            "vmf_property_get_string",
+            "vmf_property_list_copy",
+            "vmf_property_list_create",
+            "vmf_property_list_pop",
+            "vmf_property_list_push_property",
+            "vmf_property_list_set_name",
+            "vmf_service_handler_create",
+            "vmf_service_handler_destroy",
+            "vmf_service_handler_notify",
+            "vmf_service_handler_report_device_found",
+            "vmf_service_handler_report_device_list",
+            "vmf_service_handler_send_request_result",
+            "vmf_service_handler_set_active_search_callback",
+            "vmf_service_handler_set_active_search_stop_callback",
+            "vmf_service_handler_set_add_device_callback",
+            "vmf_service_handler_set_passive_search_callback",
+            "vmf_service_handler_set_passive_search_stop_callback",
+            "vmf_service_handler_set_request_service_callback",
+            "vmf_service_handler_set_search_all_callback",
+            "vmf_service_handler_subscribe_service",
+            "vmf_service_handler_unsubscribe_service",
+        };
+        std::sort(all.begin(), all.end());
+        return all;
+    }();
+    return names;
+}
+
+void failCalls(const std::string& function, int code, CallRange range) {
+    const auto& known = failableFunctions();
+    if (!std::binary_search(known.begin(), known.end(), function)) {
+        throw std::invalid_argument("no function of the framework that can fail: " + function);
+    }
+    if (code == 0) {
+        throw std::invalid_argument("0 is no failure: " + function);
+    }
+    const std::lock_guard lock(faultsMutex);
+    faults()[function] = {code, range};
+    anyFault = true;
+}
+
+void passCalls() {
+    const std::lock_guard lock(faultsMutex);
+    faults().clear();
+    anyFault = false;
+}
+
+int takeFault(const char* function) {
+    if (!anyFault.load(std::memory_order_relaxed)) {
+        return 0;
+    }
+    // A function that asks for itself by a name that nobody could give would never fail.
+    assert(std::binary_search(failableFunctions().begin(), failableFunctions().end(), function));
+    const std::lock_guard lock(faultsMutex);
+    const auto found = faults().find(std::string_view(function));
+    if (found == faults().end()) {
+        return 0;
+    }
+    CallRange& range = found->second.range;
+    if (range.skip > 0) {
+        --range.skip;
+        return 0;
+    }
+    if (range.times == 0) {
+        return 0;
+    }
+    if (range.times > 0) {
+        --range.times;
+    }
+    return found->second.code;
+}
+
+}  // namespace homeloom::desktop
