@@ -172,7 +172,6 @@ void HomeloomClient::deinitClient() {
             device->ClearTimers();
         }
         Metadata::GetInstance().StopLanguageWatch();
-        CallbackTokens::DropKept();
         HL_LOGI("deinitClient End");
     } catch (const std::exception& e) {
         HL_LOG_EXCEPTION(e);
@@ -237,6 +236,8 @@ void HomeloomClient::disconnectClient() {
     const std::lock_guard<std::mutex> gate(_connectGate);
     const int result = TesselHandler::GetInstance().Disconnect();
     HL_LOGI("homeloom_client_disconnect() ret : %d", result);
+    // The agent has dropped its pending calls, so nobody will come for what waits for their answers.
+    CallbackTokens::DropKept();
 }
 
 void HomeloomClient::startConnectionRetryTimer() {
