@@ -2,9 +2,7 @@
 
 #include "Common/CReporter.h"
 #include "Common/HLLog.h"
-#include "Homeloom/ExternalService/ExternalServiceHandler.h"
 #include "Homeloom/HomeloomClient.h"
-#include "Homeloom/WifiLocker/WifiLockerHandler.h"
 
 namespace VMFramework::HomeLoom {
 
@@ -17,32 +15,29 @@ void LogNotServed(const char* service) {
 
 }  // namespace
 
-// The profile operations serve these two: the agent's own registration of the same name has no caller.
-void HomeloomClient::SetThirdPartyNotification(const Transaction& transaction, const std::string& provider,
-                                               const std::string& regId, const std::string& appId,
-                                               const std::string& locale) {
+void HomeloomClient::SetThirdPartyNotification(const Transaction&, const std::string&, const std::string&,
+                                               const std::string&, const std::string&) {
     if (!isSkippedWithoutAgent()) {
-        _externalServiceHandler->SetNotificationProfile(transaction, provider, regId, appId, locale);
+        LogNotServed("push notification");
     }
 }
 
-void HomeloomClient::GetThirdPartyNotification(const Transaction& transaction) {
+void HomeloomClient::GetThirdPartyNotification(const Transaction&) {
     if (!isSkippedWithoutAgent()) {
-        _externalServiceHandler->GetNotificationProfile(transaction);
+        LogNotServed("push notification");
     }
 }
 
-void HomeloomClient::SetThirdPartyNotificationStatus(const Transaction& transaction,
-                                                     const std::string& blockDeviceIds) {
+void HomeloomClient::SetThirdPartyNotificationStatus(const Transaction&, const std::string&) {
     if (!isSkippedWithoutAgent()) {
-        _externalServiceHandler->SetThirdPartyNotificationStatus(transaction, blockDeviceIds);
+        LogNotServed("push notification");
     }
 }
 
-void HomeloomClient::GetThridPartyNotificationStatus(const Transaction& transaction) {
+void HomeloomClient::GetThridPartyNotificationStatus(const Transaction&) {
     // This one logs and returns where the others of its guard throw.
     if (isClientAvailable()) {
-        _externalServiceHandler->GetThirdPartyNotificationStatus(transaction);
+        LogNotServed("push notification");
     }
 }
 
@@ -54,12 +49,12 @@ void HomeloomClient::GetEnergyInfo(const Transaction&, const std::string&) {
     LogNotServed("energy");
 }
 
-void HomeloomClient::GetWifiLockerUserSetting(const Transaction& transaction) {
-    _wifiLockerHandler->GetWifiLockerUserSetting(transaction);
+void HomeloomClient::GetWifiLockerUserSetting(const Transaction&) {
+    LogNotServed("locker");
 }
 
-void HomeloomClient::SetWifiLockerUserSetting(const Transaction& transaction, const std::string& settingJson) {
-    _wifiLockerHandler->SetWifiLockerUserSetting(transaction, settingJson);
+void HomeloomClient::SetWifiLockerUserSetting(const Transaction&, const std::string&) {
+    LogNotServed("locker");
 }
 
 void HomeloomClient::OnboardIrDevice(const Transaction&, const std::shared_ptr<IPropertyListHelper>&) {

@@ -17,6 +17,14 @@
 /// function, and the arguments between the handle and the function's own out parameters.
 namespace VMFramework::HomeLoom {
 
+// Logs in the name of the operation that the caller wrote down, and not of the form below that it has.
+#define TESSEL_LOG(priority, place, ...)                         \
+    do {                                                         \
+        if (Log::IsTaken(priority, Log::kTag)) {                 \
+            Log::Write(priority, Log::kTag, place, __VA_ARGS__); \
+        }                                                        \
+    } while (false)
+
 /// What must be there before the agent is asked, with the words for the log when it is not. Knows the operation that
 /// wrote it down, so that the log names that.
 struct TesselHandler::Needs {
@@ -32,13 +40,16 @@ struct TesselHandler::Needs {
           const Log::Place& where = {__builtin_FILE(), __builtin_FUNCTION(), __builtin_LINE()})
         : needs(list), place(where) {}
 
-    void Complain(const char* complaint) const {
-        if (Log::IsTaken(DLOG_ERROR, Log::kTag)) {
-            Log::Write(DLOG_ERROR, Log::kTag, place, "%s", complaint);
-        }
-    }
-
     const std::initializer_list<Need> needs;
+    const Log::Place place;
+};
+
+/// The words for the log when there is no record to work on.
+struct TesselHandler::Complaint {
+    Complaint(const char* text, const Log::Place& where = {__builtin_FILE(), __builtin_FUNCTION(), __builtin_LINE()})
+        : words(text), place(where) {}
+
+    const char* const words;
     const Log::Place place;
 };
 
@@ -62,12 +73,12 @@ inline void TakeText(char* text, std::string& out) {
 
 inline bool TesselHandler::_MayCall(const Needs& needs) const {
     if (_clientHandle == nullptr) {
-        needs.Complain("client handle is null");
+        TESSEL_LOG(DLOG_ERROR, needs.place, "client handle is null");
         return false;
     }
     for (const Needs::Need& need : needs.needs) {
         if (!need.met) {
-            needs.Complain(need.complaint);
+            TESSEL_LOG(DLOG_ERROR, needs.place, "%s", need.complaint);
             return false;
         }
     }
@@ -93,19 +104,19 @@ int TesselHandler::_CallForText(const Needs& needs, std::string& text,
 
 /// An operation on a record, which needs no connection.
 template <typename Record, typename... Parameters, typename... Args>
-int TesselHandler::_Access(const char* complaint, int (*function)(Record, Parameters...), Record record,
+int TesselHandler::_Access(const Complaint& complaint, int (*function)(Record, Parameters...), Record record,
                            const Args&... args) {
     const std::lock_guard<std::mutex> lock(_mutex);
     if (record == nullptr) {
-        HL_LOGE("%s", complaint);
+        TESSEL_LOG(DLOG_ERROR, complaint.place, "%s", complaint.words);
         return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
     }
     return function(record, ToAgent(args)...);
 }
 
 template <typename Record>
-int TesselHandler::_AccessText(const char* complaint, int (*function)(Record, int, char**), Record record, int field,
-                               std::string& text) {
+int TesselHandler::_AccessText(const Complaint& complaint, int (*function)(Record, int, char**), Record record,
+                               int field, std::string& text) {
     char* handedOut = nullptr;
     const int ret = _Access(complaint, function, record, field, &handedOut);
     TakeText(handedOut, text);
@@ -113,15 +124,15 @@ int TesselHandler::_AccessText(const char* complaint, int (*function)(Record, in
 }
 
 template <typename Record>
-int TesselHandler::_DestroyList(const char* complaint, int (*destroy)(Record), Record* list, int count) {
+int TesselHandler::_DestroyList(const Complaint& complaint, int (*destroy)(Record), Record* list, int count) {
     const std::lock_guard<std::mutex> lock(_mutex);
     if (list == nullptr) {
-        HL_LOGE("%s", complaint);
+        TESSEL_LOG(DLOG_ERROR, complaint.place, "%s", complaint.words);
         return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
     }
     if (count < 0) {
         // The same words for every kind of list.
-        HL_LOGE("device size is under zero, do not proceed");
+        TESSEL_LOG(DLOG_ERROR, complaint.place, "device size is under zero, do not proceed");
         return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
     }
     return DestroyRecords(list, count, destroy);
@@ -146,7 +157,7 @@ int TesselHandler::_AwaitText(const Needs& needs, std::string& json, std::string
     Param reply = _Await<Param>(needs, function, args...);
     json = std::move(reply.resultJson);
     errorMessage = std::move(reply.errorMessage);
-    HL_LOGI("ret: %d, error_message: %s", reply.ret, errorMessage.c_str());
+    TESSEL_LOG(DLOG_INFO, needs.place, "ret: %d, error_message: %s", reply.ret, errorMessage.c_str());
     return reply.ret;
 }
 
@@ -162,7 +173,7 @@ int TesselHandler::_AwaitList(const Needs& needs, Record*& list, int& count,
                               int (*function)(homeloom_client_h, Parameters...), const Args&... args) {
     Param reply = _Await<Param>(needs, function, args...);
     reply.records.Release(list, count);
-    HL_LOGI("ret: %d, device_size: %d", reply.ret, count);
+    TESSEL_LOG(DLOG_INFO, needs.place, "ret: %d, device_size: %d", reply.ret, count);
     return reply.ret;
 }
 
@@ -171,9 +182,11 @@ int TesselHandler::_AwaitRecord(const Needs& needs, Record& record, int (*functi
                                 const Args&... args) {
     Param reply = _Await<Param>(needs, function, args...);
     record = std::exchange(reply.record, nullptr);
-    HL_LOGI("ret: %d", reply.ret);
+    TESSEL_LOG(DLOG_INFO, needs.place, "ret: %d", reply.ret);
     return reply.ret;
 }
+
+#undef TESSEL_LOG
 
 }  // namespace VMFramework::HomeLoom
 

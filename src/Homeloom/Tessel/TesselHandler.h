@@ -217,7 +217,9 @@ private:
     friend class CSingleton<TesselHandler>;
     TesselHandler() = default;
 
-    struct Needs;  // what an operation asks of its arguments; with the forms of a call in TesselCall.h
+    // What an operation asks of its arguments or of its record; with the forms of a call in TesselCall.h.
+    struct Needs;
+    struct Complaint;
 
     bool _MayCall(const Needs& needs) const;
     template <typename... Parameters, typename... Args>
@@ -226,12 +228,12 @@ private:
     int _CallForText(const Needs& needs, std::string& text, int (*function)(homeloom_client_h, Parameters...),
                      const Args&... args);
     template <typename Record, typename... Parameters, typename... Args>
-    int _Access(const char* complaint, int (*function)(Record, Parameters...), Record record, const Args&... args);
+    int _Access(const Complaint& complaint, int (*function)(Record, Parameters...), Record record, const Args&... args);
     template <typename Record>
-    int _AccessText(const char* complaint, int (*function)(Record, int, char**), Record record, int field,
+    int _AccessText(const Complaint& complaint, int (*function)(Record, int, char**), Record record, int field,
                     std::string& text);
     template <typename Record>
-    int _DestroyList(const char* complaint, int (*destroy)(Record), Record* list, int count);
+    int _DestroyList(const Complaint& complaint, int (*destroy)(Record), Record* list, int count);
 
     template <typename Param, typename... Parameters, typename... Args>
     Param _Await(const Needs& needs, int (*function)(homeloom_client_h, Parameters...), const Args&... args);
