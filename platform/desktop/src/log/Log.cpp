@@ -47,6 +47,8 @@ struct Sinks {
     // What is looked at before any lock: the least priority that some sink takes, and whether there is a trace sink.
     std::atomic<int> least{kNothing};
     std::atomic<bool> hasTrace{false};
+    // Then the priority alone does not tell.
+    std::atomic<bool> filtersTags{false};
 
     void update() {
         int lowest = std::min(stderrLeast, fileLeast);
@@ -54,6 +56,12 @@ struct Sinks {
             lowest = std::min(lowest, capture.least);
         }
         least = lowest;
+        filtersTags = !tags.empty();
+    }
+    bool takes(int priority, const char* tag) const {
+        return (takesTag(tag) && priority >= std::min(stderrLeast, fileLeast)) ||
+               std::any_of(captures.begin(), captures.end(),
+                           [=](const CaptureEntry& capture) { return priority >= capture.least; });
     }
     bool takesTag(const char* tag) const {
         return tags.empty() || std::find(tags.begin(), tags.end(), tag) != tags.end();
@@ -130,6 +138,7 @@ void off() {
 void setTags(std::vector<std::string> tags) {
     const std::lock_guard<std::mutex> lock(sinks().mutex);
     sinks().tags = std::move(tags);
+    sinks().update();
 }
 
 bool parsePriority(const std::string& text, log_priority& priority) {
@@ -208,11 +217,22 @@ void setTraceSink(std::function<void(const char*)> sink) {
 
 namespace log_impl = homeloom::desktop::log;
 
-bool dlog_is_enabled(log_priority priority, const char*) {
-    return static_cast<int>(priority) >= log_impl::sinks().least.load(std::memory_order_relaxed);
+bool dlog_is_enabled(log_priority priority, const char* tag) {
+    auto& sinks = log_impl::sinks();
+    if (priority < sinks.least.load(std::memory_order_relaxed)) {
+        return false;
+    }
+    if (!sinks.filtersTags.load(std::memory_order_relaxed)) {
+        return true;
+    }
+    const std::lock_guard<std::mutex> lock(sinks.mutex);
+    return sinks.takes(priority, tag != nullptr ? tag : "");
 }
 
 int dlog_print(log_priority priority, const char* tag, const char* format, ...) {
+    if (format == nullptr) {
+        return -1;
+    }
     if (!dlog_is_enabled(priority, tag)) {
         return 0;
     }

@@ -12,6 +12,7 @@
 #include <mutex>
 #include <set>
 #include <sstream>
+#include <stdexcept>
 #include <thread>
 #include <utility>
 
@@ -86,6 +87,26 @@ void saveFile() {
     if (!out) {
         dlog_print(DLOG_ERROR, kLogTag, "settings could not be written to %s", store().file.c_str());
     }
+}
+
+// Throws std::runtime_error for anything but an object of texts and whole numbers; a missing file is an empty one.
+std::map<std::string, Value> readFile(const std::string& path) {
+    std::map<std::string, Value> values;
+    std::ifstream in(path);
+    if (!in) {
+        return values;
+    }
+    std::stringstream text;
+    text << in.rdbuf();
+    const JsonValue document = JsonValue::Create(text.str());
+    for (const std::string& key : document.getMemberNames()) {
+        const JsonValue value = document[key];
+        if (!isKept(key) || !(value.isNumber() || value.isString())) {
+            throw std::runtime_error("no setting: " + key);
+        }
+        values[key] = value.isNumber() ? Value(value.asInt()) : Value(value.asString());
+    }
+    return values;
 }
 
 // On the main loop: tells one watch, if it is still there.
@@ -163,21 +184,10 @@ std::vector<std::string> keys() {
 
 bool keepIn(const std::string& path) {
     std::map<std::string, Value> read;
-    std::ifstream in(path);
-    if (in) {
-        std::stringstream text;
-        text << in.rdbuf();
-        const JsonValue document = JsonValue::Create(text.str());
-        if (!document.isObject()) {
-            return false;
-        }
-        for (const std::string& key : document.getMemberNames()) {
-            const JsonValue value = document[key];
-            if (!isKept(key) || !(value.isNumber() || value.isString())) {
-                return false;
-            }
-            read[key] = value.isNumber() ? Value(value.asInt()) : Value(value.asString());
-        }
+    try {
+        read = readFile(path);
+    } catch (const std::runtime_error&) {
+        return false;
     }
     const std::lock_guard<std::mutex> lock(store().mutex);
     store().file = path;

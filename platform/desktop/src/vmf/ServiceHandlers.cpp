@@ -43,15 +43,11 @@ int ServiceHandlers::subscribe(vmf_service_handler_h handle, const std::string& 
     return VMF_ERROR_NONE;
 }
 
-bool ServiceHandlers::waitUntilQuiet(std::unique_lock<std::mutex>& lock, vmf_service_handler_h handle) {
-    if (current == handle) {
-        return false;
-    }
+void ServiceHandlers::waitUntilQuiet(std::unique_lock<std::mutex>& lock, vmf_service_handler_h handle) {
     _landed.wait(lock, [&] {
         const ServiceHandler* handler = _handlers.get(handle);  // somebody else may end it meanwhile
         return handler == nullptr || handler->inFlight == 0;
     });
-    return true;
 }
 
 int ServiceHandlers::unsubscribe(vmf_service_handler_h handle, const std::string& service) {
@@ -60,10 +56,14 @@ int ServiceHandlers::unsubscribe(vmf_service_handler_h handle, const std::string
     if (handler == nullptr) {
         return VMF_ERROR_INVALID_PARAMETER;
     }
+    if (handle == current) {
+        return VMF_ERROR_INVALID_STATE;
+    }
     if (handler->services.erase(service) == 0) {
         return VMF_ERROR_NOT_FOUND;
     }
-    return waitUntilQuiet(lock, handle) ? VMF_ERROR_NONE : VMF_ERROR_INVALID_STATE;
+    waitUntilQuiet(lock, handle);
+    return VMF_ERROR_NONE;
 }
 
 int ServiceHandlers::destroy(vmf_service_handler_h handle) {
@@ -72,12 +72,12 @@ int ServiceHandlers::destroy(vmf_service_handler_h handle) {
     if (handler == nullptr || handler->ending) {
         return VMF_ERROR_INVALID_PARAMETER;
     }
-    handler->ending = true;
-    handler->services.clear();
-    if (!waitUntilQuiet(lock, handle)) {
-        handler->ending = false;
+    if (handle == current) {
         return VMF_ERROR_INVALID_STATE;
     }
+    handler->ending = true;
+    handler->services.clear();
+    waitUntilQuiet(lock, handle);
     const auto ofThis = [&](vmf_transaction_h open) {
         if (_transactions.get(open)->handler != handle) {
             return false;

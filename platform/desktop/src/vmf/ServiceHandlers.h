@@ -102,7 +102,7 @@ private:
     void queue(Job job);
     void work(std::size_t number);
     void deliver(const Job& job, std::unique_lock<std::mutex>& lock);
-    bool waitUntilQuiet(std::unique_lock<std::mutex>& lock, vmf_service_handler_h handle);
+    void waitUntilQuiet(std::unique_lock<std::mutex>& lock, vmf_service_handler_h handle);
     void release(ServiceHandler& handler);
 
     mutable std::mutex _mutex;

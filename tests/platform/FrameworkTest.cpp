@@ -1,0 +1,287 @@
+#include <algorithm>
+#include <atomic>
+#include <future>
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <thread>
+
+#include <VMFramework/CDirectInvoker.h>
+#include <gmock/gmock.h>
+#include <vmf_service_handler.h>
+
+#include "desktop/CallFaults.h"
+#include "desktop/Framework.h"
+#include "desktop/Guard.h"
+
+namespace {
+
+using namespace homeloom::desktop;
+using framework::Report;
+using std::chrono::milliseconds;
+using testing::ElementsAre;
+
+vmf_string_t text(const std::string& characters) {
+    return vmf_string_new(characters.data(), characters.size());
+}
+
+vmf_property_list_h makeList(const char* name, int number) {
+    vmf_error_e error = VMF_ERROR_NONE;
+    const vmf_property_list_h list = vmf_property_list_create(&error);
+    vmf_property_list_set_name(list, name);
+    vmf_property_list_push_property(list, vmf_property_create_int("number", number, &error));
+    return list;
+}
+
+// A plug-in that does what each test says.
+class FrameworkTest : public testing::Test {
+protected:
+    FrameworkTest() {
+        handler = vmf_service_handler_create(text("test"));
+        EXPECT_EQ(vmf_service_handler_subscribe_service(handler, text("homeloom")), 0);
+        EXPECT_EQ(vmf_service_handler_set_request_service_callback(
+                      handler,
+                      [](vmf_service_handler_h, vmf_transaction_h transaction, vmf_property_list_h list, void* self) {
+                          static_cast<FrameworkTest*>(self)->onRequest(transaction, list);
+                      },
+                      this),
+                  0);
+    }
+    ~FrameworkTest() override {
+        passCalls();
+        if (handler != nullptr) {
+            end();
+        }
+        EXPECT_EQ(framework::liveHandles().total(), 0u);
+        EXPECT_THAT(pluginExceptions(), testing::IsEmpty());
+    }
+
+    void end() {
+        EXPECT_EQ(vmf_service_handler_unsubscribe_service(handler, text("homeloom")), 0);
+        EXPECT_EQ(vmf_service_handler_destroy(handler), 0);
+        handler = nullptr;
+    }
+
+    int send(int number, vmf_transaction_h transaction = nullptr, bool result = true) {
+        const vmf_property_list_h list = makeList(result ? "answer" : "news", number);
+        const auto function = result ? vmf_service_handler_send_request_result : vmf_service_handler_notify;
+        const int sent = function(handler, text("homeloom"), list, transaction, 0);
+        vmf_property_list_destroy(list);
+        return sent;
+    }
+
+    vmf_service_handler_h handler;
+    std::function<void(vmf_transaction_h, vmf_property_list_h)> onRequest = [](auto...) {};
+};
+
+TEST_F(FrameworkTest, ARequestIsAnsweredLateAndAgain) {
+    std::promise<vmf_transaction_h> arrived;
+    std::string asked;
+    onRequest = [&](vmf_transaction_h transaction, vmf_property_list_h list) {
+        const char* id = nullptr;
+        bool on = false;
+        vmf_property_get_string(vmf_property_list_find(list, "id"), &id);
+        vmf_property_get_bool(vmf_property_list_find(list, "on"), &on);
+        asked = std::string(vmf_property_list_get_name(list)) + " " + id + (on ? " on" : " off");
+        arrived.set_value(transaction);
+    };
+    EXPECT_EQ(framework::request("hl_ask", {}, "elsewhere"), 0u);
+    const auto id = framework::request("hl_ask", {{"id", "w1"}, {"on", true}});
+    const vmf_transaction_h transaction = arrived.get_future().get();
+    EXPECT_EQ(asked, "hl_ask w1 on");
+    EXPECT_TRUE(framework::waitIdle());
+    EXPECT_EQ(framework::liveHandles().propertyLists, 0u);
+
+    EXPECT_EQ(framework::waitFor([](const Report&) { return true; }, milliseconds(1)), nullptr);
+    EXPECT_EQ(send(1, transaction), 0);
+    EXPECT_EQ(send(2, transaction, false), 0);
+    EXPECT_EQ(send(3), 0);
+    const auto reports = framework::reports();
+    ASSERT_EQ(reports.size(), 3u);
+    const Report expected[] = {{Report::Kind::Result, 0, "homeloom", id, "answer", 0, {{"number", 1}}, {}},
+                               {Report::Kind::Notify, 1, "homeloom", id, "news", 0, {{"number", 2}}, {}},
+                               {Report::Kind::Result, 2, "homeloom", 0, "answer", 0, {{"number", 3}}, {}}};
+    for (std::size_t i = 0; i < 3; ++i) {
+        EXPECT_EQ(reports[i]->kind, expected[i].kind);
+        EXPECT_EQ(reports[i]->number, i);
+        EXPECT_EQ(reports[i]->service, "homeloom");
+        EXPECT_EQ(reports[i]->transaction, expected[i].transaction);
+        EXPECT_EQ(reports[i]->name, expected[i].name);
+        EXPECT_TRUE(reports[i]->properties == expected[i].properties);
+    }
+    const vmf_service_handler_h ended = handler;
+    end();
+    handler = ended;
+    EXPECT_NE(send(4, transaction), 0);
+    EXPECT_NE(send(4), 0);
+    EXPECT_EQ(framework::reportCount(), 3u);
+    handler = nullptr;
+}
+
+TEST_F(FrameworkTest, EveryKindOfReportIsCopiedWhole) {
+    vmf_error_e error = VMF_ERROR_NONE;
+    const vmf_endpoint_list_h list = vmf_endpoint_list_create(&error);
+    for (const char* id : {"b", "a"}) {
+        const vmf_endpoint_h endpoint = vmf_endpoint_create();
+        vmf_endpoint_set_device_id(endpoint, id);
+        vmf_endpoint_set_extra_data_bool(endpoint, "on", true);
+        vmf_endpoint_set_extra_data(endpoint, "empty", "");
+        vmf_endpoint_list_push_endpoint(list, endpoint);
+    }
+    EXPECT_EQ(vmf_service_handler_report_device_list(handler, list), 0);
+    EXPECT_EQ(vmf_service_handler_report_device_found(handler, vmf_endpoint_list_find(list, "a")), 0);
+    EXPECT_EQ(vmf_plugin_send_load_result(text("homeloom"), 2), 0);
+    vmf_endpoint_list_destroy(list);
+
+    const auto reports = framework::reports();
+    ASSERT_EQ(reports.size(), 3u);
+    EXPECT_STREQ(nameOf(reports[0]->kind), "device_list");
+    ASSERT_EQ(reports[0]->endpoints.size(), 2u);
+    EXPECT_EQ(reports[0]->endpoints[0].deviceId, "b");
+    EXPECT_EQ(reports[0]->endpoints[0].deviceName, std::nullopt);
+    EXPECT_TRUE(reports[0]->endpoints[1].extraData == (Fields{{"on", true}, {"empty", ""}}));
+    EXPECT_EQ(reports[0]->endpoint("c"), nullptr);
+    EXPECT_STREQ(nameOf(reports[1]->kind), "device_found");
+    EXPECT_EQ(reports[1]->endpoints[0].deviceId, "a");
+    EXPECT_STREQ(nameOf(reports[2]->kind), "load_result");
+    EXPECT_EQ(reports[2]->status, 2);
+
+    framework::keepReports(1);
+    EXPECT_EQ(framework::reportCount(), 3u);
+    ASSERT_EQ(framework::reports().size(), 1u);
+    EXPECT_EQ(framework::reports()[0]->number, 2u);
+    EXPECT_TRUE(framework::reports(3).empty());
+}
+
+TEST_F(FrameworkTest, FiresEveryKindOfCallback) {
+    static std::string calls;
+    calls.clear();
+    using SetSearch = int (*)(vmf_service_handler_h, vmf_search_cb, void*);
+    using FireSearch = void (*)(const std::string&);
+    const std::pair<SetSearch, FireSearch> kinds[] = {
+        {vmf_service_handler_set_active_search_callback, framework::search},
+        {vmf_service_handler_set_active_search_stop_callback, framework::stopSearch},
+        {vmf_service_handler_set_search_all_callback, framework::requestDeviceList},
+        {vmf_service_handler_set_passive_search_callback, framework::listen},
+        {vmf_service_handler_set_passive_search_stop_callback, framework::stopListening}};
+    framework::setThreads(1);  // one after the other
+    static const char* const names[] = {"a", "b", "c", "d", "e"};
+    int i = 0;
+    for (const auto& [set, fire] : kinds) {
+        fire("not set");
+        EXPECT_TRUE(framework::waitIdle());
+        set(
+            handler,
+            [](vmf_service_handler_h, vmf_string_t what, void* name) {
+                calls += std::string(static_cast<const char*>(name)) + std::string(what.data, what.length);
+            },
+            const_cast<char*>(names[i++]));
+    }
+    vmf_service_handler_set_add_device_callback(
+        handler,
+        [](vmf_service_handler_h, vmf_endpoint_h endpoint, void*) { calls += vmf_endpoint_get_device_id(endpoint); },
+        nullptr);
+    int number = 0;
+    for (const auto& kind : kinds) {
+        kind.second(std::to_string(number++));
+    }
+    EndpointRecord added;
+    added.deviceId = "new";
+    framework::addDevice(added);
+    EXPECT_TRUE(framework::waitIdle());
+    EXPECT_EQ(calls, "a0b1c2d3e4new");
+}
+
+TEST_F(FrameworkTest, SeveralCallbacksRunAtOnce) {
+    std::promise<void> first;
+    std::shared_future<void> firstDone = first.get_future().share();
+    std::atomic<int> calls{0};
+    onRequest = [&](vmf_transaction_h, vmf_property_list_h) {
+        if (++calls == 2) {
+            first.set_value();  // would never come if they waited for each other
+        }
+        firstDone.wait();
+    };
+    framework::request("one");
+    framework::request("two");
+    EXPECT_TRUE(framework::waitIdle());
+    EXPECT_EQ(calls, 2);
+}
+
+TEST_F(FrameworkTest, EndingWaitsForWhatIsInFlight) {
+    std::promise<void> entered;
+    std::promise<void> mayLeave;
+    std::atomic<bool> left{false};
+    int ownEnd = 0;
+    onRequest = [&](vmf_transaction_h transaction, vmf_property_list_h) {
+        ownEnd = vmf_service_handler_destroy(handler);  // can't wait for itself
+        entered.set_value();
+        mayLeave.get_future().wait();
+        EXPECT_EQ(send(1, transaction), 0);  // still good
+        left = true;
+    };
+    framework::request("long");
+    entered.get_future().wait();
+    EXPECT_NE(ownEnd, 0);
+    std::thread release([&] { mayLeave.set_value(); });
+    EXPECT_EQ(vmf_service_handler_unsubscribe_service(handler, text("homeloom")), 0);
+    EXPECT_TRUE(left);
+    EXPECT_FALSE(framework::isSubscribed());
+    EXPECT_EQ(framework::request("too late"), 0u);
+    EXPECT_EQ(vmf_service_handler_destroy(handler), 0);
+    handler = nullptr;
+    release.join();
+}
+
+TEST_F(FrameworkTest, AnExceptionStaysWithinTheCallback) {
+    onRequest = [](vmf_transaction_h, vmf_property_list_h) { throw std::runtime_error("user_data null!"); };
+    framework::request("bad");
+    EXPECT_TRUE(framework::waitIdle());
+    EXPECT_THAT(pluginExceptions(), ElementsAre("request callback: user_data null!"));
+    forgetPluginExceptions();
+    EXPECT_THROW(VMFramework::TPL::CDirectInvoker::GetInstance().Invoke([] { throw std::runtime_error("passes"); }),
+                 std::runtime_error);
+}
+
+TEST_F(FrameworkTest, ListenersKnowEveryReportInOrder) {
+    std::vector<std::size_t> seen;
+    const int listener =
+        framework::addListener([&](const framework::ReportPtr& report) { seen.push_back(report->number); });
+    std::vector<std::thread> senders;
+    for (int i = 0; i < 4; ++i) {
+        senders.emplace_back([this] {
+            for (int number = 0; number < 50; ++number) {
+                send(number, nullptr, false);
+            }
+        });
+    }
+    EXPECT_NE(framework::waitFor([](const Report& report) { return report.properties.number("number") == 49; }),
+              nullptr);
+    for (std::thread& sender : senders) {
+        sender.join();
+    }
+    framework::removeListener(listener);
+    send(0);
+    ASSERT_EQ(seen.size(), 200u);
+    EXPECT_TRUE(std::is_sorted(seen.begin(), seen.end()));
+}
+
+TEST_F(FrameworkTest, SendsAndStepsFailAsTold) {
+    failCalls("vmf_service_handler_notify", -5, afterCalls(1));
+    EXPECT_EQ(send(1, nullptr, false), 0);
+    EXPECT_EQ(send(2, nullptr, false), -5);
+    EXPECT_EQ(send(3, nullptr, false), -5);
+    failCalls("vmf_plugin_send_load_result", -6);
+    EXPECT_EQ(vmf_plugin_send_load_result(text("homeloom"), 0), -6);
+    EXPECT_EQ(framework::reportCount(), 1u);
+    failCalls("vmf_service_handler_create", -1);
+    EXPECT_EQ(vmf_service_handler_create(text("x")), nullptr);
+    failCalls("vmf_service_handler_set_search_all_callback", -1);
+    EXPECT_EQ(vmf_service_handler_set_search_all_callback(handler, nullptr, nullptr), -1);
+    EXPECT_EQ(vmf_service_handler_subscribe_service(handler, text("homeloom")), VMF_ERROR_INVALID_STATE);
+    const vmf_property_list_h list = makeList("x", 1);
+    EXPECT_NE(vmf_service_handler_send_request_result(handler, text("homeloom"), list, nullptr, 1), 0);
+    vmf_property_list_destroy(list);
+}
+
+}  // namespace
