@@ -6,6 +6,7 @@
 #include <condition_variable>
 #include <cstdlib>
 #include <cstring>
+#include <deque>
 #include <fstream>
 #include <map>
 #include <memory>
@@ -46,6 +47,7 @@ struct Store {
     std::condition_variable callbackEnded;
     std::map<std::string, Value> values;
     std::vector<std::shared_ptr<const Watch>> watches;
+    std::deque<std::shared_ptr<const Watch>> due;  // to be told, one source on the main loop for each
     std::set<std::pair<Operation, std::string>> failures;
     std::string file;
 
@@ -110,10 +112,12 @@ std::map<std::string, Value> readFile(const std::string& path) {
 }
 
 // On the main loop: tells one watch, if it is still there.
-gboolean deliver(gpointer data) {
-    const auto watch = *static_cast<std::shared_ptr<const Watch>*>(data);
+gboolean deliverNext(gpointer) {
+    std::shared_ptr<const Watch> watch;
     {
         const std::lock_guard<std::mutex> lock(store().mutex);
+        watch = std::move(store().due.front());
+        store().due.pop_front();
         const auto& watches = store().watches;
         if (std::find(watches.begin(), watches.end(), watch) == watches.end()) {
             return G_SOURCE_REMOVE;
@@ -133,8 +137,8 @@ gboolean deliver(gpointer data) {
 void tellWatches(const std::string& key) {
     for (const auto& watch : store().watches) {
         if (watch->key == key) {
-            g_idle_add_full(G_PRIORITY_DEFAULT, deliver, new std::shared_ptr<const Watch>(watch),
-                            [](gpointer data) { delete static_cast<std::shared_ptr<const Watch>*>(data); });
+            store().due.push_back(watch);
+            g_idle_add_full(G_PRIORITY_DEFAULT, deliverNext, nullptr, nullptr);
         }
     }
 }
