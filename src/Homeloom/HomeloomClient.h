@@ -29,6 +29,7 @@ namespace VMFramework::HomeLoom {
 class ActiveUserEventHandler;
 class CHubHandler;
 class CTransaction;
+class CameraDevice;
 class CoreDeviceHandler;
 class DeviceHandler;
 class FavoriteHandler;
@@ -293,7 +294,8 @@ private:
     static bool makeMainAction(const std::shared_ptr<Device>& device, std::string& url, std::string& rcpString);
     bool isRefusedWithoutAgent() const;
     bool isSkippedWithoutAgent() const;
-    void logUnlessCamera(const std::string& deviceId) const;
+    /// Null, and logged, for a device that is none.
+    std::shared_ptr<CameraDevice> findCamera(const std::string& deviceId) const;
     /// Logs when there is none: a request that arrives during an update of the agent ends without an answer.
     template <typename Handler>
     static std::shared_ptr<Handler> handlerOf(const HandlerSlot<Handler>& slot);

@@ -18,6 +18,7 @@
 #include "Common/HLNames.h"
 #include "Helpers/CPropertyListHelper.h"
 #include "Homeloom/CoreDevices/CoreDeviceHandler.h"
+#include "Homeloom/Devices/CameraDevice.h"
 #include "Homeloom/Devices/Device.h"
 #include "Homeloom/Devices/DeviceHandler.h"
 #include "Homeloom/HomeloomClient.h"
@@ -161,13 +162,9 @@ void HomeloomClient::handleLocalhubDeviceEvent(const json::JsonValue& event) {
 }
 
 void HomeloomClient::handleWebrtcDeviceEvent(const std::string& deviceId, const std::string& json) {
-    const auto devices = _deviceHandler.Get();
-    const auto device = devices ? devices->FindDevice(deviceId) : nullptr;
-    if (!device || !device->IsCameraDevice()) {
-        HL_LOGI("device is NULL or device_id[%s] is NOT CAMERA", deviceId.c_str());
-        return;
+    if (const auto camera = findCamera(deviceId)) {
+        camera->HandleWebrtcDeviceEvent(json);
     }
-    HL_LOGI("transaction is null, do not report, device_id : %s, json_str : %s", deviceId.c_str(), json.c_str());
 }
 
 void HomeloomClient::handleSseDeviceHealthEvent(const std::string& json) {

@@ -23,7 +23,7 @@ void HomeloomClient::GetAvpCameraUrl(const Transaction& transaction, const std::
     GetAvpCameraUrlParam param(transaction);
     param.deviceId = deviceId;
     param.accessToken = GetAccessToken();
-    logUnlessCamera(deviceId);
+    findCamera(deviceId);
     Reporter::Report(param);
 }
 
@@ -31,7 +31,7 @@ void HomeloomClient::GetNoneAvpCameraUrl(const Transaction& transaction, const s
     requireClientAvailable();
     GetNoneAvpCameraUrlParam param(transaction);
     param.deviceId = deviceId;
-    logUnlessCamera(deviceId);
+    findCamera(deviceId);
     Reporter::Report(param);
 }
 
@@ -39,42 +39,56 @@ void HomeloomClient::GetRingDoorBellUrl(const Transaction& transaction, const st
     requireClientAvailable();
     GetRingDoorbellUrlParam param(transaction);
     param.deviceId = deviceId;
-    logUnlessCamera(deviceId);
+    findCamera(deviceId);
     Reporter::Report(param);
 }
 
 void HomeloomClient::SetCameraNotification(const Transaction& transaction, const std::string& deviceId, int type) {
     requireClientAvailable();
+    if (const auto camera = findCamera(deviceId)) {
+        camera->SetCameraNotification(transaction, type);
+        return;
+    }
     SetCameraNotificationTypeParam param(transaction);
     param.deviceId = deviceId;
     param.cameraNotificationType = type;
-    logUnlessCamera(deviceId);
     Reporter::Report(param);
 }
 
 void HomeloomClient::UnsetCameraNotification(const Transaction& transaction, const std::string& deviceId, int type) {
     requireClientAvailable();
+    if (const auto camera = findCamera(deviceId)) {
+        camera->UnsetCameraNotification(transaction, type);
+        return;
+    }
     UnsetCameraNotificationTypeParam param(transaction);
     param.deviceId = deviceId;
     param.cameraNotificationType = type;
-    logUnlessCamera(deviceId);
     Reporter::Report(param);
 }
 
+// The next two do not ask whether a user is signed in: without one there is no device.
+
 void HomeloomClient::RequestExecuteCommand(const Transaction& transaction, const std::string& deviceId,
-                                           const std::string&, const std::string&, const std::string&,
-                                           const std::string&) {
+                                           const std::string& component, const std::string& capability,
+                                           const std::string& command, const std::string& argument) {
+    if (const auto camera = findCamera(deviceId)) {
+        camera->RequestExecuteCommand(transaction, component, capability, command, argument);
+        return;
+    }
     ExecuteCommandParam param(transaction);
     param.deviceId = deviceId;
-    logUnlessCamera(deviceId);
     Reporter::Report(param);
 }
 
 void HomeloomClient::RequestGetStatusOfCapability(const Transaction& transaction, const std::string& deviceId,
-                                                  const std::string&, const std::string&) {
+                                                  const std::string& component, const std::string& capability) {
+    if (const auto camera = findCamera(deviceId)) {
+        camera->RequestGetStatusOfCapability(transaction, component, capability);
+        return;
+    }
     GetCapabilityStatusParam param(transaction);
     param.deviceId = deviceId;
-    logUnlessCamera(deviceId);
     Reporter::Report(param);
 }
 
@@ -87,10 +101,12 @@ void HomeloomClient::GetRefrigeratorInnerviewUrl(const Transaction& transaction,
     Reporter::Report(param);
 }
 
-void HomeloomClient::logUnlessCamera(const std::string& deviceId) const {
-    if (!findDeviceOf<CameraDevice>(deviceId)) {
+std::shared_ptr<CameraDevice> HomeloomClient::findCamera(const std::string& deviceId) const {
+    auto camera = findDeviceOf<CameraDevice>(deviceId);
+    if (!camera) {
         HL_LOGI("device is NULL or device_id[%s] is NOT CAMERA", deviceId.c_str());
     }
+    return camera;
 }
 
 }  // namespace VMFramework::HomeLoom

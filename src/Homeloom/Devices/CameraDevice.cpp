@@ -7,6 +7,7 @@
 #include <VMFramework/JsonValue.h>
 
 #include "Common/CException.h"
+#include "Common/CReporter.h"
 #include "Common/HLLog.h"
 #include "Homeloom/Tessel/TesselHandler.h"
 
@@ -114,6 +115,55 @@ bool CameraDevice::IsSupport2WayTalk() const {
     std::transform(vid.begin(), vid.end(), vid.begin(),
                    [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
     return vid.find(TWO_WAY_TALK_MODELS[0]) != std::string::npos;
+}
+
+void CameraDevice::SetCameraNotification(const std::shared_ptr<CTransaction>& transaction, int type) {
+    SetCameraNotificationTypeParam param(transaction);
+    param.result = changeCameraNotification(type, &TesselHandler::AddAppLaunchCondition);
+    param.deviceId = GetId();
+    param.cameraNotificationType = type;
+    Reporter::Report(param);
+}
+
+void CameraDevice::UnsetCameraNotification(const std::shared_ptr<CTransaction>& transaction, int type) {
+    UnsetCameraNotificationTypeParam param(transaction);
+    param.result = changeCameraNotification(type, &TesselHandler::RemoveAppLaunchCondition);
+    param.deviceId = GetId();
+    param.cameraNotificationType = type;
+    Reporter::Report(param);
+}
+
+// One kind at a time: further bits are ignored. The twin is not tried when the plain resource has failed.
+bool CameraDevice::changeCameraNotification(int type, ConditionAction action) const {
+    for (int kind = 0; kind < KIND_COUNT; ++kind) {
+        if ((type & (1 << kind)) != 0) {
+            const std::string id = GetId();
+            return handleCameraNotification(id, NOTIFICATION_URIS[kind], action) &&
+                   handleCameraNotification(id, NOTIFICATION_URIS[kind + KIND_COUNT], action);
+        }
+    }
+    return false;
+}
+
+bool CameraDevice::handleCameraNotification(const std::string& deviceId, const std::string& uri,
+                                            ConditionAction action) {
+    if (uri.empty()) {
+        HL_LOGE("uri is empty!");
+        return false;
+    }
+    try {
+        const LaunchCondition condition;
+        HL_LOGI("device_id : %s, uri : %s", deviceId.c_str(), uri.c_str());
+        setCameraNotiParam(condition.Get(), deviceId, uri);
+        const int ret = (TesselHandler::GetInstance().*action)(condition.Get());
+        if (ret != 0) {
+            throw CException_HLClient("failed", ret);
+        }
+        return true;
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+        return false;
+    }
 }
 
 int CameraDevice::getCameraNotiType(const std::string& uri) {

@@ -2,13 +2,19 @@
 #define HOMELOOM_HOMELOOM_DEVICES_CAMERADEVICE_H
 
 #include <bitset>
+#include <memory>
+#include <mutex>
 #include <string>
+#include <vector>
 
 #include <homeloom_client.h>
 
 #include "Homeloom/Devices/Device.h"
 
 namespace VMFramework::HomeLoom {
+
+class CTransaction;
+class TesselHandler;
 
 /// The notification resources of a camera. Each kind has two: a camera has one or the other.
 enum CameraNotificationList : int {
@@ -41,12 +47,39 @@ public:
 
     bool IsSupport2WayTalk() const;
 
+    /// Switches one kind of notification on or off, by the first bit set of the mask above, and reports the outcome.
+    /// Blocks for as long as the agent takes.
+    void SetCameraNotification(const std::shared_ptr<CTransaction>& transaction, int type);
+    void UnsetCameraNotification(const std::shared_ptr<CTransaction>& transaction, int type);
+
+    /// Sends a capability command. A failure is reported at once, a success by the event that answers it; a second
+    /// command before that takes the first one's answer. 'arguments' are separated by commas; without any it throws
+    /// CException, and the transaction waits all the same.
+    void RequestExecuteCommand(const std::shared_ptr<CTransaction>& transaction, const std::string& component,
+                               const std::string& capability, const std::string& command, const std::string& arguments);
+    /// The event that may answer a command.
+    void HandleWebrtcDeviceEvent(const std::string& json);
+    void RequestGetStatusOfCapability(const std::shared_ptr<CTransaction>& transaction, const std::string& component,
+                                      const std::string& capability);
+
 private:
+    using ConditionAction = int (TesselHandler::*)(homeloom_client_app_launch_condition_h);
+
+    bool changeCameraNotification(int type, ConditionAction action) const;
+    static bool handleCameraNotification(const std::string& deviceId, const std::string& uri, ConditionAction action);
+
+    static std::vector<std::string> getParsedCommandArguments(const std::string& arguments);
+    void addTransaction(const std::shared_ptr<CTransaction>& transaction);
+    std::shared_ptr<CTransaction> takeTransaction();
+
     static int getCameraNotiType(const std::string& uri);
     static void setCameraNotiParam(homeloom_client_app_launch_condition_h condition, const std::string& deviceId,
                                    const std::string& uri);
     static std::string makeCameraNotiBundle(const std::string& deviceId, const std::string& uri);
     static bool isAddedCameraNotification(const std::string& deviceId, const std::string& uri, bool& exist);
+
+    std::mutex _commandMutex;                           // a leaf
+    std::shared_ptr<CTransaction> _commandTransaction;  // the command that waits for its event
 };
 
 }  // namespace VMFramework::HomeLoom
