@@ -92,7 +92,8 @@ public:
     void OnMetadataUpdateEvent();
     bool NeedHubReset();
 
-    // ---- Requests. What each answers, and when it stays silent, is told in docs/requests.md ----
+    // ---- Requests. A guard that refuses leaves the request without an answer; everything else answers through
+    // Reporter ----
 
     using Transaction = std::shared_ptr<CTransaction>;
 

@@ -18,28 +18,39 @@ std::shared_ptr<Kind> HomeloomClient::findDeviceOf(const std::string& deviceId) 
     return devices ? std::dynamic_pointer_cast<Kind>(devices->FindDevice(deviceId)) : nullptr;
 }
 
+// The three stream URLs. Nothing asks a camera for its stream yet, so each gets the empty URL that tells the screens
+// that there is none.
+
 void HomeloomClient::GetAvpCameraUrl(const Transaction& transaction, const std::string& deviceId) {
     requireClientAvailable();
+    if (const auto camera = findCamera(deviceId)) {
+        tryGetMetadata(camera->GetVid());
+    }
     GetAvpCameraUrlParam param(transaction);
     param.deviceId = deviceId;
     param.accessToken = GetAccessToken();
-    findCamera(deviceId);
     Reporter::Report(param);
 }
 
 void HomeloomClient::GetNoneAvpCameraUrl(const Transaction& transaction, const std::string& deviceId) {
     requireClientAvailable();
+    if (const auto camera = findCamera(deviceId)) {
+        tryGetMetadata(camera->GetVid());
+    }
     GetNoneAvpCameraUrlParam param(transaction);
     param.deviceId = deviceId;
-    findCamera(deviceId);
     Reporter::Report(param);
 }
 
 void HomeloomClient::GetRingDoorBellUrl(const Transaction& transaction, const std::string& deviceId) {
     requireClientAvailable();
+    if (const auto camera = findCamera(deviceId)) {
+        // This one takes the list and group callbacks away until they are next registered.
+        deregisterOCFCallback();
+        tryGetMetadata(camera->GetVid());
+    }
     GetRingDoorbellUrlParam param(transaction);
     param.deviceId = deviceId;
-    findCamera(deviceId);
     Reporter::Report(param);
 }
 
