@@ -27,6 +27,10 @@ void deliver(const Registration<homeloom_client_subscribe_cb>& callback, const U
                       callback.userData);
 }
 
+bool isConnected(const Client& client) {
+    return client.state == Client::State::Connected;
+}
+
 bool contains(const std::vector<std::string>& texts, const std::string& text) {
     return std::find(texts.begin(), texts.end(), text) != texts.end();
 }
@@ -98,7 +102,7 @@ template <class Callback>
 void World::postToAll(const char* name, Registration<Callback> Client::*member,
                       std::function<void(const Registration<Callback>&)> call) {
     for (const auto& [handle, receiver] : clients) {
-        if (!(receiver.*member)) {
+        if (!(receiver.*member) || !isConnected(receiver)) {
             continue;
         }
         post(receiver, name, [member, call](Client& client) -> Delivery {
@@ -127,6 +131,9 @@ void World::postSignIn() {
 }
 
 void World::postDeviceList(const Client& receiver, const std::vector<std::string>& ids) {
+    if (!isConnected(receiver)) {
+        return;
+    }
     Records records;
     for (const std::string& id : ids) {
         records.push_back(deviceRecord(id));
@@ -143,6 +150,9 @@ void World::postDeviceList(const Client& receiver, const std::vector<std::string
 }
 
 void World::postDetailList(const Client& receiver, Records details) {
+    if (!isConnected(receiver)) {
+        return;
+    }
     post(receiver, "device_detail_list_updated_cb", [details = std::move(details)](Client& client) -> Delivery {
         if (!client.detailList) {
             return {};
@@ -188,7 +198,7 @@ void World::postUpdate(const std::string& deviceId, const std::string& uri, cons
     const auto update = std::make_shared<const Update>(Update{deviceId, uri, representation, dataTypes, errorCode});
     for (const auto& [handle, receiver] : clients) {
         const auto subscriptions = receiver.subscriptions.find(deviceId);
-        if (subscriptions == receiver.subscriptions.end()) {
+        if (subscriptions == receiver.subscriptions.end() || !isConnected(receiver)) {
             continue;
         }
         for (const Subscription& subscription : subscriptions->second) {
@@ -210,7 +220,7 @@ void World::postUpdate(const std::string& deviceId, const std::string& uri, cons
 void World::postEvent(int kind, const std::string& text) {
     const long long timestamp = 1714554000000 + ++_events;
     for (const auto& [handle, receiver] : clients) {
-        if (!receiver.events || (receiver.eventMask & kind) == 0) {
+        if (!receiver.events || (receiver.eventMask & kind) == 0 || !isConnected(receiver)) {
             continue;
         }
         post(receiver, "sse_cb", [kind, timestamp, text](Client& client) -> Delivery {

@@ -214,6 +214,9 @@ void World::postLater(const Device& reacting, const Reaction& reaction) {
 }
 
 void World::tell(const Device& device, const Touched& touched) {
+    if (!isSignedIn) {
+        return;
+    }
     const bool isServedByHub = home.isServedByHub(device.id);
     for (const auto& [uri, properties] : touched) {
         const Resource* resource = device.find(uri);

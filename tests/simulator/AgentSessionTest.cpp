@@ -46,13 +46,18 @@ TEST_F(AgentSession, AHandleIsUsedAgainAfterItsConnectionWasLost) {
     agent.hurry();
     EXPECT_THAT(taken(), ElementsAre("connection 0 0"));
     EXPECT_EQ(homeloom_client_connect(&client, onConnection, this), HOMELOOM_CLIENT_ERROR_ALREADY_CONNECTED);
+    ASSERT_EQ(homeloom_core_set_sse_cb(client, 1, onEvent, this), 0);
 
     agent.changeConnection(Agent::Connection::IoError);
+    agent.waitIdle();
+    agent.sendEvent(1, "nobody is told");
     EXPECT_THAT(taken(), ElementsAre("connection 3 -5"));
     homeloom_client_h same = client;
     EXPECT_EQ(homeloom_client_connect(&client, onConnection, this), 0);
     EXPECT_EQ(client, same);
-    EXPECT_THAT(taken(), ElementsAre("connection 0 0"));
+    agent.waitIdle();
+    agent.sendEvent(1, "{}");
+    EXPECT_THAT(taken(), ElementsAre("connection 0 0", "event 1 {}"));
 }
 
 TEST_F(AgentSession, TheServiceManagerTakesTheAgentAwayAndBringsItBack) {

@@ -18,7 +18,7 @@ namespace simulator {
 ///
 /// All operations are thread-safe and may be called from the agent's callbacks, except waitIdle(). What they cause in
 /// the plug-in comes on the agent's callback thread, in the order of the calls; an operation returns without waiting
-/// for it.
+/// for it. While a client isn't connected it is told of its connection and of nothing else.
 ///
 /// Operations that name a device, room or the like return false, and do nothing, when there is none.
 class Agent {
