@@ -1,0 +1,271 @@
+#include "support/Desk.h"
+
+#include <glib.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <future>
+#include <iostream>
+#include <stdexcept>
+#include <thread>
+#include <utility>
+
+#include <gmock/gmock.h>
+
+#include "Homeloom/Common/MsgDispatcher.h"
+#include "desktop/Guard.h"
+#include "plugin_interface.h"
+#include "simulator/ServiceManager.h"
+
+namespace framework = homeloom::desktop::framework;
+namespace settings = homeloom::desktop::settings;
+using framework::Report;
+using simulator::Agent;
+using VMFramework::HomeLoom::SGTMsgDispatcher;
+
+namespace {
+
+// Far above what anything takes, sanitizers on a busy machine included.
+constexpr std::chrono::seconds kLimit(30);
+
+constexpr char kDisclaimerKey[] = "db/menu/glade_deck/homedatacontrol/defaultdisclaimeragree";
+
+// The timers on the main loop, to be called on it: what waits for a time that is still to come.
+std::vector<GSource*> timers() {
+    GSource* probe = g_idle_source_new();
+    const guint last = g_source_attach(probe, nullptr);
+    g_source_destroy(probe);
+    g_source_unref(probe);
+    std::vector<GSource*> found;
+    for (guint id = 1; id < last; ++id) {
+        GSource* source = g_main_context_find_source_by_id(nullptr, id);
+        if (source != nullptr && g_source_get_ready_time(source) > 0) {
+            found.push_back(source);
+        }
+    }
+    return found;
+}
+
+}  // namespace
+
+Desk::Desk(simulator::Home home) {
+    // Nothing that the plug-in does may make GLib complain.
+    g_log_set_always_fatal(static_cast<GLogLevelFlags>(G_LOG_LEVEL_CRITICAL | G_LOG_LEVEL_WARNING));
+    if (std::getenv("HOMELOOM_TEST_LOG") != nullptr) {
+        homeloom::desktop::log::toStderr(DLOG_INFO);
+    }
+    settings::setInt(kDisclaimerKey, 1);
+    settings::setString("db/menu_widget/language", "en_US.utf8");
+    settings::setString("db/es_master/signup_info", R"({"di":")" + home.account.deviceId + R"("})");
+    agent.load(std::move(home));
+}
+
+Desk::~Desk() {
+    if (_isRunning) {
+        stop();
+    }
+    expectNothingLeft();
+}
+
+simulator::Home Desk::apartment() {
+    return simulator::loadHome(HOMELOOM_HOMES_DIR "/apartment.json");
+}
+
+simulator::Home Desk::apartmentWith(const std::vector<std::string>& deviceIds) {
+    simulator::Home home = apartment();
+    const auto isUnwanted = [&](const simulator::Device& device) {
+        return std::find(deviceIds.begin(), deviceIds.end(), device.id) == deviceIds.end();
+    };
+    home.devices.erase(std::remove_if(home.devices.begin(), home.devices.end(), isUnwanted), home.devices.end());
+    return home;
+}
+
+void Desk::start() {
+    _isRunning = true;
+    EXPECT_TRUE(CreatePlugin());
+}
+
+void Desk::startAndShow() {
+    start();
+    waitForLists(2);
+}
+
+void Desk::stop() {
+    _isRunning = false;
+    runWithLimit("DestroyPlugin", [] { EXPECT_TRUE(DestroyPlugin()); });
+}
+
+void Desk::stopOnMainLoop() {
+    _isRunning = false;
+    runWithLimit("DestroyPlugin on the main loop", [this] { loop.call([] { EXPECT_TRUE(DestroyPlugin()); }); });
+}
+
+// What hangs for good would leave its test without a word.
+void Desk::runWithLimit(const std::string& what, const std::function<void()>& function) const {
+    std::future<void> done = std::async(std::launch::async, function);
+    if (done.wait_for(kLimit) != std::future_status::ready) {
+        std::cerr << what << " does not return" << story() << std::endl;
+        std::_Exit(EXIT_FAILURE);
+    }
+    done.get();
+}
+
+void Desk::setDisclaimer(int value) {
+    settings::setInt(kDisclaimerKey, value);
+}
+
+void Desk::expectNothingLeft() {
+    const Agent::Holdings held = agent.holdings();
+    EXPECT_EQ(held.clients, 0);
+    EXPECT_EQ(held.records, 0);
+    EXPECT_EQ(held.registrations, 0);
+    EXPECT_EQ(held.subscriptions, 0);
+    EXPECT_EQ(held.pendingCalls, 0);
+    const framework::Handles handles = framework::liveHandles();
+    EXPECT_EQ(handles.properties, 0u);
+    EXPECT_EQ(handles.propertyLists, 0u);
+    EXPECT_EQ(handles.endpoints, 0u);
+    EXPECT_EQ(handles.endpointLists, 0u);
+    EXPECT_EQ(handles.serviceHandlers, 0u);
+    EXPECT_EQ(handles.transactions, 0u);
+    EXPECT_EQ(settings::watchCount(), 0);
+    EXPECT_FALSE(simulator::ServiceManager::instance().isWatched());
+    EXPECT_EQ(armedTimers(), 0);
+    EXPECT_THAT(agent.escapedExceptions(), testing::IsEmpty());
+    EXPECT_THAT(homeloom::desktop::pluginExceptions(), testing::IsEmpty());
+}
+
+Screen Desk::screen() const {
+    Screen screen;
+    for (const auto& report : framework::reports()) {
+        screen.take(*report);
+    }
+    return screen;
+}
+
+Screen Desk::waitFor(const std::string& what, const std::function<bool(const Screen&)>& test) const {
+    Screen screen;
+    const auto found = framework::waitFor(
+        [&](const Report& report) {
+            screen.take(report);
+            return test(screen);
+        },
+        kLimit);
+    if (!found) {
+        throw std::runtime_error("did not come: " + what + story());
+    }
+    return screen;
+}
+
+Screen Desk::waitForStatus(int status) const {
+    return waitFor("status " + std::to_string(status), [&](const Screen& shown) { return shown.status == status; });
+}
+
+Screen Desk::waitForState(const std::string& deviceId, const std::string& stateText) const {
+    return waitFor(deviceId + " \"" + stateText + "\"",
+                   [&](const Screen& shown) { return shown.has(deviceId) && shown.stateText(deviceId) == stateText; });
+}
+
+Screen Desk::waitForLists(int count) const {
+    return waitFor(std::to_string(count) + " lists", [&](const Screen& shown) { return shown.lists >= count; });
+}
+
+Desk::ReportPtr Desk::waitForReport(const std::string& what, const std::function<bool(const Report&)>& test) const {
+    auto report = framework::waitFor(test, kLimit, _mark);
+    if (!report) {
+        throw std::runtime_error("did not come: " + what + story());
+    }
+    return report;
+}
+
+Desk::ReportPtr Desk::waitForNotify(const std::string& name, const std::string& deviceId) const {
+    return waitForReport(name + " " + deviceId, [&](const Report& report) {
+        return report.kind == Report::Kind::Notify && report.name == name &&
+               (deviceId.empty() || report.properties.text("device_id") == deviceId);
+    });
+}
+
+void Desk::mark() {
+    _mark = framework::reportCount();
+}
+
+std::vector<std::string> Desk::lines() const {
+    std::vector<std::string> texts;
+    for (const auto& report : framework::reports(_mark)) {
+        texts.push_back(toText(*report));
+    }
+    return texts;
+}
+
+std::string Desk::story() const {
+    std::string text = "\nWhat came last:";
+    const auto reports = framework::reports();
+    for (std::size_t i = reports.size() - std::min<std::size_t>(reports.size(), 40); i < reports.size(); ++i) {
+        text += "\n  " + toText(*reports[i]).substr(0, 400);
+    }
+    text += "\nThe end of the log:";
+    const auto lines = log.lines();
+    for (std::size_t i = lines.size() - std::min<std::size_t>(lines.size(), 40); i < lines.size(); ++i) {
+        text += "\n  " + lines[i].message.substr(0, 400);
+    }
+    return text;
+}
+
+Desk::ReportPtr Desk::ask(const std::string& name, const Fields& arguments) const {
+    const auto id = framework::request(name, arguments);
+    auto answer = framework::waitFor([id](const Report& report) { return report.transaction == id; }, kLimit);
+    if (id == 0 || !answer) {
+        throw std::runtime_error("no answer to " + name + story());
+    }
+    return answer;
+}
+
+bool Desk::isAnswered(framework::TransactionId request) const {
+    const auto reports = framework::reports();
+    return std::any_of(reports.begin(), reports.end(),
+                       [request](const auto& report) { return report->transaction == request; });
+}
+
+void Desk::settle() const {
+    const auto happened = [this] {
+        std::size_t count = framework::reportCount();
+        for (const auto& [name, calls] : agent.calls()) {
+            count += static_cast<std::size_t>(calls.count);
+        }
+        return count;
+    };
+    for (std::size_t before = 0, now = 1; before != now;) {
+        before = happened();
+        agent.waitIdle();
+        framework::waitIdle();
+        std::promise<void> scheduled;
+        SGTMsgDispatcher::GetInstance().EnqueueData([&] { scheduled.set_value(); }, "settle");
+        scheduled.get_future().wait();
+        // Answered on "Normal" in any state of the session, with a failure.
+        ask("hl_change_device_name", {});
+        now = happened() - 1;
+    }
+}
+
+int Desk::armedTimers() {
+    int count = 0;
+    loop.call([&] { count = static_cast<int>(timers().size()); });
+    return count;
+}
+
+void Desk::fireTimer() {
+    const auto limit = std::chrono::steady_clock::now() + kLimit;
+    for (bool isFired = false; !isFired; std::this_thread::yield()) {
+        loop.call([&] {
+            for (GSource* source : timers()) {
+                g_source_set_ready_time(source, 0);
+                isFired = true;
+            }
+        });
+        if (!isFired && std::chrono::steady_clock::now() > limit) {
+            throw std::runtime_error("no timer was armed" + story());
+        }
+    }
+}

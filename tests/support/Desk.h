@@ -1,0 +1,91 @@
+#ifndef HOMELOOM_TESTS_SUPPORT_DESK_H
+#define HOMELOOM_TESTS_SUPPORT_DESK_H
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "desktop/Framework.h"
+#include "desktop/Log.h"
+#include "desktop/MainLoop.h"
+#include "desktop/Settings.h"
+#include "simulator/Agent.h"
+#include "simulator/HomeLoader.h"
+#include "support/Screen.h"
+
+/// A TV with the plug-in in it: the desk's framework, settings, log and main loop, and the simulated agent with a home.
+/// One for each process.
+///
+///     Desk desk;
+///     desk.start();
+///     desk.waitForState("washer", "Ready");
+///     EXPECT_EQ(toText(desk.ask("hl_do_main_action", {{"device_id", "washer"}})), "...");
+///
+/// The end of the desk stops the plug-in and fails the test if it left anything behind, or let an exception through.
+/// Waiting for what does not come throws, and tells what came in its place. Nothing here waits for a time to go by.
+class Desk {
+public:
+    using Fields = homeloom::desktop::Fields;
+    using Report = homeloom::desktop::framework::Report;
+    using ReportPtr = homeloom::desktop::framework::ReportPtr;
+
+    explicit Desk(simulator::Home home = apartment());
+    ~Desk();
+    Desk(const Desk&) = delete;
+    Desk& operator=(const Desk&) = delete;
+
+    static simulator::Home apartment();
+    /// The apartment with no other devices than these.
+    static simulator::Home apartmentWith(const std::vector<std::string>& deviceIds);
+
+    void start();
+    /// Starts, and waits until the list has come in which metadata and canvas are worked in.
+    void startAndShow();
+    void stop();
+    void stopOnMainLoop();
+
+    void setDisclaimer(int value);
+
+    // ---- What the plug-in reported ----
+
+    Screen screen() const;
+    /// Waits until the screen passes the test; `what` stands in the message when it does not.
+    Screen waitFor(const std::string& what, const std::function<bool(const Screen&)>& test) const;
+    Screen waitForStatus(int status) const;
+    Screen waitForState(const std::string& deviceId, const std::string& stateText) const;
+    /// Waits for that many lists in all.
+    Screen waitForLists(int count) const;
+    /// The first report since mark() that passes the test.
+    ReportPtr waitForReport(const std::string& what, const std::function<bool(const Report&)>& test) const;
+    ReportPtr waitForNotify(const std::string& name, const std::string& deviceId = "") const;
+    /// From here on waitForReport and lines look; earlier reports are old.
+    void mark();
+    /// The reports since mark(), a line each.
+    std::vector<std::string> lines() const;
+
+    /// Sends a request and waits for what answers it.
+    ReportPtr ask(const std::string& name, const Fields& arguments) const;
+    bool isAnswered(homeloom::desktop::framework::TransactionId request) const;
+    /// Waits until agent, framework, scheduler and "Normal" dispatcher have no more to do for one another.
+    void settle() const;
+
+    // ---- Timers ----
+
+    /// Waits until a timer is armed on the main loop, and lets all that are armed go off now.
+    void fireTimer();
+    int armedTimers();
+
+    homeloom::desktop::MainLoop loop;
+    homeloom::desktop::log::Capture log{DLOG_INFO};
+    simulator::Agent& agent = simulator::Agent::instance();
+
+private:
+    void runWithLimit(const std::string& what, const std::function<void()>& function) const;
+    void expectNothingLeft();
+    std::string story() const;
+
+    bool _isRunning = false;
+    std::size_t _mark = 0;
+};
+
+#endif
