@@ -90,7 +90,7 @@ void CoreDeviceHandler::BuildCoreDeviceList() {
         return;
     }
     if (list.Size() < 1) {
-        HL_LOGI("device size is under zero, do not proceed");
+        HL_LOGE("device size is under zero, do not proceed");
         return;
     }
     for (int i = 0; i < list.Size(); ++i) {

@@ -93,7 +93,7 @@ bool Device::HasResource(const std::string& uri) const {
 
 bool Device::HasDeviceUri(const std::string& uri) const {
     if (uri.empty()) {
-        HL_LOGI("uri is empty");
+        HL_LOGE("uri is empty");
         return false;
     }
     return HasResource(uri);
@@ -105,17 +105,17 @@ void Device::DeleteResources() {
 
 std::string Device::GetValue(const std::string& uri, const std::string& property) const {
     if (uri.empty() || property.empty()) {
-        HL_LOGI("check arguments(one of those is null) uri : %s, property : %s", uri.c_str(), property.c_str());
+        HL_LOGE("check arguments(one of those is null) uri : %s, property : %s", uri.c_str(), property.c_str());
         return "";
     }
     const auto resource = _resources.find(uri);
     if (resource == _resources.end()) {
-        HL_LOGI("GetValue Could NOT find resource :  %s", uri.c_str());
+        HL_LOGE("GetValue Could NOT find resource :  %s", uri.c_str());
         return "";
     }
     const auto found = resource->second->FindProperty(property, false);
     if (!found->IsValidObject()) {
-        HL_LOGI("GetValue Could NOT find property in resource : URI: %s  [PrpertyName:  %s ]", uri.c_str(),
+        HL_LOGE("GetValue Could NOT find property in resource : URI: %s  [PrpertyName:  %s ]", uri.c_str(),
                 property.c_str());
         resource->second->DeleteProperty(property);
         return "";
@@ -136,13 +136,13 @@ void Device::UpdateValue(const device_resource_info_struct& info) {
 bool Device::GetRcpValue(const std::string& uri, const std::string& property, const std::string& value,
                          std::string& rcpString) const {
     if (uri.empty() || property.empty() || value.empty()) {
-        HL_LOGI("check arguments(one of those is null) uri : %s, property : %s, value : %s", uri.c_str(),
+        HL_LOGE("check arguments(one of those is null) uri : %s, property : %s, value : %s", uri.c_str(),
                 property.c_str(), value.c_str());
         return false;
     }
     const auto resource = _resources.find(uri);
     if (resource == _resources.end()) {
-        HL_LOGI("GetRcpValue Could NOT find resource : %s", uri.c_str());
+        HL_LOGE("GetRcpValue Could NOT find resource : %s", uri.c_str());
         return false;
     }
     resource->second->GetRcpString(rcpString, property, value);

@@ -218,9 +218,9 @@ bool DeviceHandler::BuildResourceData(const std::string& deviceId, const std::st
         throw CException("representation is no object", kErrorFailed);
     }
     const std::string type = device->GetDeviceType();
-    int index = 0;
-    for (const auto& name : names) {
-        HL_LOGI("[%d] property_name: %s", index++, name.c_str());
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        const std::string& name = names[i];
+        HL_LOGI("[%d] property_name: %s", static_cast<int>(i), name.c_str());
         const std::string member = CHLUtil::GetMemberFromMembers(members, name);
         if (member.empty()) {
             HL_LOGI("property_name[%s] is empty. continue", name.c_str());
