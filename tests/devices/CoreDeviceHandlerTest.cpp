@@ -1,0 +1,116 @@
+#include "Homeloom/CoreDevices/CoreDeviceHandler.h"
+
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "Common/CException.h"
+#include "HandlerFixture.h"
+
+namespace VMFramework::HomeLoom {
+namespace {
+
+using testing::IsEmpty;
+using testing::SizeIs;
+
+class CoreDeviceHandlerTest : public HandlerFixture {
+protected:
+    CoreDeviceHandlerTest() {
+        core.SetParentDeviceIdGetter([](const std::string& details) { return "parent of " + details; });
+        addCore("dth", "DTH", R"({"dth":{"deviceNetworkType":"ZIGBEE"}})");
+        addCore("ocf", "OCF", R"({"dth":{"deviceNetworkType":"ZIGBEE"}})");
+        addCore("ir", "IR_OCF", R"({"irOcf":{}})");
+        addCore("odd", "DTH", R"({"dth":{"deviceNetworkType":{}}})");
+    }
+
+    void addCore(const std::string& id, const std::string& type, const std::string& details) {
+        simulator::Device device;
+        device.id = id;
+        device.name = "name of " + id;
+        device.vid = "vid";
+        device.types = {"oic.d.light"};
+        device.location = "location";
+        device.core.type = type;
+        device.core.details = details;
+        device.core.presentationId = "presentation";
+        device.core.manufacturerName = "maker";
+        device.core.icons = R"({"animationIcon":"a","activatedIcon":"b","inactivatedIcon":"c","disconnectedIcon":"d",)"
+                            R"("iconKey":"e","lastUpdateDate":"f"})";
+        agent.addDevice(device);
+    }
+
+    CoreDeviceHandler core;
+};
+
+TEST_F(CoreDeviceHandlerTest, KeepsWhatTheListTells) {
+    core.BuildCoreDeviceList();
+    const auto devices = core.GetCoreDeviceInfo();
+    ASSERT_THAT(devices, SizeIs(4));
+    const auto& dth = devices.at("dth");
+    EXPECT_EQ("dth", dth.device_id);
+    EXPECT_EQ("name of dth", dth.device_name);
+    EXPECT_EQ("DTH", dth.device_type);
+    EXPECT_EQ("location", dth.location_id);
+    EXPECT_EQ("presentation", dth.presentation_id);
+    EXPECT_EQ("maker", dth.manufacturer_name);
+    EXPECT_EQ("ZIGBEE", core.GetCoreDeviceNetworkType("dth"));
+    EXPECT_EQ("", core.GetCoreDeviceNetworkType("ocf"));
+    EXPECT_EQ("", core.GetCoreDeviceNetworkType("odd"));
+    EXPECT_EQ("IR_OCF", core.GetCoreDeviceType("ir"));
+    EXPECT_EQ("", core.GetCoreDeviceType("nobody"));
+    for (const auto& get : {&CoreDeviceHandler::GetCoreDeviceType, &CoreDeviceHandler::GetCoreDeviceNetworkType}) {
+        try {
+            (core.*get)("");
+            FAIL() << "an empty id was taken";
+        } catch (const CException& e) {
+            EXPECT_EQ(4, e.GetErrorCode());
+        }
+    }
+}
+
+TEST_F(CoreDeviceHandlerTest, TellsTypesAndIcons) {
+    const auto types = core.GetCoreDeviceTypeList();
+    const struct {
+        const char* id;
+        const char* networkType;
+        const char* parent;
+    } cases[] = {
+        {"dth", "ZIGBEE", ""}, {"ocf", "OCF", ""}, {"ir", "IR_OCF", R"(parent of {"irOcf":{}})"}, {"odd", "DTH", ""}};
+    ASSERT_THAT(types, SizeIs(std::size(cases)));
+    for (const auto& [id, networkType, parent] : cases) {
+        EXPECT_EQ(networkType, types.at(id).network_type) << id;
+        EXPECT_EQ(parent, types.at(id).parent_device_id) << id;
+    }
+    const auto icons = core.GetCoreDeviceIconList();
+    ASSERT_THAT(icons, SizeIs(4));
+    const auto& icon = icons.at("ocf");
+    EXPECT_EQ("abcdef", icon.animation_icon + icon.activated_icon + icon.inactivated_icon + icon.disconnected_icon +
+                            icon.icon_key + icon.last_update_date);
+}
+
+TEST_F(CoreDeviceHandlerTest, GivesEveryListBackWhateverHappens) {
+    constexpr char GET_LIST[] = "homeloom_core_get_device_list_async";
+    constexpr char GET_STRING[] = "homeloom_core_device_get_string";
+    agent.fault(GET_STRING, simulator::Fault::fail(-5).after(8).times(1));
+    core.BuildCoreDeviceList();
+    EXPECT_THAT(core.GetCoreDeviceInfo(), SizeIs(1)) << "a field that fails ends the reading";
+    agent.fault(GET_STRING, simulator::Fault::fail(-5).after(2).times(1));
+    EXPECT_THAT(core.GetCoreDeviceIconList(), SizeIs(3)) << "a field that fails costs its device";
+    agent.fault(GET_STRING, simulator::Fault::fail(-5).after(4).times(1));
+    EXPECT_THAT(core.GetCoreDeviceTypeList(), SizeIs(3));
+
+    agent.fault(GET_LIST, simulator::Fault::answer(-5));
+    core.BuildCoreDeviceList();
+    EXPECT_THAT(core.GetCoreDeviceInfo(), SizeIs(1)) << "a list that can't be read changes nothing";
+    EXPECT_THAT(core.GetCoreDeviceIconList(), IsEmpty());
+    EXPECT_THAT(core.GetCoreDeviceTypeList(), IsEmpty());
+    agent.clearFaults();
+    core.Quit();
+    core.BuildCoreDeviceList();
+    EXPECT_THAT(core.GetCoreDeviceInfo(), SizeIs(1));
+    EXPECT_EQ(0, agent.holdings().records);
+}
+
+}  // namespace
+}  // namespace VMFramework::HomeLoom

@@ -1,0 +1,437 @@
+#include "Homeloom/Devices/DeviceHandler.h"
+
+#include <chrono>
+#include <future>
+#include <set>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <vconf.h>
+
+#include "HandlerFixture.h"
+#include "Helpers/CEndpointListHelper.h"
+#include "Homeloom/UIMeta/Metadata.h"
+
+namespace VMFramework::HomeLoom {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Pair;
+using testing::SizeIs;
+using testing::UnorderedElementsAre;
+
+constexpr char OPERATION[] = "/operational/state/vs/0";
+constexpr char DETAIL[] = "/detail/vs/0";
+constexpr char WASHER[] = R"({"message":"SUCCESS","data":{"version":"1","vid":"washer-vid",
+  "iconUrl":{"mid":"preload://washer.png"},"dpInfo":[{"os":"solenne","serverDpUri":"dp://washer"}],
+  "language":[{"locale":"en","poCodes":[{"po":"__run","label":"Running"},{"po":"__ready","label":"Ready"}]}],
+  "ms":[{"order":1,"label":{"label":"<st>","arguments":[{"n":"st","href":"/operational/state/vs/0",
+    "property":"x.com.norvane.da.state","alternatives":[{"key":"Run","value":"__run"},
+    {"key":"Ready","value":"__ready","type":"inactive"}]}]}},
+    {"order":2,"label":{"label":"<d>","arguments":[{"n":"d","href":"/detail/vs/0","property":"detail"}]}}],
+  "ma":[{"controlType":"ToggleSwitch","link":{"href":"/operational/state/vs/0"},
+    "property":"x.com.norvane.da.state","order":1,
+    "alternatives":[{"key":"Run","type":"on"},{"key":"Ready","type":"off"}]}]}})";
+constexpr char RUN[] = R"({"x.com.norvane.da.state":"Run","x.com.norvane.da.remainingTime":"00:42"})";
+constexpr char RUN_TYPES[] = R"({"x.com.norvane.da.state":"String","x.com.norvane.da.remainingTime":"String"})";
+
+constexpr char BUTTON[] = R"({"message":"SUCCESS","data":{"version":"1","ms":[{"label":{"label":"<b>",
+  "arguments":[{"n":"b","href":"/capability/button/0","property":"button"}]}}]}})";
+constexpr char BUTTON_URI[] = "/capability/button/0";
+
+constexpr char TV[] = R"({"message":"SUCCESS","data":{"version":"1","ms":[{"label":{"label":"<t>",
+  "arguments":[{"n":"t","href":"/nvn/tv/contentinfo","property":"title"}]}},{"label":{"label":"<p>",
+  "arguments":[{"n":"p","href":"/power/vs/0","property":"power"}]}}]}})";
+const std::vector<std::string> TV_URIS = {"/nvn/tv/contentinfo", "/power/vs/0"};
+
+constexpr char CAMERA[] = R"({"message":"SUCCESS","data":{"version":"1",
+  "dpResources":[{"link":{"href":"/capability/videoStream/main/0"},"property":"stream"}]}})";
+
+class DeviceHandlerTest : public HandlerFixture {
+protected:
+    std::shared_ptr<Device> addWasher() {
+        parse("washer-vid", WASHER);
+        const auto washer = add("washer", "washer-vid", "oic.d.washer", {OPERATION, DETAIL});
+        settle();
+        takeNotifications();
+        return washer;
+    }
+};
+
+TEST_F(DeviceHandlerTest, AnUpdateIsEvaluatedAndNotified) {
+    addWasher();
+    agent.sendUpdate("washer", OPERATION, RUN, RUN_TYPES);
+    settle();
+    EXPECT_THAT(takeNotifications(),
+                ElementsAre(ElementsAre(
+                    Pair("()", "hl_device_state_updated"), Pair("device_id", "washer"),
+                    Pair("subdevice_type", "oic.d.washer"), Pair("state_text", "Running"),
+                    Pair("context_value",
+                         R"({"uri":"/operational/state/vs/0","property":"x.com.norvane.da.state","value":"Running"})"),
+                    Pair("icon_url", "washer.png"), Pair("control_type", "ToggleSwitch"), Pair("active_state", "1"),
+                    Pair("running_state", "true"), Pair("subdevtype_enum", "10"), Pair("controllable", "1"),
+                    Pair("action_state", "on"), Pair("action_url", OPERATION), Pair("cloud_device_status", "0"),
+                    Pair("solenne_server_dp_uri", "dp://washer"), Pair("num_of_sub_device_cards", "0"))));
+}
+
+TEST_F(DeviceHandlerTest, AnUpdateThatSaysNothingStillNotifiesAndABadOneDoesNot) {
+    const auto washer = addWasher();
+    struct {
+        const char* what;
+        const char* device;
+        const char* uri;
+        const char* rep;
+        const char* types;
+        std::size_t notifications;
+    } const cases[] = {
+        {"unknown device", "nobody", OPERATION, RUN, RUN_TYPES, 0},
+        {"unknown property", "washer", OPERATION, R"({"a":1})", R"({"a":"Integer"})", 1},
+        {"property without a value", "washer", OPERATION, "{}", RUN_TYPES, 1},
+        {"unknown type", "washer", OPERATION, RUN, R"({"x.com.norvane.da.state":"Float"})", 1},
+        {"malformed representation", "washer", OPERATION, R"({"x.com.norvane.da.state":)", RUN_TYPES, 0},
+        {"representation that is no object", "washer", OPERATION, "[]", RUN_TYPES, 0},
+        {"malformed types", "washer", OPERATION, RUN, "{", 0},
+        {"empty texts", "washer", OPERATION, "", "", 0},
+        {"value of another type", "washer", OPERATION, R"({"x.com.norvane.da.state":{}})", RUN_TYPES, 0},
+        {"property in other case", "washer", OPERATION, R"({"X.com.norvane.da.State":"Run"})",
+         R"({"X.com.norvane.da.State":"String"})", 1},
+    };
+    for (const auto& c : cases) {
+        agent.sendUpdate(c.device, c.uri, c.rep, c.types);
+        settle();
+        EXPECT_THAT(takeNotifications(), SizeIs(c.notifications)) << c.what;
+    }
+    // Stored as the device spells it.
+    EXPECT_EQ("Run", washer->GetValue(OPERATION, "X.com.norvane.da.State"));
+}
+
+TEST_F(DeviceHandlerTest, OnlyWhatConcernsItChangesTheRunningState) {
+    const auto washer = addWasher();
+    agent.sendUpdate("washer", OPERATION, RUN, RUN_TYPES);
+    agent.sendUpdate("washer", DETAIL, R"({"detail":"x"})", R"({"detail":"String"})");
+    settle();
+    takeNotifications();
+    hubDevices = {"washer"};
+    agent.sendUpdate("washer", OPERATION, R"({"x.com.norvane.da.state":"Ready"})", RUN_TYPES);
+    settle();
+    EXPECT_TRUE(washer->GetRunningState());
+    EXPECT_THAT(takeNotifications(), IsEmpty()) << "a hub device's updates come another way";
+    hubDevices.clear();
+    agent.sendUpdate("washer", OPERATION, R"({"x.com.norvane.da.state":"Ready"})", RUN_TYPES);
+    settle();
+    EXPECT_FALSE(washer->GetRunningState());
+    EXPECT_EQ("0", valueOf(takeNotifications().back(), "active_state"));
+}
+
+TEST_F(DeviceHandlerTest, APressOfAButtonShowsForOneTimer) {
+    parse("button-vid", BUTTON);
+    const auto button = add("button", "button-vid", "x.com.hl.d.button", {BUTTON_URI});
+    settle();
+    takeNotifications();
+    const auto press = [&](const char* value) {
+        agent.sendUpdate("button", BUTTON_URI, std::string(R"({"button":")") + value + "\"}", R"({"button":"String"})");
+        settle();
+        std::vector<std::string> texts;
+        for (const auto& report : takeNotifications()) {
+            texts.push_back(valueOf(report, "state_text"));
+        }
+        return texts;
+    };
+    EXPECT_THAT(press("Ready"), ElementsAre("Ready"));
+    EXPECT_EQ(0, hurryTimers());
+    EXPECT_THAT(press("pushed"), ElementsAre("pushed"));
+    EXPECT_THAT(press("held"), ElementsAre("held"));
+    EXPECT_EQ(1, hurryTimers()) << "a second press takes the first one's timer";
+    const auto standby = takeNotifications();
+    ASSERT_THAT(standby, SizeIs(1));
+    EXPECT_EQ("Ready", valueOf(standby.front(), "state_text"));
+    EXPECT_EQ(0, hurryTimers());
+
+    handler->OnResourceUpdateEvent({"button", BUTTON_URI, {{"button", "held", "String"}}});
+    handler->OnResourceUpdateEvent({"button", BUTTON_URI, {}});
+    EXPECT_EQ("Ready", button->GetValue(BUTTON_URI, "button"));
+    handler->ClearTimers();
+    EXPECT_EQ(0, hurryTimers());
+}
+
+TEST_F(DeviceHandlerTest, SubscribesWhatTheMetadataNamesAndTheDeviceHas) {
+    parse("tv-vid", TV);
+    parse("washer-vid", WASHER);
+    add("awake-tv", "tv-vid", "oic.d.tv", TV_URIS);
+    add("asleep-tv", "tv-vid", "oic.d.tv", TV_URIS, 2);
+    add("self", "tv-vid", "oic.d.tv", TV_URIS);
+    hubDevices = {"hub-washer"};
+    add("hub-washer", "washer-vid", "oic.d.washer", {OPERATION});
+    add("poor-washer", "washer-vid", "oic.d.washer", {DETAIL, "/not/in/metadata"});
+    add("empty-washer", "washer-vid", "oic.d.washer", {"/not/in/metadata"});
+    add("unparsed", "other-vid", "oic.d.washer", {OPERATION});
+    const auto expected = std::set<std::string>{R"(awake-tv ["/nvn/tv/contentinfo","/power/vs/0"])",
+                                                R"(asleep-tv ["/power/vs/0"])", R"(poor-washer ["/detail/vs/0"])"};
+    EXPECT_EQ(expected, subscriptions());
+
+    for (const auto& [id, device] : handler->GetAllDevice()) {
+        handler->UnsubscribeResourceUri(device);
+    }
+    EXPECT_THAT(subscriptions(), IsEmpty());
+    handler->SubscribeForAllDevices();
+    EXPECT_EQ(expected, subscriptions());
+}
+
+TEST_F(DeviceHandlerTest, ATVThatWakesIsReadAgainAndAWasherIsNot) {
+    parse("tv-vid", TV);
+    const auto tv = add("tv", "tv-vid", "oic.d.tv", TV_URIS, 1);
+    const auto washer = addWasher();
+    agent.resetCalls();
+    handler->HandleDeviceInfo(infoOf("tv", "tv-vid", "oic.d.tv", 0), TV_URIS, {});
+    settle();
+    EXPECT_EQ(2, agent.callCount("homeloom_client_get_remote_attributes"));
+    EXPECT_EQ(1, agent.callCount("homeloom_client_subscribe"));
+    EXPECT_EQ(DEVICE_STATUS_CONNECTED, tv->GetStatus());
+
+    agent.resetCalls();
+    takeNotifications();
+    for (const auto& [status, text] : {std::pair{1, "Disconnected"}, {2, "Inactive"}, {3, ""}}) {
+        handler->HandleDeviceInfo(infoOf("washer", "washer-vid", "oic.d.washer", status), {}, {"/new"});
+        EXPECT_EQ(text, washer->GetStateText());
+    }
+    settle();
+    EXPECT_THAT(agent.calls(), IsEmpty());
+    EXPECT_THAT(takeNotifications(), IsEmpty());
+    EXPECT_TRUE(washer->HasResource(OPERATION));
+    EXPECT_TRUE(washer->HasResource("/new"));
+}
+
+TEST_F(DeviceHandlerTest, ParsesTheMetadataOfEachVidThenReadsAndSubscribes) {
+    simulator::Model model;
+    model.vid = "washer-vid";
+    model.uiMetadata = WASHER;
+    agent.setModel(model);
+    add("washer", "washer-vid", "oic.d.washer", {OPERATION});
+    add("moved", "old-vid", "oic.d.washer", {DETAIL});
+    handler->HandleDeviceInfo(infoOf("moved", "washer-vid", "oic.d.washer"), {}, {});
+    handler->addVidDeviceMap("washer-vid", "gone");  // costs nobody else's turn
+    EXPECT_THAT(subscriptions(), IsEmpty());
+
+    agent.resetCalls();
+    handler->ParseMetadata();
+    settle();
+    EXPECT_EQ(1, agent.callCount("homeloom_client_get_ui_metadata"));
+    EXPECT_THAT(subscriptions(),
+                UnorderedElementsAre(R"(washer ["/operational/state/vs/0"])", R"(moved ["/detail/vs/0"])"));
+    EXPECT_EQ(2, agent.callCount("homeloom_client_get_remote_attributes"));
+    std::set<std::string> notified;
+    for (const auto& report : takeNotifications()) {
+        notified.insert(valueOf(report, "device_id"));
+    }
+    EXPECT_THAT(notified, UnorderedElementsAre("washer", "moved"));
+
+    handler->DeleteVidDeviceMap("washer-vid", "washer");
+    handler->DeleteVidDeviceMap("washer-vid", "moved");
+    handler->DeleteVidDeviceMap("washer-vid", "gone");
+    handler->DeleteVidDeviceMap("washer-vid", "gone");
+    agent.resetCalls();
+    handler->ParseMetadata();
+    settle();
+    EXPECT_THAT(agent.calls(), IsEmpty());
+}
+
+TEST_F(DeviceHandlerTest, ReadsAttributesOfConnectedDevices) {
+    const auto washer = addWasher();
+    const auto other = add("other", "other-vid", "oic.d.light", {"/u"});
+    agent.resetCalls();
+    EXPECT_FALSE(handler->GetProperty("nobody"));
+    EXPECT_FALSE(handler->GetProperty(std::shared_ptr<Device>()));
+    washer->SetStatus(DEVICE_STATUS_DISCONNECTED);
+    EXPECT_FALSE(handler->GetProperty(washer));
+    EXPECT_EQ("Disconnected", washer->GetStateText());
+    EXPECT_THAT(agent.calls(), IsEmpty());
+    EXPECT_THAT(takeNotifications(), IsEmpty());
+
+    // Nothing to ask for: the present state goes out.
+    EXPECT_TRUE(handler->GetProperty("other"));
+    EXPECT_THAT(takeNotifications(), SizeIs(1));
+
+    // A failed call costs its own resource; a failed answer too.
+    washer->SetStatus(DEVICE_STATUS_CONNECTED);
+    agent.fault("homeloom_client_get_remote_attributes", simulator::Fault::fail(-5).times(1));
+    EXPECT_TRUE(handler->GetProperty(washer));
+    settle();
+    EXPECT_EQ(2, agent.callCount("homeloom_client_get_remote_attributes"));
+    EXPECT_THAT(takeNotifications(), SizeIs(1));
+    agent.fault("homeloom_client_get_remote_attributes", simulator::Fault::answer(-5).times(1));
+    EXPECT_TRUE(handler->GetProperty(washer));
+    settle();
+    EXPECT_THAT(takeNotifications(), SizeIs(1));
+    // An answer that comes twice is one.
+    agent.fault("homeloom_client_get_remote_attributes", simulator::Fault::twice());
+    EXPECT_TRUE(handler->GetProperty(washer));
+    settle();
+    EXPECT_THAT(takeNotifications(), SizeIs(2));
+}
+
+TEST_F(DeviceHandlerTest, OfAGenericMetadataTheFirstUriThatAnswersIsTheOne) {
+    std::string document = WASHER;
+    document.replace(document.find("washer-vid"), 10, "generic-default-metadata");
+    parse("generic-vid", document);
+    add("washer", "generic-vid", "oic.d.washer", {OPERATION, DETAIL});
+    agent.fault("homeloom_client_get_remote_attributes", simulator::Fault::fail(-5).times(1));
+    agent.resetCalls();
+    EXPECT_TRUE(handler->GetProperty("washer"));
+    EXPECT_TRUE(handler->GetProperty("washer"));
+    settle();
+    EXPECT_EQ(3, agent.callCount("homeloom_client_get_remote_attributes"));
+    agent.fault("homeloom_client_get_remote_attributes", simulator::Fault::fail(-5));
+    EXPECT_TRUE(handler->GetProperty("washer"));
+    EXPECT_EQ(OPERATION, Metadata::GetInstance().FindUiMetadata("generic-vid")->generic_subscribe_uri);
+}
+
+TEST_F(DeviceHandlerTest, ReportsTheStatusByType) {
+    const struct {
+        const char* type;
+        int status;
+        int reported;
+    } cases[] = {{"oic.d.tv", 2, 0},           {"x.com.hl.d.projector", 2, 0},
+                 {"x.com.hl.d.monitor", 2, 0}, {"oic.d.krefrigerator", 2, 0},
+                 {"oic.d.refrigerator", 2, 2}, {"oic.d.washer", 2, 2},
+                 {"oic.d.tv", 1, 1},           {"oic.d.tv", 3, 3},
+                 {"oic.d.washer", 7, 7}};
+    for (const auto& [type, status, reported] : cases) {
+        EXPECT_EQ(reported, handler->GetDeviceStatus(std::make_shared<Device>(infoOf("id", "vid", type, status))))
+            << type << " " << status;
+    }
+    EXPECT_EQ(0, handler->SubDeviceType("oic.d.unheardof"));
+    EXPECT_EQ(6, handler->SubDeviceType("x.com.hl.d.monitor"));
+    EXPECT_EQ(48, handler->SubDeviceType("device-type"));
+}
+
+TEST_F(DeviceHandlerTest, CountsWhatTheUserSees) {
+    EXPECT_EQ(0, handler->GetVisibleDeviceCount());
+    EXPECT_TRUE(handler->IsEmpty());
+    for (const char* type :
+         {"x.com.hl.d.hub", "x.com.hl.d.bridge", "oic.d.wirelessrouter", "x.com.hl.d.mobile.presence", "oic.d.light"}) {
+        add(type, "vid", type, {});
+    }
+    add("self", "vid", "oic.d.tv", {});
+    add("other-tv", "vid", "oic.d.tv", {});
+    add("light", "vid", "oic.d.light", {});
+    EXPECT_EQ(3, handler->GetVisibleDeviceCount());
+    EXPECT_THAT(handler->UpdateDeviceList({"light", "self", "nobody", "oic.d.light", "x.com.hl.d.hub"}),
+                ElementsAre("oic.d.wirelessrouter", "other-tv", "x.com.hl.d.bridge", "x.com.hl.d.mobile.presence"));
+    EXPECT_EQ(8u, handler->GetDeviceMapSize());
+    handler->DeleteDevice("light");
+    EXPECT_EQ("", handler->GetVid("light"));
+    handler->Quit();
+    EXPECT_EQ(0, handler->GetVisibleDeviceCount());
+    handler->DeleteDeviceMap();
+    EXPECT_TRUE(handler->IsEmpty());
+}
+
+TEST_F(DeviceHandlerTest, KnowsThisTVOnceTheSettingTellsIt) {
+    const auto other = std::make_shared<DeviceHandler>();
+    for (const char* setting : {"", "no json", "{}", R"({"di":""})", R"({"di":{}})"}) {
+        vconf_set_str("db/es_master/signup_info", setting);
+        EXPECT_FALSE(other->IsMyTV("")) << setting;
+    }
+    vconf_set_str("db/es_master/signup_info", R"({"di":"tv"})");
+    EXPECT_TRUE(other->IsMyTV("tv"));
+    vconf_set_str("db/es_master/signup_info", R"({"di":"another"})");
+    EXPECT_TRUE(other->IsMyTV("tv"));
+}
+
+TEST_F(DeviceHandlerTest, ACameraTellsItsStream) {
+    constexpr char STREAM[] = "/capability/videoStream/main/0";
+    parse("camera-AVPlatform", CAMERA);
+    add("camera", "camera-AVPlatform", "oic.d.camera", {STREAM});
+    handler->SetAccessTokenGetter([] { return std::string("token"); });
+    // No state of the metadata names it, so it is told in answer to requests only.
+    std::vector<device_property_info_struct> properties;
+    ASSERT_TRUE(handler->BuildResourceData("camera", STREAM, R"({"stream":"rtsp://here"})", R"({"stream":"String"})",
+                                           properties));
+    handler->OnResourceUpdateEvent({"camera", STREAM, properties});
+    const auto reports = takeNotifications();
+    ASSERT_THAT(reports, SizeIs(1));
+    EXPECT_EQ("rtsp://here", valueOf(reports[0], "camera_stream_url"));
+    EXPECT_EQ("token", valueOf(reports[0], "accesstoken"));
+    handler->UpdateAllDevicesByMetadata();
+    EXPECT_TRUE(handler->FindDevice("camera")->IsControllableDevice());
+}
+
+// A thread that wants the handler's mutex while the agent is asked must get it: every reply would wait for it.
+TEST_F(DeviceHandlerTest, HoldsItsMutexAcrossNoAgentCall) {
+    simulator::Model model;
+    model.vid = "tv-vid";
+    model.uiMetadata = TV;
+    agent.setModel(model);
+    add("tv", "tv-vid", "oic.d.tv", TV_URIS, 1);
+    add("camera", "camera-vid", "oic.d.camera", {"/capability/button/0", "/capability/button/main/0"});
+    agent.resetCalls();
+    std::set<std::string> blocking;
+    agent.setCallObserver([&](const std::string& function, const std::vector<std::string>&) {
+        auto isFree = std::async(std::launch::async, [&] { handler->Lock(); });
+        if (isFree.wait_for(std::chrono::seconds(2)) != std::future_status::ready) {
+            blocking.insert(function);
+        }
+    });
+    handler->ParseMetadata();
+    settle();
+    handler->HandleDeviceInfo(infoOf("tv", "tv-vid", "oic.d.tv", 0), TV_URIS, {});
+    settle();
+    handler->UnsubscribeResourceUri(handler->FindDevice("tv"));
+    handler->GetDeviceData(IEndpointListHelper::Create());
+    handler->GetDeviceIcons(nullptr, "tv");
+    handler->GetDeviceIcons(nullptr, "");
+    agent.setCallObserver(nullptr);
+    EXPECT_THAT(blocking, IsEmpty());
+    for (const char* function :
+         {"homeloom_client_get_ui_metadata", "homeloom_client_get_remote_attributes", "homeloom_client_subscribe",
+          "homeloom_client_unsubscribe", "homeloom_client_is_app_launch_condition_added",
+          "homeloom_core_get_device_json_async", "homeloom_core_get_device_list_json_async"}) {
+        EXPECT_LT(0, agent.callCount(function)) << function;
+    }
+}
+
+TEST_F(DeviceHandlerTest, RepliesThatComeAfterItsEndFindNothing) {
+    addWasher();
+    agent.fault("homeloom_client_get_remote_attributes", simulator::Fault::late(std::chrono::hours(1)));
+    handler->GetProperty("washer");
+    handler->Deinit();
+    const std::weak_ptr<DeviceHandler> weak = handler;
+    handler.reset();
+    EXPECT_TRUE(weak.expired());
+    agent.hurry();
+    agent.sendUpdate("washer", OPERATION, RUN, RUN_TYPES);
+    handler = std::make_shared<DeviceHandler>();
+    settle();
+    EXPECT_THAT(takeNotifications(), IsEmpty());
+    EXPECT_THAT(agent.escapedExceptions(), IsEmpty());
+}
+
+TEST_F(DeviceHandlerTest, EndsWithJobsWaiting) {
+    addWasher();
+    std::promise<void> isRunning;
+    std::promise<void> mayEnd;
+    handler->addMetadataParsingJobToScheduler(
+        [&] {
+            isRunning.set_value();
+            mayEnd.get_future().wait();
+        },
+        "block");
+    handler->ParseMetadata();
+    agent.resetCalls();
+    isRunning.get_future().wait();
+    std::thread deinit([this] { handler->Deinit(); });
+    while (!handler->IsQuit()) {
+        std::this_thread::yield();
+    }
+    mayEnd.set_value();
+    deinit.join();
+    handler->ParseMetadata();
+    EXPECT_THAT(agent.calls(), IsEmpty());
+}
+
+}  // namespace
+}  // namespace VMFramework::HomeLoom

@@ -1,0 +1,209 @@
+#include "HandlerFixture.h"
+
+#include <chrono>
+#include <optional>
+#include <utility>
+#include <variant>
+
+#include <glib.h>
+#include <vconf.h>
+
+#include "CPluginMgr.h"
+#include "Helpers/CEndpointListHelper.h"
+#include "Homeloom/Common/MsgDispatcher.h"
+#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/UIMeta/Metadata.h"
+#include "desktop/Framework.h"
+
+namespace VMFramework::HomeLoom {
+
+namespace desktop = homeloom::desktop;
+namespace framework = homeloom::desktop::framework;
+
+namespace {
+
+struct TextOf {
+    std::string operator()(const std::string& text) const { return text; }
+    std::string operator()(int number) const { return std::to_string(number); }
+    std::string operator()(bool flag) const { return flag ? "true" : "false"; }
+};
+
+std::vector<std::pair<std::string, std::string>> textsOf(const desktop::Fields& fields) {
+    std::vector<std::pair<std::string, std::string>> texts;
+    for (const auto& field : fields) {
+        texts.emplace_back(field.key, std::visit(TextOf(), field.value));
+    }
+    return texts;
+}
+
+}  // namespace
+
+HandlerFixture::HandlerFixture() {
+    static const bool isBound = [] {
+        CPluginMgr::GetInstance().Init();
+        return true;
+    }();
+    EXPECT_TRUE(isBound);
+    simulator::Home home;
+    home.account = {"login", "user", "token", "self"};
+    agent.reset();
+    agent.load(home);
+    Metadata::GetInstance().ClearMetadataMaps();
+    takeNotifications();
+    vconf_set_str("db/es_master/signup_info", R"({"di":"self"})");
+    TesselHandler::GetInstance().Connect([](homeloom_client_error_e, homeloom_client_connection_state_e, void*) {},
+                                         nullptr);
+    agent.waitIdle();
+    handler->SetAccessTokenGetter([] { return std::string(); });
+    handler->SetIsHubConnectedDevice([this](const std::string& id) { return hubDevices.count(id) != 0; });
+}
+
+HandlerFixture::~HandlerFixture() {
+    TesselHandler::GetInstance().Disconnect();
+    settle();
+    if (handler) {
+        handler->Deinit();
+        handler->ClearTimers();
+    }
+    EXPECT_EQ(0, agent.holdings().total());
+}
+
+std::string HandlerFixture::valueOf(const Report& report, const std::string& key) {
+    for (const auto& [name, value] : report) {
+        if (name == key) {
+            return value;
+        }
+    }
+    return "";
+}
+
+Device::_deviceInfo HandlerFixture::infoOf(const std::string& id, const std::string& vid, const std::string& type,
+                                           int status) {
+    Device::_deviceInfo info;
+    info.device_id = id;
+    info.device_name = id;
+    info.vid = vid;
+    info.device_type = type;
+    info.status = static_cast<DeviceStatus>(status);
+    return info;
+}
+
+std::shared_ptr<Device> HandlerFixture::add(const std::string& id, const std::string& vid, const std::string& type,
+                                            const std::vector<std::string>& uris, int status) {
+    simulator::Device device;
+    device.id = id;
+    device.vid = vid;
+    device.types = {type};
+    device.status = status;
+    for (const auto& uri : uris) {
+        device.resources.push_back({uri, {}, false});
+    }
+    agent.addDevice(device);
+    handler->HandleDeviceInfo(infoOf(id, vid, type, status), uris, {});
+    return handler->FindDevice(id);
+}
+
+void HandlerFixture::parse(const std::string& vid, const std::string& document) {
+    ASSERT_TRUE(Metadata::GetInstance().ParseMetadata(vid, document)) << vid;
+}
+
+void HandlerFixture::settle() {
+    const auto drain = [](const std::function<void(ThreadJob)>& enqueue) {
+        auto done = std::make_shared<std::promise<void>>();
+        auto future = done->get_future();
+        enqueue([done] { done->set_value(); });
+        future.wait();
+    };
+    if (handler && !handler->IsQuit()) {
+        drain([this](ThreadJob job) { handler->addMetadataParsingJobToScheduler(std::move(job), "drain"); });
+    }
+    agent.waitIdle();
+    if (handler && !handler->IsQuit()) {
+        drain([this](ThreadJob job) { handler->AddJobToStatusScheduler(std::move(job), "drain"); });
+    }
+    drain([](ThreadJob job) { SGTMsgDispatcher::GetInstance().EnqueueData(std::move(job), "drain"); });
+}
+
+int HandlerFixture::hurryTimers() {
+    int count = 0;
+    for (guint id = 1; id < 1000; ++id) {
+        if (GSource* source = g_main_context_find_source_by_id(nullptr, id)) {
+            g_source_set_ready_time(source, 0);
+            ++count;
+        }
+    }
+    while (g_main_context_iteration(nullptr, FALSE)) {
+    }
+    return count;
+}
+
+std::vector<HandlerFixture::Report> HandlerFixture::takeNotifications() {
+    static std::size_t mark = 0;
+    const auto sent = framework::reports(mark);
+    mark += sent.size();
+    std::vector<Report> notifications;
+    for (const auto& report : sent) {
+        if (report->kind == framework::Report::Kind::Notify) {
+            EXPECT_EQ(0u, report->transaction);
+            notifications.push_back(textsOf(report->properties));
+            notifications.back().emplace(notifications.back().begin(), "()", report->name);
+        }
+    }
+    return notifications;
+}
+
+std::vector<HandlerFixture::Report> HandlerFixture::sendDeviceList() {
+    const std::size_t mark = framework::reportCount();
+    {
+        const auto list = IEndpointListHelper::Create();
+        const auto lock = handler->GetDeviceData(list);
+        EXPECT_TRUE(lock.owns_lock());
+        CPluginMgr::GetInstance().ReportDeviceList(list);
+    }
+    const auto sent = framework::waitFor(
+        [](const framework::Report& report) { return report.kind == framework::Report::Kind::DeviceList; },
+        std::chrono::seconds(10), mark);
+    std::vector<Report> endpoints;
+    if (!sent) {
+        ADD_FAILURE() << "no device list came";
+        return endpoints;
+    }
+    for (const auto& endpoint : sent->endpoints) {
+        Report report = textsOf(endpoint.extraData);
+        const std::pair<const char*, std::optional<std::string>> fields[] = {
+            {"device_id()", endpoint.deviceId},       {"device_name()", endpoint.deviceName},
+            {"service_name()", endpoint.serviceName}, {"interface_type()", endpoint.interfaceType},
+            {"device_type()", endpoint.deviceType},   {"sub_device_type()", endpoint.subDeviceType}};
+        for (const auto& [name, value] : fields) {
+            report.emplace_back(name, value.value_or("(absent)"));
+        }
+        endpoints.push_back(std::move(report));
+    }
+    return endpoints;
+}
+
+void HandlerFixture::addButtonCondition(const std::string& deviceId, const std::string& uri) {
+    auto& facade = TesselHandler::GetInstance();
+    homeloom_client_app_launch_condition_h condition = nullptr;
+    facade.AppLaunchConditionCreate(&condition);
+    int field = 0;
+    for (const std::string& value :
+         {std::string("com.norvane.tv.iot-service-notification-v2"), deviceId, uri, std::string("button"),
+          std::string("String"), std::string("pushed"),
+          R"([{"key":"ServiceId","data":"VideoNotification"},{"key":"Type","data":"BELL"},{"key":"Id","data":")" +
+              deviceId + R"("}])"}) {
+        facade.AppLaunchConditionSetString(condition, field++, value);
+    }
+    EXPECT_EQ(0, facade.AddAppLaunchCondition(condition));
+    facade.AppLaunchConditionDestroy(&condition);
+}
+
+std::set<std::string> HandlerFixture::subscriptions() {
+    std::set<std::string> texts;
+    for (const auto& [deviceId, uris] : simulator::Agent::instance().subscriptions()) {
+        texts.insert(deviceId + " " + uris);
+    }
+    return texts;
+}
+
+}  // namespace VMFramework::HomeLoom

@@ -1,0 +1,60 @@
+#ifndef HOMELOOM_TESTS_DEVICES_HANDLERFIXTURE_H
+#define HOMELOOM_TESTS_DEVICES_HANDLERFIXTURE_H
+
+#include <functional>
+#include <future>
+#include <memory>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "Homeloom/Devices/DeviceHandler.h"
+#include "simulator/Agent.h"
+
+namespace VMFramework::HomeLoom {
+
+/// A device handler over the simulated agent. The plug-in is bound to the framework, but its session rests: without
+/// the user's agreement it connects nothing, and the fixture connects the facade itself.
+class HandlerFixture : public testing::Test {
+protected:
+    /// Key and value of each property in order; numbers and bools as people write them.
+public:
+    using Report = std::vector<std::pair<std::string, std::string>>;
+
+    HandlerFixture();
+    ~HandlerFixture() override;
+
+    static std::string valueOf(const Report& report, const std::string& key);
+
+    static Device::_deviceInfo infoOf(const std::string& id, const std::string& vid, const std::string& type,
+                                      int status = 0);
+    /// Makes the device known to agent and handler.
+    std::shared_ptr<Device> add(const std::string& id, const std::string& vid, const std::string& type,
+                                const std::vector<std::string>& uris, int status = 0);
+    void parse(const std::string& vid, const std::string& document);
+
+    /// Waits until agent and job threads have nothing more to do.
+    void settle();
+    /// Lets every timer of the main loop fire now; how many there were.
+    static int hurryTimers();
+    /// The notifications since the last call.
+    static std::vector<Report> takeNotifications();
+    /// Sends the list of all devices, as the session does, and gives what the framework got. Fields that are not
+    /// extra data have "()" behind their names.
+    std::vector<Report> sendDeviceList();
+    /// Switches the notification of a camera's button on, as another application of the TV would.
+    static void addButtonCondition(const std::string& deviceId, const std::string& uri);
+    /// "DEVICE URIS" of each subscription, sorted.
+    static std::set<std::string> subscriptions();
+
+    simulator::Agent& agent = simulator::Agent::instance();
+    std::shared_ptr<DeviceHandler> handler = std::make_shared<DeviceHandler>();
+    std::set<std::string> hubDevices;
+};
+
+}  // namespace VMFramework::HomeLoom
+
+#endif
