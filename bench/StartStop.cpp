@@ -1,0 +1,88 @@
+// How long the plug-in takes to show the apartment, and to go when a thousand jobs still wait.
+#include <vector>
+
+#include <VMFramework/JsonValue.h>
+#include <desktop/Framework.h>
+#include <simulator/Agent.h>
+#include <simulator/HomeLoader.h>
+
+#include "support/Desk.h"
+#include "support/Figures.h"
+
+namespace framework = homeloom::desktop::framework;
+using VMFramework::json::JsonValue;
+
+namespace {
+
+constexpr int kRounds = 21;
+constexpr int kJobs = 1000;
+constexpr char kRequest[] = "hl_execute_scene";
+constexpr char kAgentCall[] = "homeloom_core_execute_scene_async";
+
+simulator::Home apartment() {
+    return simulator::loadHome(HOMELOOM_HOMES_DIR "/apartment.json");
+}
+
+/// Parsing every document of the apartment's device models once.
+bench::Seconds timeOfParsing(const simulator::Home& home) {
+    return bench::timeOf(21, 10, [&home] {
+        for (const auto& [vid, model] : home.models) {
+            if (!model.uiMetadata.empty() && JsonValue::Create(model.uiMetadata).isNull()) {
+                bench::fail(vid + " is no JSON");
+            }
+        }
+    });
+}
+
+void measureStart(bench::Seconds parsing) {
+    std::vector<bench::Seconds> first;
+    std::vector<bench::Seconds> second;
+    for (int round = 0; round < kRounds; ++round) {
+        bench::Desk desk(apartment());
+        const auto start = bench::Clock::now();
+        desk.create();
+        desk.waitForLists(1);
+        first.push_back(bench::Clock::now() - start);
+        desk.waitForLists(2);
+        second.push_back(bench::Clock::now() - start);
+        simulator::Agent::instance().waitIdle();
+    }
+    const bench::Seconds toFirst = bench::median(first);
+    bench::print({"CreatePlugin to the apartment's first list", bench::text(toFirst), "parsing its models' documents",
+                  bench::text(parsing), toFirst / parsing, "", true});
+    const bench::Seconds toSecond = bench::median(second);
+    bench::print({"CreatePlugin to the apartment's second list", bench::text(toSecond), "parsing its models' documents",
+                  bench::text(parsing), toSecond / parsing, "", true});
+}
+
+bench::Seconds timeOfStop(int jobs) {
+    std::vector<bench::Seconds> times;
+    for (int round = 0; round < kRounds; ++round) {
+        bench::Desk desk(apartment());
+        desk.show();
+        auto& agent = simulator::Agent::instance();
+        // The first job waits for an answer that never comes, the others for it.
+        agent.fault(kAgentCall, simulator::Fault::never());
+        for (int job = 0; job < jobs; ++job) {
+            framework::request(kRequest, {{"location_id", std::string("home")}, {"scene_id", std::string("night")}});
+        }
+        if (!framework::waitIdle() || (jobs > 0 && agent.callCount(kAgentCall) > 1)) {
+            bench::fail("the jobs don't wait");
+        }
+        const auto start = bench::Clock::now();
+        desk.destroy();
+        times.push_back(bench::Clock::now() - start);
+    }
+    return bench::median(times);
+}
+
+}  // namespace
+
+int main() {
+    measureStart(timeOfParsing(apartment()));
+    const bench::Seconds idle = timeOfStop(0);
+    const bench::Seconds busy = timeOfStop(kJobs);
+    bench::print({"DestroyPlugin while 1,000 jobs wait", bench::text(busy), "DestroyPlugin while none does",
+                  bench::text(idle), busy / idle, "", true});
+    return bench::exitStatus();
+}

@@ -1,0 +1,94 @@
+#include "support/Desk.h"
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <utility>
+
+#include <desktop/Settings.h>
+#include <simulator/Agent.h>
+
+namespace bench {
+
+namespace framework = homeloom::desktop::framework;
+
+namespace {
+
+constexpr auto kLimit = std::chrono::minutes(2);
+
+template <typename Function>
+Function symbol(void* library, const char* name) {
+    void* const address = dlsym(library, name);
+    if (address == nullptr) {
+        fail(std::string("the plug-in has no ") + name);
+    }
+    return reinterpret_cast<Function>(address);
+}
+
+}  // namespace
+
+Desk::Desk(simulator::Home home) {
+    simulator::Agent::instance().load(std::move(home));
+    homeloom::desktop::settings::setInt("db/menu/glade_deck/homedatacontrol/defaultdisclaimeragree", 1);
+    _library = dlopen(HOMELOOM_PLUGIN_PATH, RTLD_NOW | RTLD_LOCAL);
+    if (_library == nullptr) {
+        fail(dlerror());
+    }
+    _createPlugin = symbol<bool (*)()>(_library, "CreatePlugin");
+    _destroyPlugin = symbol<bool (*)()>(_library, "DestroyPlugin");
+    framework::keepReports(1);  // the desk's memory and time are not what is measured
+    _listener = framework::addListener([this](const framework::ReportPtr& report) {
+        if (report->kind == framework::Report::Kind::DeviceList) {
+            const std::lock_guard<std::mutex> lock(_mutex);
+            ++_lists;
+            _listArrived.notify_all();
+        }
+    });
+}
+
+Desk::~Desk() {
+    close();
+    framework::removeListener(_listener);
+    simulator::Agent::instance().reset();
+    homeloom::desktop::settings::reset();
+}
+
+void Desk::create() {
+    _isRunning = true;
+    _lists = 0;
+    _createPlugin();
+}
+
+void Desk::destroy() {
+    if (std::exchange(_isRunning, false)) {
+        _destroyPlugin();
+    }
+}
+
+void Desk::close() {
+    destroy();
+    if (_library != nullptr) {
+        dlclose(std::exchange(_library, nullptr));
+    }
+}
+
+void Desk::show() {
+    create();
+    waitForLists(2);
+    simulator::Agent::instance().waitIdle();
+}
+
+void Desk::waitForLists(int count) {
+    std::unique_lock<std::mutex> lock(_mutex);
+    if (!_listArrived.wait_for(lock, kLimit, [&] { return _lists >= count; })) {
+        fail("the home was not reported");
+    }
+}
+
+void fail(const std::string& reason) {
+    std::fprintf(stderr, "bench: %s\n", reason.c_str());
+    // Threads of the plug-in may still run.
+    std::_Exit(2);
+}
+
+}  // namespace bench
