@@ -1,5 +1,6 @@
 // How a device takes a change: its values, its reactions, and who is told.
 #include <charconv>
+#include <cmath>
 
 #include "Json.h"
 #include "World.h"
@@ -15,19 +16,24 @@ bool isArrayType(const std::string& type) {
     return type.size() >= ending.size() && type.compare(type.size() - ending.size(), ending.size(), ending) == 0;
 }
 
-template <class Number>
-std::string numberOf(const json::value& value, const std::string& text) {
-    if (value.is_number()) {
-        const double number = value.to_number<double>();
-        return toText(static_cast<double>(static_cast<Number>(number)));
-    }
-    const std::string digits = value.is_string() ? std::string(value.get_string()) : text;
+/// Larger numbers aren't exact any more.
+const double largest = 9e15;
+
+std::string numberOf(const json::value& value, const std::string& text, bool isWhole) {
     double number = 0;
-    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-    if (error != std::errc() || end != digits.data() + digits.size() || digits.empty()) {
+    if (value.is_number()) {
+        number = value.to_number<double>();
+    } else {
+        const std::string digits = value.is_string() ? std::string(value.get_string()) : text;
+        const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+        if (error != std::errc() || end != digits.data() + digits.size() || !std::isfinite(number)) {
+            return {};
+        }
+    }
+    if (isWhole && std::abs(number) > largest) {
         return {};
     }
-    return toText(static_cast<double>(static_cast<Number>(number)));
+    return toText(isWhole ? std::trunc(number) : number);
 }
 
 Property* findProperty(Resource& resource, const std::string& name) {
@@ -74,10 +80,10 @@ std::string valueOfType(const std::string& type, const std::string& text) {
         return word == "true" || word == "false" ? word : std::string();
     }
     if (type == "Integer") {
-        return numberOf<long long>(value, text);
+        return numberOf(value, text, true);
     }
     if (type == "Double" || type == "Float") {
-        return numberOf<double>(value, text);
+        return numberOf(value, text, false);
     }
     if (type == "Object") {
         return value.is_object() ? toText(value) : std::string();
@@ -143,12 +149,11 @@ bool World::convert(const Device& device, const std::vector<Change>& changes, st
             return false;
         }
         const Property* property = resource->find(change.property);
-        const std::string value =
-            property == nullptr ? canonical(change.value) : valueOfType(property->type, change.value);
+        std::string value = property == nullptr ? canonical(change.value) : valueOfType(property->type, change.value);
         if (value.empty()) {
             return false;
         }
-        converted.push_back({change.uri, change.property, value});
+        converted.push_back({change.uri, change.property, std::move(value)});
     }
     return true;
 }
@@ -160,7 +165,7 @@ void World::apply(Device& device, const std::vector<Change>& changes, Touched& t
         if (property == nullptr) {
             continue;
         }
-        property->value = valueOfType(property->type, change.value);
+        property->value = change.value;
         auto entry = touched.begin();
         while (entry != touched.end() && entry->first != change.uri) {
             ++entry;
@@ -169,6 +174,16 @@ void World::apply(Device& device, const std::vector<Change>& changes, Touched& t
             entry = touched.insert(entry, {change.uri, {}});
         }
         entry->second.push_back(change.property);
+    }
+}
+
+void World::applyReaction(Device& device, const Reaction& reaction, Touched& touched) {
+    std::vector<Change> converted;
+    if (convert(device, reaction.changes, converted)) {
+        apply(device, converted, touched);
+    }
+    if (reaction.status >= 0 && reaction.status != device.status) {
+        setStatus(device, reaction.status);
     }
 }
 
@@ -188,10 +203,7 @@ void World::react(Device& device, const std::vector<Change>& causes, Touched& to
                 postLater(device, reaction);
                 continue;
             }
-            apply(device, reaction.changes, touched);
-            if (reaction.status >= 0 && reaction.status != device.status) {
-                setStatus(device, reaction.status);
-            }
+            applyReaction(device, reaction, touched);
         }
     }
 }
@@ -204,11 +216,8 @@ void World::postLater(const Device& reacting, const Reaction& reaction) {
             return;
         }
         Touched touched;
-        apply(*device, reaction.changes, touched);
+        applyReaction(*device, reaction, touched);
         tell(*device, touched);
-        if (reaction.status >= 0) {
-            setStatus(*device, reaction.status);
-        }
     };
     thread.post(0, job, std::chrono::milliseconds(reaction.afterMilliseconds));
 }

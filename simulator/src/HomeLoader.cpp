@@ -18,7 +18,7 @@ std::string readFile(const std::string& file) {
     std::ifstream stream(file, std::ios::binary);
     std::ostringstream text;
     if (!stream || !(text << stream.rdbuf())) {
-        throw HomeError(file, "file", "can't be read");
+        throw HomeError(file, "file", "can't be read, or is empty");
     }
     return text.str();
 }

@@ -140,6 +140,7 @@ private:
     using Touched = std::vector<std::pair<std::string, std::vector<std::string>>>;  // URIs with their properties
     static bool convert(const Device& device, const std::vector<Change>& changes, std::vector<Change>& converted);
     void apply(Device& device, const std::vector<Change>& changes, Touched& touched);
+    void applyReaction(Device& device, const Reaction& reaction, Touched& touched);
     void react(Device& device, const std::vector<Change>& causes, Touched& touched);
     void tell(const Device& device, const Touched& touched);
     void postLater(const Device& device, const Reaction& reaction);

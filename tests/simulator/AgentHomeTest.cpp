@@ -174,6 +174,8 @@ TEST_F(AgentHome, PlainTextsBecomeValuesOfTheDeclaredType) {
         {"washer", {stateUri, state, "Run"}, "\"Run\""},
         {"washer", {stateUri, state, "21"}, "\"21\""},
         {"washer", {stateUri, "x.com.norvane.da.remainingMinutes", "21"}, "21"},
+        {"washer", {stateUri, "x.com.norvane.da.remainingMinutes", "21.9"}, "21"},
+        {"washer", {stateUri, "x.com.norvane.da.remainingMinutes", "1e300"}, ""},
         {"washer", {stateUri, "x.com.norvane.da.remainingMinutes", "soon"}, ""},
         {"aircon", {"/temperatures/vs/0", "x.com.norvane.da.current", "24.5"}, "24.5"},
         {"coffee-plug", {"/switch/binary/vs/0", "value", "true"}, "true"},

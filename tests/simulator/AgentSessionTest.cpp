@@ -151,3 +151,36 @@ TEST_F(AgentSession, DisconnectFromACallbackReturns) {
     ASSERT_EQ(homeloom_core_get_scene_icon_list_async(client, onJsonDisconnect, this), 0);
     EXPECT_THAT(taken(), ElementsAre("0"));
 }
+
+TEST_F(AgentSession, ManyThreadsAtOnce) {
+    static std::atomic<int> answers;
+    answers = 0;
+    const auto count = [](int, const char*, const char*, void*) { ++answers; };
+    const auto countRemote = [](int, const char*, const char*, const char*, const char*, void*) { ++answers; };
+    const int rounds = 200;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&] {
+            homeloom_client_h own = nullptr;
+            ASSERT_EQ(homeloom_client_connect(
+                          &own, [](homeloom_client_error_e, homeloom_client_connection_state_e, void*) {}, nullptr),
+                      0);
+            while (homeloom_client_refresh_device_information(own) != 0) {
+                std::this_thread::yield();
+            }
+            for (int round = 0; round < rounds; ++round) {
+                agent.set("washer", "/course/vs/0", "x.com.norvane.da.course", std::to_string(round));
+                homeloom_core_get_scene_icon_list_async(own, count, nullptr);
+                homeloom_client_get_remote_attributes(own, "washer", "/course/vs/0", countRemote, nullptr);
+                agent.fault("homeloom_core_delete_device", Fault::fail(-1));
+                agent.clearFaults();
+            }
+            agent.waitIdle();
+            EXPECT_EQ(homeloom_client_disconnect(own), 0);
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(answers, 4 * 2 * rounds);
+}
