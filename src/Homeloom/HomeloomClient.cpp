@@ -18,6 +18,7 @@
 #include "Homeloom/CoreDevices/CoreDeviceHandler.h"
 #include "Homeloom/Devices/Device.h"
 #include "Homeloom/Devices/DeviceHandler.h"
+#include "Homeloom/ExternalService/ExternalServiceHandler.h"
 #include "Homeloom/Favorite/FavoriteHandler.h"
 #include "Homeloom/IR/IRHandler.h"
 #include "Homeloom/IoTHub/CHubHandler.h"
@@ -26,6 +27,7 @@
 #include "Homeloom/Scene/SceneHandler.h"
 #include "Homeloom/Tessel/TesselHandler.h"
 #include "Homeloom/UIMeta/Metadata.h"
+#include "Homeloom/WifiLocker/WifiLockerHandler.h"
 
 namespace VMFramework::HomeLoom {
 
@@ -53,14 +55,18 @@ HomeloomClient::HomeloomClient()
     : _hubHandler(std::make_unique<CHubHandler>()),
       _favoriteHandler(std::make_unique<FavoriteHandler>()),
       _irHandler(std::make_unique<IRHandler>()),
-      _activeUserEventHandler(std::make_unique<ActiveUserEventHandler>()) {
+      _activeUserEventHandler(std::make_unique<ActiveUserEventHandler>()),
+      _externalServiceHandler(std::make_shared<ExternalServiceHandler>()),
+      _wifiLockerHandler(std::make_shared<WifiLockerHandler>()) {
     makeReplaceableHandlers();
 }
 
 HomeloomClient::~HomeloomClient() {
     _isTerminating = true;
+    _wifiLockerHandler.reset();
     _coreDeviceHandler.Reset();
     _deviceHandler.Reset();
+    _externalServiceHandler.reset();
     _activeUserEventHandler.reset();
     _locationHandler.Reset();
     _irHandler.reset();
@@ -172,7 +178,6 @@ void HomeloomClient::deinitClient() {
             device->ClearTimers();
         }
         Metadata::GetInstance().StopLanguageWatch();
-        CallbackTokens::DropKept();
         HL_LOGI("deinitClient End");
     } catch (const std::exception& e) {
         HL_LOG_EXCEPTION(e);
@@ -237,6 +242,8 @@ void HomeloomClient::disconnectClient() {
     const std::lock_guard<std::mutex> gate(_connectGate);
     const int result = TesselHandler::GetInstance().Disconnect();
     HL_LOGI("homeloom_client_disconnect() ret : %d", result);
+    // The agent has dropped its pending calls, so nobody will come for what waits for their answers.
+    CallbackTokens::DropKept();
 }
 
 void HomeloomClient::startConnectionRetryTimer() {
@@ -622,7 +629,7 @@ void HomeloomClient::deregisterOCFCallback() {
     auto& agent = TesselHandler::GetInstance();
     agent.UnsetDeviceListUpdatedCb();
     agent.UnsetDeviceDetailListUpdatedCb();
-    agent.UnsetThirdPartyNotificationStatusUpdatedCb();
+    _externalServiceHandler->UnsetThirdPartyNotificationUpdateCb();
 }
 
 void HomeloomClient::registerSSECallback() {
@@ -640,11 +647,7 @@ void HomeloomClient::deregisterSSECallback() {
 // ---- Scheduling ----
 
 void HomeloomClient::AddJobToScheduler(std::function<void()> job, const std::string& name) {
-    try {
-        SGTMsgDispatcher::GetInstance().EnqueueData(std::move(job), name);
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    EnqueueOnScheduler(std::move(job), name);
 }
 
 void HomeloomClient::clearJobFromScheduler() {

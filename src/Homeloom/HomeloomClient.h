@@ -32,12 +32,14 @@ class CTransaction;
 class CameraDevice;
 class CoreDeviceHandler;
 class DeviceHandler;
+class ExternalServiceHandler;
 class FavoriteHandler;
 class IPropertyListHelper;
 class IRHandler;
 class LocationHandler;
 class RoutineHandler;
 class SceneHandler;
+class WifiLockerHandler;
 struct device_resource_info_struct;
 
 /// The session with the client agent: connects, follows the user's sign-in and the privacy disclaimer, owns the
@@ -331,8 +333,10 @@ private:
     std::unique_ptr<IRHandler> _irHandler;
     HandlerSlot<LocationHandler> _locationHandler;
     std::unique_ptr<ActiveUserEventHandler> _activeUserEventHandler;
+    std::shared_ptr<ExternalServiceHandler> _externalServiceHandler;
     HandlerSlot<DeviceHandler> _deviceHandler;
     HandlerSlot<CoreDeviceHandler> _coreDeviceHandler;
+    std::shared_ptr<WifiLockerHandler> _wifiLockerHandler;
 
     CTesselUpdateChecker _updateChecker;
     // Outermost: start, and what an update of the agent does, one at a time. Teardown sets the latch and passes the

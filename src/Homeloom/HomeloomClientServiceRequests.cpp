@@ -2,7 +2,9 @@
 
 #include "Common/CReporter.h"
 #include "Common/HLLog.h"
+#include "Homeloom/ExternalService/ExternalServiceHandler.h"
 #include "Homeloom/HomeloomClient.h"
+#include "Homeloom/WifiLocker/WifiLockerHandler.h"
 
 namespace VMFramework::HomeLoom {
 
@@ -15,29 +17,32 @@ void LogNotServed(const char* service) {
 
 }  // namespace
 
-void HomeloomClient::SetThirdPartyNotification(const Transaction&, const std::string&, const std::string&,
-                                               const std::string&, const std::string&) {
+// The profile operations serve these two: the agent's own registration of the same name has no caller.
+void HomeloomClient::SetThirdPartyNotification(const Transaction& transaction, const std::string& provider,
+                                               const std::string& regId, const std::string& appId,
+                                               const std::string& locale) {
     if (!isSkippedWithoutAgent()) {
-        LogNotServed("push notification");
+        _externalServiceHandler->SetNotificationProfile(transaction, provider, regId, appId, locale);
     }
 }
 
-void HomeloomClient::GetThirdPartyNotification(const Transaction&) {
+void HomeloomClient::GetThirdPartyNotification(const Transaction& transaction) {
     if (!isSkippedWithoutAgent()) {
-        LogNotServed("push notification");
+        _externalServiceHandler->GetNotificationProfile(transaction);
     }
 }
 
-void HomeloomClient::SetThirdPartyNotificationStatus(const Transaction&, const std::string&) {
+void HomeloomClient::SetThirdPartyNotificationStatus(const Transaction& transaction,
+                                                     const std::string& blockDeviceIds) {
     if (!isSkippedWithoutAgent()) {
-        LogNotServed("push notification");
+        _externalServiceHandler->SetThirdPartyNotificationStatus(transaction, blockDeviceIds);
     }
 }
 
-void HomeloomClient::GetThridPartyNotificationStatus(const Transaction&) {
+void HomeloomClient::GetThridPartyNotificationStatus(const Transaction& transaction) {
     // This one logs and returns where the others of its guard throw.
     if (isClientAvailable()) {
-        LogNotServed("push notification");
+        _externalServiceHandler->GetThirdPartyNotificationStatus(transaction);
     }
 }
 
@@ -49,12 +54,12 @@ void HomeloomClient::GetEnergyInfo(const Transaction&, const std::string&) {
     LogNotServed("energy");
 }
 
-void HomeloomClient::GetWifiLockerUserSetting(const Transaction&) {
-    LogNotServed("locker");
+void HomeloomClient::GetWifiLockerUserSetting(const Transaction& transaction) {
+    _wifiLockerHandler->GetWifiLockerUserSetting(transaction);
 }
 
-void HomeloomClient::SetWifiLockerUserSetting(const Transaction&, const std::string&) {
-    LogNotServed("locker");
+void HomeloomClient::SetWifiLockerUserSetting(const Transaction& transaction, const std::string& settingJson) {
+    _wifiLockerHandler->SetWifiLockerUserSetting(transaction, settingJson);
 }
 
 void HomeloomClient::OnboardIrDevice(const Transaction&, const std::shared_ptr<IPropertyListHelper>&) {

@@ -198,4 +198,12 @@ void MsgDispatcher::dispatchUntilQuit() {
     ClearData();
 }
 
+void EnqueueOnScheduler(ThreadJob job, const std::string& name) noexcept {
+    try {
+        SGTMsgDispatcher::GetInstance().EnqueueData(std::move(job), name);
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+    }
+}
+
 }  // namespace VMFramework::HomeLoom

@@ -89,6 +89,10 @@ class SGTMsgDispatcher : public MsgDispatcher, public CSingleton<SGTMsgDispatche
     SGTMsgDispatcher() : MsgDispatcher("SGTMsgDispatcher") {}
 };
 
+/// Queues a job on the scheduler. Never throws: a job that can't be queued is logged and lost, and an agent callback
+/// must not end in an exception.
+void EnqueueOnScheduler(ThreadJob job, const std::string& name) noexcept;
+
 }  // namespace VMFramework::HomeLoom
 
 #endif

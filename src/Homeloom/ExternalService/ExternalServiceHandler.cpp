@@ -1,0 +1,223 @@
+#include "Homeloom/ExternalService/ExternalServiceHandler.h"
+
+#include <exception>
+#include <utility>
+
+#include <VMFramework/JsonValue.h>
+
+#include "Common/CReporter.h"
+#include "Common/HLLog.h"
+#include "Homeloom/Common/AgentResponse.h"
+#include "Homeloom/Common/CallbackTokens.h"
+#include "Homeloom/Common/MsgDispatcher.h"
+#include "Homeloom/Common/UserTransactionData.h"
+#include "Homeloom/Tessel/TesselHandler.h"
+
+namespace VMFramework::HomeLoom {
+
+namespace {
+
+/// The transaction that a callback answers, or nothing: the callback came twice, or without user data.
+std::shared_ptr<UserTransactionData> TakeRequest(void* userData) {
+    if (userData == nullptr) {
+        HL_LOGE("user_data is null!");
+        return nullptr;
+    }
+    return CallbackTokens::Take<UserTransactionData>(userData);
+}
+
+void ReportSetNotification(const std::shared_ptr<CTransaction>& transaction, bool result) {
+    SetThirdPartyNotificationParam param(transaction);
+    param.result = result;
+    Reporter::Report(param);
+}
+
+void ReportSetStatus(const std::shared_ptr<CTransaction>& transaction, bool result) {
+    SetThirdPartyNotificationStatusParam param(transaction);
+    param.result = result;
+    Reporter::Report(param);
+}
+
+void ReportStatus(const std::shared_ptr<CTransaction>& transaction, bool result, const std::string& blockList) {
+    GetThirdPartyNotificationStatusParam param(transaction);
+    param.result = result;
+    param.blockDeviceIds = blockList;
+    Reporter::Report(param);
+}
+
+}  // namespace
+
+// ---- Push profile ----
+
+void ExternalServiceHandler::SetNotificationProfile(const std::shared_ptr<CTransaction>& transaction,
+                                                    const std::string& provider, const std::string& regId,
+                                                    const std::string& appId, const std::string& locale) {
+    std::string errorMessage;
+    std::string response;
+    const int ret =
+        TesselHandler::GetInstance().SetNotificationProfile(provider, regId, appId, locale, errorMessage, response);
+    HL_LOGI("SetNotificationProfile ret : %d, error_message : %s, response_json : %s", ret, errorMessage.c_str(),
+            response.c_str());
+    // The platform's own word decides, not the call's result.
+    ReportSetNotification(transaction, GetResponseMessage(response) == kResponseSuccess);
+}
+
+void ExternalServiceHandler::GetNotificationProfile(const std::shared_ptr<CTransaction>& transaction) {
+    GetThirdPartyNotificationParam param(transaction);
+    std::string errorMessage;
+    const int ret = TesselHandler::GetInstance().GetNotificationProfile(errorMessage, param.pushProvider,
+                                                                        param.pushRegId, param.pushAppId, param.locale);
+    HL_LOGI(
+        "GetNotificationProfile ret : %d, error_message : %s, push_provider : %s, push_reg_id : %s, push_app_id : %s, "
+        "locale : %s",
+        ret, errorMessage.c_str(), param.pushProvider.c_str(), param.pushRegId.c_str(), param.pushAppId.c_str(),
+        param.locale.c_str());
+    param.result = ret == 0;
+    Reporter::Report(param);
+}
+
+// ---- Registration with the agent ----
+
+void ExternalServiceHandler::SetThirdPartyNotification(const std::shared_ptr<CTransaction>& transaction,
+                                                       const std::string& provider, const std::string& regId,
+                                                       const std::string& appId, const std::string& locale) {
+    auto& agent = TesselHandler::GetInstance();
+    void* token = requestToken(transaction);
+    int ret =
+        agent.SetThirdPartyNotification(provider, regId, appId, locale, _HomeLoomClientThirdPartyNotification, token);
+    HL_LOGI("set noti ret : %d", ret);
+    if (ret != 0) {
+        CallbackTokens::Take<UserTransactionData>(token);
+        ReportSetNotification(transaction, false);
+        return;
+    }
+    ret = agent.SetThirdPartyNotificationStatusUpdatedCb(_HomeLoomClientThirdPartyNotificationStatusUpdated,
+                                                         CallbackTokens::Watch(weak_from_this()));
+    HL_LOGI("set noti update cb ret : %d", ret);
+}
+
+void ExternalServiceHandler::UnsetThirdPartyNotificationUpdateCb() {
+    TesselHandler::GetInstance().UnsetThirdPartyNotificationStatusUpdatedCb();
+}
+
+void ExternalServiceHandler::_HomeLoomClientThirdPartyNotification(bool result, void* userData) {
+    HL_LOGI("result : %d", result);
+    if (const auto request = TakeRequest(userData)) {
+        EnqueueOnScheduler([transaction = request->transaction, result] { ReportSetNotification(transaction, result); },
+                           "_HomeLoomClientThirdPartyNotification");
+    }
+}
+
+void ExternalServiceHandler::_HomeLoomClientThirdPartyNotificationStatusUpdated(void* userData) {
+    if (userData == nullptr) {
+        HL_LOGE("user_data is null!");
+        return;
+    }
+    EnqueueOnScheduler(
+        [] {
+            HL_LOGI("_HomeLoomClientThirdPartyNotificationStatusUpdated, report to app");
+            ThirdPartyNotificationStatusUpdatedParam param(nullptr);
+            Reporter::Report(param);
+        },
+        "_HomeLoomClientThirdPartyNotificationStatusUpdated");
+}
+
+// ---- Block list ----
+
+void ExternalServiceHandler::SetThirdPartyNotificationStatus(const std::shared_ptr<CTransaction>& transaction,
+                                                             const std::string& blockListJson) {
+    std::vector<std::string> deviceIds;
+    if (!convertJsonToBlockDeviceIds(blockListJson, deviceIds)) {
+        ReportSetStatus(transaction, false);
+        return;
+    }
+    void* token = requestToken(transaction);
+    const int ret = TesselHandler::GetInstance().SetThirdPartyNotificationStatus(
+        deviceIds, _HomeLoomClientSetThirdPartyNotificationStatus, token);
+    HL_LOGI("set noti status ret : %d", ret);
+    if (ret != 0) {
+        CallbackTokens::Take<UserTransactionData>(token);
+        ReportSetStatus(transaction, false);
+    }
+}
+
+void ExternalServiceHandler::_HomeLoomClientSetThirdPartyNotificationStatus(bool result, void* userData) {
+    HL_LOGI("result : %d", result);
+    if (const auto request = TakeRequest(userData)) {
+        EnqueueOnScheduler([transaction = request->transaction, result] { ReportSetStatus(transaction, result); },
+                           "_HomeLoomClientSetThirdPartyNotificationStatus");
+    }
+}
+
+void ExternalServiceHandler::GetThirdPartyNotificationStatus(const std::shared_ptr<CTransaction>& transaction) {
+    void* token = requestToken(transaction);
+    const int ret = TesselHandler::GetInstance().GetThirdPartyNotificationStatus(
+        _HomeLoomClientGetThirdPartyNotificationStatus, token);
+    HL_LOGI("get noti status ret : %d", ret);
+    if (ret != 0) {
+        CallbackTokens::Take<UserTransactionData>(token);
+        ReportStatus(transaction, false, "");
+    }
+}
+
+void ExternalServiceHandler::_HomeLoomClientGetThirdPartyNotificationStatus(int error, bool, char** deviceIds,
+                                                                            int count, void* userData) {
+    HL_LOGI("result : %d", error);
+    const auto request = TakeRequest(userData);
+    if (!request) {
+        return;
+    }
+    EnqueueOnScheduler(
+        [transaction = request->transaction, error, json = convertBlockDeviceIdsToJson(deviceIds, count)] {
+            HL_LOGI("_HomeLoomClientGetThirdPartyNotificationStatus() result : %d, device_ids : %s", error,
+                    json.c_str());
+            ReportStatus(transaction, error == 0, json);
+        },
+        "_HomeLoomClientGetThirdPartyNotificationStatus");
+}
+
+std::string ExternalServiceHandler::convertBlockDeviceIdsToJson(char** deviceIds, int count) {
+    if (deviceIds == nullptr || count <= 0) {
+        HL_LOGI("block devices size is 0");
+        return {};
+    }
+    try {
+        auto array = json::JsonValue::CreateArray();
+        for (int i = 0; i < count; ++i) {
+            if (deviceIds[i] != nullptr) {
+                HL_LOGI("convert_black_device_id : %s", deviceIds[i]);
+                array.append(deviceIds[i]);
+            }
+        }
+        std::string json = array.toString();
+        HL_LOGI("json_device_ids : %s", json.c_str());
+        return json;
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+        return {};
+    }
+}
+
+bool ExternalServiceHandler::convertJsonToBlockDeviceIds(const std::string& json, std::vector<std::string>& deviceIds) {
+    try {
+        const auto array = json::JsonValue::Create(json);
+        if (!array.isArray()) {
+            HL_LOGE("block list is no array");
+            return false;
+        }
+        for (std::size_t i = 0; i < array.size(); ++i) {
+            deviceIds.push_back(array[i].asString());
+            HL_LOGI("block_device_id : %s", deviceIds.back().c_str());
+        }
+        return true;
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+        return false;
+    }
+}
+
+void* ExternalServiceHandler::requestToken(const std::shared_ptr<CTransaction>& transaction) {
+    return CallbackTokens::Keep(std::make_shared<UserTransactionData>(weak_from_this(), transaction));
+}
+
+}  // namespace VMFramework::HomeLoom
