@@ -1,0 +1,75 @@
+#include <gmock/gmock.h>
+
+#include "HomeView.h"
+#include "JsonOutput.h"
+
+using namespace homeloom::tv;
+
+namespace {
+
+Report list() {
+    EndpointRecord room;
+    room.deviceId = "home";
+    room.deviceType = "homeloom-dummy";
+    room.extraData = {{"location_id", "home"}, {"room_info", R"([{"room_id":"r1","room_name":"Kitchen"}])"}};
+    EndpointRecord washer;
+    washer.deviceId = "washer";
+    washer.deviceType = "homeloom-device";
+    washer.subDeviceType = "oic.d.washer";
+    washer.extraData = {{"nick", "Washer"}, {"state_text", "Ready"}, {"active_state", 0}, {"action_state", "play"}};
+    EndpointRecord scene;
+    scene.deviceId = "s1";
+    scene.interfaceType = "homeloom-scene";
+    scene.extraData = {{"scene_json_data", R"({"name":"Good Night","locationId":"home"})"}};
+    Report report;
+    report.kind = Report::Kind::DeviceList;
+    report.endpoints = {scene, room, washer};
+    return report;
+}
+
+Report notify(const std::string& name, Fields properties) {
+    Report report;
+    report.name = name;
+    report.properties = std::move(properties);
+    return report;
+}
+
+TEST(HomeView, SortsAListAndFollowsStates) {
+    HomeView home;
+    home.apply(list());
+    ASSERT_EQ(home.locations().size(), 1u);
+    EXPECT_EQ(home.locations()[0].rooms[0].name, "Kitchen");
+    EXPECT_EQ(home.scenes()[0].name, "Good Night");
+    ASSERT_NE(home.device("washer"), nullptr);
+    EXPECT_EQ(home.device("washer")->look(), "off");
+
+    home.apply(
+        notify("hl_device_state_updated",
+               {{"device_id", "washer"}, {"state_text", "Washing"}, {"active_state", 1}, {"running_state", true}}));
+    EXPECT_EQ(home.device("washer")->stateText(), "Washing");
+    EXPECT_EQ(home.device("washer")->look(), "on, running");
+    // Empty texts aren't sent: a key that is absent has become empty.
+    EXPECT_EQ(home.device("washer")->mainAction(), "");
+    home.apply(notify("hl_device_state_updated", {{"device_id", "stranger"}}));
+    EXPECT_EQ(home.devices().size(), 1u);
+
+    home.apply(notify("sign_in_state_changed", {{"is_sign_in", true}}));
+    EXPECT_TRUE(home.isKnown());
+    home.apply(notify("sign_in_state_changed", {{"is_sign_in", false}}));
+    EXPECT_FALSE(home.isKnown());
+    EXPECT_TRUE(home.devices().empty());
+}
+
+TEST(JsonLine, KeepsOrderTypesAndRepeatedKeys) {
+    Report report = notify("hl_x", {{"b", true}, {"a", 7}, {"t", "7 \"°\""}, {"a", "again"}});
+    EXPECT_EQ(jsonLine(report),
+              R"({"call":"notify","name":"hl_x","properties":{"b":true,"a":7,"t":"7 \"°\"","a":"again"}})");
+    report.kind = Report::Kind::Result;
+    report.transaction = 3;
+    report.properties = {};
+    EXPECT_EQ(jsonLine(report), R"({"call":"result","name":"hl_x","request":3,"properties":{}})");
+    EXPECT_THAT(jsonLine(list()), ::testing::StartsWith(R"({"call":"device_list","endpoints":[{"interface_type":)"
+                                                        R"("homeloom-scene","device_id":"s1","extra_data":)"));
+}
+
+}  // namespace

@@ -1,0 +1,253 @@
+#include <glib.h>
+#include <gmock/gmock.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <sstream>
+
+#include <VMFramework/JsonValue.h>
+
+#include "RequestTable.h"
+
+using namespace homeloom::tv;
+using ::testing::HasSubstr;
+using ::testing::Not;
+using VMFramework::json::JsonValue;
+
+namespace {
+
+struct Finished {
+    int status = -1;
+    std::string output;  // standard output and error
+};
+
+class Folder {
+public:
+    Folder() : _path(g_dir_make_tmp("homeloom-tv-XXXXXX", nullptr), g_free) {}
+    ~Folder() { std::filesystem::remove_all(_path.get()); }
+    std::string write(const std::string& name, const std::string& text) const {
+        const auto file = std::filesystem::path(_path.get()) / name;
+        std::ofstream(file) << text;
+        return file.string();
+    }
+
+private:
+    std::unique_ptr<char, decltype(&g_free)> _path;
+};
+
+std::string quoted(const std::string& text) {
+    const std::unique_ptr<char, decltype(&g_free)> result(g_shell_quote(text.c_str()), g_free);
+    return result.get();
+}
+
+// Runs the program with arguments and standard input.
+Finished run(const std::vector<std::string>& arguments, const std::string& input = "") {
+    const Folder folder;
+    std::string command = quoted(HOMELOOM_TV_PROGRAM);
+    for (const std::string& argument : arguments) {
+        command += " " + quoted(argument);
+    }
+    command += " 2>&1 <" + quoted(folder.write("input", input));
+    FILE* const pipe = popen(command.c_str(), "r");
+    Finished result;
+    char bytes[4096];
+    for (std::size_t count = 0; (count = std::fread(bytes, 1, sizeof bytes, pipe)) > 0;) {
+        result.output.append(bytes, count);
+    }
+    const int status = pclose(pipe);
+    result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return result;
+}
+
+Finished runCommands(std::vector<std::string> commands, std::vector<std::string> arguments = {}) {
+    for (std::string& command : commands) {
+        arguments.insert(arguments.end(), {"--exec", std::move(command)});
+    }
+    return run(arguments);
+}
+
+std::vector<JsonValue> documents(const std::string& output) {
+    std::vector<JsonValue> result;
+    std::istringstream lines(output);
+    for (std::string line; std::getline(lines, line);) {
+        result.push_back(JsonValue::Create(line));
+        EXPECT_TRUE(result.back().isObject()) << line;
+    }
+    return result;
+}
+
+// The part of a transcript that belongs to one command, its own line left out.
+std::string saidBy(const Finished& run, const std::string& command) {
+    const std::size_t start = run.output.find("> " + command + "\n");
+    if (start == std::string::npos) {
+        return "(no such command)";
+    }
+    const std::size_t text = run.output.find('\n', start) + 1;
+    return run.output.substr(text, run.output.find("\n> ", text - 1) - text);
+}
+
+TEST(Program, ShowsTheHomeAndTakesCommandsFromAPipe) {
+    const Finished result = run({}, "# a comment\n\ndevice washer\n  scenes\nquit\nrooms\n");
+    EXPECT_EQ(result.status, 0) << result.output;
+    EXPECT_THAT(result.output, HasSubstr("The plug-in is available.\n"));
+    EXPECT_THAT(result.output, HasSubstr("Home  (yours, OWNER)\n"));
+    EXPECT_THAT(result.output, HasSubstr("Parents' House  (Jun's, MEMBER)\n"));
+    EXPECT_THAT(result.output, HasSubstr("  Laundry Room\n"));
+    EXPECT_THAT(result.output, ::testing::ContainsRegex("    Washer +Ready +off +PlayPauseButton +washer.svg\n"));
+    EXPECT_THAT(result.output,
+                ::testing::ContainsRegex("    Air Conditioner +Cooling · 24°C +on, running +ToggleSwitch"));
+    EXPECT_THAT(saidBy(result, "device washer"), ::testing::ContainsRegex("state_text +Ready\n"));
+    EXPECT_THAT(saidBy(result, "scenes"), ::testing::ContainsRegex("good-night +Good Night +Home\n"));
+    EXPECT_THAT(result.output, Not(HasSubstr("> rooms"))) << "nothing runs after quit";
+    EXPECT_THAT(result.output, Not(HasSubstr("\033"))) << "no colours in a pipe";
+}
+
+TEST(Program, RunsMainActionsAndShowsWhatTheyCause) {
+    const Finished result = runCommands({"do washer", "do Reading Lamp", "sim set washer state=Ready",
+                                         "sim set bedside-button button=pushed", "watch 2", "sim sign-out", "devices",
+                                         "sim sign-in", "do washer"});
+    EXPECT_EQ(saidBy(result, "do washer"),
+              "result   hl_do_main_action  result=true device_id=washer\n"
+              "state    Washer: Washing · 42 min left (on, running; PlayPauseButton play)");
+    EXPECT_THAT(saidBy(result, "do Reading Lamp"), HasSubstr("Reading Lamp: On (on"));
+    EXPECT_EQ(saidBy(result, "sim set washer state=Ready"), "state    Washer: Ready (off; PlayPauseButton)");
+    EXPECT_THAT(saidBy(result, "sim set bedside-button button=pushed"), HasSubstr("Bedside Button: Pressed (on)"));
+    EXPECT_THAT(saidBy(result, "watch 2"), HasSubstr("Bedside Button: Ready (off)"));
+    EXPECT_EQ(saidBy(result, "sim sign-out"), "account  signed out");
+    EXPECT_EQ(saidBy(result, "devices"), "failed: the plug-in has reported no home");
+    EXPECT_THAT(saidBy(result, "sim sign-in"), HasSubstr("home     33 devices, 2 locations, 3 scenes, 3 routines"));
+    EXPECT_EQ(result.status, 1) << "one command failed";
+}
+
+TEST(Program, KeepsStillUntilTheDisclaimerIsAccepted) {
+    const Finished result =
+        runCommands({"rooms", "sim calls", "sim disclaimer on", "do washer"}, {"--disclaimer", "off"});
+    EXPECT_THAT(result.output, HasSubstr("The disclaimer is not accepted"));
+    EXPECT_EQ(saidBy(result, "rooms"), "failed: the plug-in has reported no home");
+    EXPECT_THAT(saidBy(result, "sim calls"), Not(HasSubstr("homeloom_client_connect")));
+    EXPECT_THAT(saidBy(result, "sim disclaimer on"), HasSubstr("plug-in  available"));
+    EXPECT_THAT(saidBy(result, "do washer"), HasSubstr("Washing"));
+}
+
+TEST(Program, TellsWhyACommandFails) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"do wahser", "failed: there is no device \"wahser\"; near: washer"},
+        {"do", "failed: which device?"},
+        {"dance", "failed: there is no command \"dance\""},
+        {"sim dance", "failed: there is no command \"sim dance\""},
+        {"sim sign-uot", "near: sim sign-out"},
+        {"sim agent broken", "failed: usage: sim agent connected|disconnected|rejected|io-error|updating"},
+        {"sim set washer colour=red", "failed: washer has no property \"colour\"; it has:"},
+        {"sim fail homeloom_client_conect -1", "near: homeloom_client_connect"},
+        {"request hl_move_devices devices_size=x", "failed: devices_size takes a whole number, not \"x\""},
+        {"request hl_get_property device_id=washer", "failed: there is no request hl_get_property"},
+        {"request hl_execute_scene location_id=home scene_id=none", "failed: the plug-in could not do it"},
+        {"request --raw hl_get_property device_id=washer", "failed: no answer came"},
+        {"do \"washer", "failed: the quote \" has no end"},
+        {"do dryer x y", "failed: usage: do DEVICE [ACTION_URL]"},
+    };
+    std::vector<std::string> commands;
+    for (const auto& [command, message] : cases) {
+        commands.emplace_back(command);
+    }
+    const Finished result = runCommands(commands);
+    EXPECT_EQ(result.status, 1);
+    for (const auto& [command, message] : cases) {
+        EXPECT_THAT(saidBy(result, command), HasSubstr(message));
+    }
+    const Finished held =
+        runCommands({"sim delay set_remote_attributes 31s", "do washer", "sim hurry"}, {"--limit", "100ms"});
+    EXPECT_EQ(held.status, 1);
+    EXPECT_EQ(saidBy(held, "do washer"), "failed: no answer came within 100 ms");
+    EXPECT_THAT(saidBy(held, "sim hurry"), HasSubstr("Washer: Washing"));
+}
+
+TEST(Program, RefusesWhatItCannotBeginWith) {
+    const Folder folder;
+    const std::string script = folder.write("script", "sim set washer state=Run\nsim faults\n");
+    EXPECT_EQ(run({"--script", script}).status, 0);
+    const std::string noJson = folder.write("no.json", "{\n  \"account\": ,\n");
+    const std::string wrongType = folder.write("wrong.json", R"({"account": 3})");
+    const std::pair<std::vector<std::string>, std::string> cases[] = {
+        {{"--home", noJson}, "homeloom-tv: " + noJson + ": line 2, column "},
+        {{"--home", wrongType}, "homeloom-tv: " + wrongType + ": account: expected an object, found a number\n"},
+        {{"--home", "/nowhere.json"}, "homeloom-tv: /nowhere.json: "},
+        {{"--script", "/nowhere"}, "homeloom-tv: there is no script /nowhere\n"},
+        {{"--plugin", wrongType}, "homeloom-tv: the plug-in can't be loaded: "},
+        {{"--generate", "0"}, "--generate"},
+        {{"--settled"}, "--json"},
+        {{"--log", "loud"}, "--log"},
+        {{"--dance"}, "--dance"}};
+    for (const auto& [arguments, message] : cases) {
+        const Finished result = run(arguments);
+        EXPECT_EQ(result.status, 2) << arguments[0];
+        EXPECT_THAT(result.output, HasSubstr(message));
+        EXPECT_THAT(result.output, Not(HasSubstr("The plug-in is")));
+    }
+}
+
+TEST(Program, WritesEachCallAsJson) {
+    const Finished result = runCommands({"do washer", "do nothing"}, {"--json"});
+    EXPECT_EQ(result.status, 1);
+    std::map<std::string, int> calls;
+    std::vector<JsonValue> ofCommands;
+    for (const JsonValue& document : documents(result.output)) {
+        const std::string call = document["call"].asString();
+        ++calls[call];
+        if (call == "load_result") {
+            EXPECT_EQ(document.toString(), R"({"call":"load_result","plugin":"homeloom","status":0})");
+        } else if (call == "result" || !document["command"].isNull()) {
+            ofCommands.push_back(document);
+        }
+    }
+    EXPECT_EQ(calls["load_result"], 1);
+    EXPECT_EQ(calls["device_list"], 2) << "one early, one complete; nobody asked for more";
+    EXPECT_GE(calls["notify"], 30);
+    ASSERT_EQ(ofCommands.size(), 3u);
+    EXPECT_EQ(
+        ofCommands[0].toString(),
+        R"({"call":"result","name":"hl_do_main_action","request":1,"properties":{"result":true,"device_id":"washer"}})");
+    EXPECT_EQ(ofCommands[1].toString(), R"({"command":"do washer","succeeded":true,"output":[]})");
+    EXPECT_EQ(ofCommands[2]["succeeded"].toString(), "false");
+}
+
+TEST(Program, ComparesSettledRuns) {
+    const auto transcript = [] {
+        const Finished result = runCommands({"do washer", "do hub-plug", "sim set dryer state=Ready", "sim sign-out"},
+                                            {"--json", "--settled"});
+        EXPECT_EQ(result.status, 0) << result.output;
+        // The home as it stood after the start has its own tests.
+        return result.output.substr(result.output.find("\n{\"home\":"));
+    };
+    const auto withoutHome = [](const std::string& text) { return text.substr(text.find('\n', 1)); };
+    const std::string first = transcript();
+    EXPECT_EQ(withoutHome(first), withoutHome(transcript()));
+    EXPECT_THAT(first, HasSubstr(R"("id":"washer","name":"Washer","nick":"Washer","type":"oic.d.washer",)"));
+}
+
+TEST(Program, SendsEveryRequestByItsName) {
+    std::vector<std::string> commands;
+    for (const RequestSpec& spec : requestTable()) {
+        commands.push_back("request " + spec.name + " " + spec.example);
+    }
+    commands.push_back("sim hurry");
+    const Finished result = runCommands(commands, {"--limit", "50ms", "--log", "info"});
+    for (const RequestSpec& spec : requestTable()) {
+        const std::string road = spec.overtakes ? "prior request : " : "normal request : ";
+        EXPECT_THAT(result.output, HasSubstr(road + spec.name + "\n"));
+    }
+    EXPECT_THAT(result.output, Not(HasSubstr("bad_function_call"))) << "a name that the plug-in doesn't know";
+    EXPECT_THAT(result.output, Not(HasSubstr("left behind")));
+}
+
+TEST(Program, BeginsWithAMadeUpHome) {
+    const Finished result = runCommands({"stats"}, {"--generate", "500"});
+    EXPECT_EQ(result.status, 0) << result.output;
+    EXPECT_THAT(saidBy(result, "stats"), HasSubstr("500 devices, 1 location"));
+}
+
+}  // namespace

@@ -1,0 +1,130 @@
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <functional>
+
+#include "CommandError.h"
+#include "DeviceNames.h"
+#include "RequestTable.h"
+#include "Text.h"
+#include "Words.h"
+
+using namespace homeloom::tv;
+
+namespace {
+
+std::string errorOf(const std::function<void()>& function) {
+    try {
+        function();
+    } catch (const CommandError& e) {
+        return e.what();
+    }
+    return "";
+}
+
+TEST(Words, SplitsAsPeopleWrite) {
+    const std::pair<std::string, Words> cases[] = {
+        {"", {}},
+        {"  do\twasher ", {"do", "washer"}},
+        {R"(device "living room" 'a "b"')", {"device", "living room", R"(a "b")"}},
+        {R"(x name="two words" y="a \"b\" \\" z=)", {"x", "name=two words", R"(y=a "b" \)", "z="}},
+        {R"(x j={"a": [1, "}"]} k=v)", {"x", R"(j={"a": [1, "}"]})", "k=v"}},
+        {R"(it's a"b c}d)", {"it's", "a\"b", "c}d"}},
+    };
+    for (const auto& [line, words] : cases) {
+        EXPECT_EQ(splitWords(line), words) << line;
+    }
+    for (const char* const line : {"say \"no end", "say 'no end", "x j={\"a\": [1}", "x [\"]"}) {
+        EXPECT_NE(errorOf([line] { splitWords(line); }), "") << line;
+    }
+    for (const std::string& word :
+         {std::string("plain"), std::string("two words"), std::string("\"\\"), std::string()}) {
+        EXPECT_EQ(splitWords("x " + quoteWord(word)), (Words{"x", word}));
+    }
+}
+
+TEST(Text, ReadsTimesAndNumbersAndCutsAtCharacters) {
+    EXPECT_EQ(parseDuration("31s"), std::chrono::milliseconds(31000));
+    EXPECT_EQ(parseDuration("1.5"), std::chrono::milliseconds(1500));
+    EXPECT_EQ(parseDuration("500ms"), std::chrono::milliseconds(500));
+    for (const char* const text : {"", "s", "-1", "5 h", "nan", "1e99"}) {
+        EXPECT_FALSE(parseDuration(text)) << text;
+    }
+    EXPECT_EQ(parseInt("-5"), -5);
+    EXPECT_FALSE(parseInt("5x"));
+    EXPECT_FALSE(parseInt("3000000000"));
+    std::setlocale(LC_CTYPE, "C.UTF-8");
+    EXPECT_EQ(displayWidth("세탁 24°C"), 9);
+    EXPECT_EQ(clipped("세탁 중", 4), "세…");
+}
+
+const NameLookup& lookup() {
+    static const NameLookup names("device", {{"washer", {"Washer", "Norvane Washer"}},
+                                             {"washer-2", {"Old Washer", "Norvane Washer"}},
+                                             {"cam", {"Living Room Camera", ""}},
+                                             {"lamp", {"", "washer"}}});
+    return names;
+}
+
+TEST(NameLookup, FindsByIdNickAndNameInAnyCase) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"washer", "washer"}, {"WASHER-2", "washer-2"}, {"old washer", "washer-2"}, {"Living room camera", "cam"}};
+    for (const auto& [name, id] : cases) {
+        EXPECT_EQ(lookup().find(name), id) << name;
+    }
+    std::size_t at = 1;
+    EXPECT_EQ(lookup().take({"do", "living", "room", "camera", "/url"}, at), "cam");
+    EXPECT_EQ(at, 4u);
+}
+
+TEST(NameLookup, TellsWhatIsNearOrAmbiguous) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"norvane washer", "\"norvane washer\" may be any of washer, washer-2: name it by its id"},
+        {"wahser", "there is no device \"wahser\"; near: washer (Norvane Washer)"},
+        {"camera", "there is no device \"camera\"; near: cam (Living Room Camera)"},
+        {"xyzzy", "there is no device \"xyzzy\""},
+        {"", "there is no device \"\""}};
+    for (const auto& [name, message] : cases) {
+        EXPECT_EQ(errorOf([&text = name] { lookup().find(text); }), message);
+    }
+}
+
+TEST(RequestTable, TypesArgumentsByTheRequestsKeys) {
+    const RequestSpec& move = *findRequest("hl_move_devices");
+    EXPECT_EQ(typedArguments(move, {"devices_size=2", "dev_ids=1,2"}),
+              (Fields{{"devices_size", 2}, {"dev_ids", "1,2"}}));
+    const RequestSpec& routine = *findRequest("hl_update_routine_enable_status");
+    EXPECT_EQ(typedArguments(routine, {"enable=true", "routine_id=7"}),
+              (Fields{{"enable", true}, {"routine_id", "7"}}));
+    EXPECT_EQ(guessedArguments({"a=true", "b=-7", "c=7x", "d=", "e=x=y"}),
+              (Fields{{"a", true}, {"b", -7}, {"c", "7x"}, {"d", ""}, {"e", "x=y"}}));
+
+    EXPECT_EQ(errorOf([&] { typedArguments(move, {"devices_size=two"}); }),
+              "devices_size takes a whole number, not \"two\"");
+    EXPECT_EQ(errorOf([&] { typedArguments(routine, {"enable=1"}); }), "enable takes true or false, not \"1\"");
+    EXPECT_EQ(errorOf([&] { typedArguments(move, {"dev_id=1"}); }),
+              "hl_move_devices has no argument dev_id; near: dev_ids");
+    EXPECT_EQ(errorOf([&] { typedArguments(move, {"washer"}); }), "\"washer\" is no key=value");
+}
+
+TEST(RequestTable, ExamplesFitTheirRequests) {
+    for (const RequestSpec& spec : requestTable()) {
+        EXPECT_EQ(errorOf([&spec] { typedArguments(spec, splitWords(spec.example)); }), "") << spec.name;
+    }
+}
+
+TEST(RequestTable, ReadsSuccessFromTheAnswer) {
+    const auto tells = [](const char* request, Fields answer) {
+        Report report;
+        report.properties = std::move(answer);
+        return tellsSuccess(findRequest(request), report);
+    };
+    EXPECT_TRUE(tells("hl_do_main_action", {{"result", true}, {"device_id", "x"}}));
+    EXPECT_FALSE(tells("hl_create_room", {{"create_room_result", false}, {"location_id", "x"}}));
+    EXPECT_TRUE(tells("hl_reset_hub", {}));
+    // A stream without a URL is a failure: an empty text is left out.
+    EXPECT_FALSE(tells("hl_get_avp_camera_url", {{"device_id", "x"}}));
+    EXPECT_TRUE(tells("hl_get_avp_camera_url", {{"device_id", "x"}, {"camera_stream_url", "rtsp://"}}));
+}
+
+}  // namespace

@@ -1,0 +1,73 @@
+#include "Arguments.h"
+
+#include <desktop/Log.h>
+#include <CLI/CLI.hpp>
+
+#include "Text.h"
+
+namespace homeloom::tv {
+
+namespace {
+
+std::string checkLevel(const std::string& text) {
+    log_priority priority = DLOG_ERROR;
+    return desktop::log::parsePriority(text, priority) ? "" : "is none of debug, info, warn, error";
+}
+
+std::string checkDuration(const std::string& text) {
+    return parseDuration(text) ? "" : "is no time: 5, 500ms, 2m";
+}
+
+}  // namespace
+
+std::variant<Arguments, int> parseArguments(int argc, char** argv) {
+    Arguments arguments;
+    std::string disclaimer = "on";
+    std::string level;
+    std::string limit;
+
+    CLI::App app("A desk TV: runs the HomeLoom plug-in with a simulated home behind it.", "homeloom-tv");
+    app.set_version_flag("--version", std::string("homeloom-tv ") + HOMELOOM_VERSION);
+    auto* const home =
+        app.add_option("--home", arguments.home, "The home to begin with; the apartment if none is given")
+            ->type_name("FILE");
+    app.add_option("--generate", arguments.generate, "Begin with a made-up home of that many devices")
+        ->type_name("N")
+        ->check(CLI::Range(1, 1000000))
+        ->excludes(home);
+    app.add_option("--script", arguments.script, "Run the commands of a file, one a line, and end")->type_name("FILE");
+    app.add_option("--exec", arguments.commands, "Run a command, and end; may be given more than once")
+        ->type_name("COMMAND")
+        ->allow_extra_args(false);
+    auto* const json =
+        app.add_flag("--json", arguments.json, "One JSON document a line for every call that the plug-in makes");
+    app.add_flag("--settled", arguments.settled,
+                 "With --json: what stands at the end of each command, in a fixed order, so that runs can be compared")
+        ->needs(json);
+    app.add_option("--disclaimer", disclaimer, "Whether the disclaimer is accepted at the start")
+        ->type_name("on|off")
+        ->check(CLI::IsMember({"on", "off"}));
+    app.add_option("--limit", limit, "How long a command waits for what it caused; 5s if not given")
+        ->type_name("TIME")
+        ->check(CLI::Validator(checkDuration, ""));
+    app.add_option("--log", level, "Write log lines from that level on to standard error")
+        ->type_name("LEVEL")
+        ->check(CLI::Validator(checkLevel, ""));
+    app.add_option("--plugin", arguments.plugin, "The plug-in to load; the one beside the program if none is given")
+        ->type_name("PATH");
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& e) {
+        return app.exit(e) == 0 ? kExitSuccess : kExitUsage;
+    }
+    arguments.disclaimer = disclaimer == "on";
+    if (!limit.empty()) {
+        arguments.limit = parseDuration(limit).value();
+    }
+    if (log_priority priority = DLOG_ERROR; desktop::log::parsePriority(level, priority)) {
+        arguments.log = priority;
+    }
+    return arguments;
+}
+
+}  // namespace homeloom::tv

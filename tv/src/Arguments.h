@@ -1,0 +1,36 @@
+#ifndef HOMELOOM_TV_ARGUMENTS_H
+#define HOMELOOM_TV_ARGUMENTS_H
+
+#include <chrono>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include <dlog.h>
+
+namespace homeloom::tv {
+
+inline constexpr int kExitSuccess = 0;
+inline constexpr int kExitFailure = 1;
+inline constexpr int kExitUsage = 2;
+
+struct Arguments {
+    std::string home;    // file; empty: the apartment
+    int generate = 0;    // devices of a made-up home; 0: none
+    std::string script;  // file; empty: none
+    std::vector<std::string> commands;
+    bool json = false;
+    bool settled = false;
+    bool disclaimer = true;
+    std::optional<log_priority> log;
+    std::string plugin;  // file; empty: the one beside the program
+    std::chrono::milliseconds limit{5000};
+};
+
+/// The command line's arguments; or the exit status with which it is all done, its text having been printed.
+std::variant<Arguments, int> parseArguments(int argc, char** argv);
+
+}  // namespace homeloom::tv
+
+#endif

@@ -1,0 +1,55 @@
+#ifndef HOMELOOM_TV_COMMAND_H
+#define HOMELOOM_TV_COMMAND_H
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "Words.h"
+
+namespace homeloom::tv {
+
+class Desk;
+
+/// What fits at one place of a command, for completion.
+struct Hint {
+    enum class Kind { Nothing, Device, Location, Room, Request, AgentFunction, Setting, Command, Choice };
+
+    Hint(Kind hintKind) : kind(hintKind) {}
+    Hint(std::vector<std::string> hintChoices) : kind(Kind::Choice), choices(std::move(hintChoices)) {}
+
+    Kind kind;
+    std::vector<std::string> choices;
+};
+
+struct Command {
+    std::string name;   // one word, or two for the other side: "sim set"
+    std::string usage;  // what follows the name
+    std::string summary;
+    Words examples;
+    /// Gets what follows the name. Throws CommandError when it fails.
+    std::function<void(Desk& desk, const Words& words)> run;
+    std::vector<Hint> hints;  // by place
+};
+
+/// All commands, in the order of the help.
+const std::vector<Command>& commandTable();
+
+/// The command at the start of the words; `at` becomes the number of words that name it. Throws CommandError.
+const Command& findCommand(const Words& words, std::size_t& at);
+
+/// Runs one line. Throws CommandError.
+void runCommand(Desk& desk, const std::string& line);
+
+// The families of which the table is made.
+std::vector<Command> viewCommands();
+std::vector<Command> requestCommands();
+std::vector<Command> deskCommands();
+std::vector<Command> simHomeCommands();
+std::vector<Command> simDeviceCommands();
+std::vector<Command> simSessionCommands();
+std::vector<Command> simFaultCommands();
+
+}  // namespace homeloom::tv
+
+#endif

@@ -1,0 +1,43 @@
+#ifndef HOMELOOM_TV_CONSOLE_H
+#define HOMELOOM_TV_CONSOLE_H
+
+#include <string>
+
+#include "Arguments.h"
+
+namespace homeloom::tv {
+
+class Desk;
+class Inbox;
+
+/// Shows the home, then takes commands from where the arguments say: from them, from a script, from a pipe, or from a
+/// person at the terminal.
+class Console {
+public:
+    Console(const Arguments& arguments, Desk& desk, Inbox& inbox, std::string title);
+
+    /// Returns whether all commands succeeded; those of a person always do, who has seen what came of them. Runs on a
+    /// thread of its own.
+    bool run();
+
+    /// Whether a person gives the commands.
+    static bool isInteractive(const Arguments& arguments);
+
+private:
+    void showStart();
+    void runArguments();
+    void runScript(const std::string& path);
+    void runPipe();
+    void runTerminal();
+    void runLine(const std::string& line);
+
+    const Arguments& _arguments;
+    Desk& _desk;
+    Inbox& _inbox;
+    const std::string _title;
+    bool _allSucceeded = true;
+};
+
+}  // namespace homeloom::tv
+
+#endif

@@ -1,0 +1,59 @@
+#ifndef HOMELOOM_TV_INBOX_H
+#define HOMELOOM_TV_INBOX_H
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <mutex>
+#include <vector>
+
+#include "Report.h"
+
+namespace homeloom::tv {
+
+/// What comes in from other threads for the one that runs the commands: the plug-in's reports, and the wish of the
+/// person at the keyboard to stop. One for the process.
+class Inbox {
+public:
+    Inbox();
+    ~Inbox();
+    Inbox(const Inbox&) = delete;
+    Inbox& operator=(const Inbox&) = delete;
+
+    /// The reports that came since the last call; waits that long for the first one, or for an interruption.
+    std::vector<ReportPtr> take(std::chrono::milliseconds wait = std::chrono::milliseconds(0));
+
+    /// Becomes readable when something came. takeWakeups() makes it unreadable again.
+    int wakeupFile() const { return _wakeupFile; }
+    void takeWakeups();
+
+    /// Ends the waiting of the command that runs.
+    void interrupt();
+    /// Whether there was an interruption since the last call.
+    bool takeInterruption() { return _interrupted.exchange(false); }
+    bool isInterrupted() const { return _interrupted; }
+
+    /// The program shall end: interrupts everything from now on.
+    void stop();
+    bool isStopped() const { return _stopped; }
+
+    /// Grows with every report and with every call that the plug-in makes to the agent.
+    std::uint64_t activity() const { return _activity; }
+
+private:
+    void wakeUp();
+
+    const int _wakeupFile;
+    int _listener = 0;
+    std::mutex _mutex;
+    std::condition_variable _came;
+    std::vector<ReportPtr> _reports;
+    std::atomic<bool> _interrupted{false};
+    std::atomic<bool> _stopped{false};
+    std::atomic<std::uint64_t> _activity{0};
+};
+
+}  // namespace homeloom::tv
+
+#endif

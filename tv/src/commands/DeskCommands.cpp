@@ -1,0 +1,114 @@
+#include <desktop/Log.h>
+#include <desktop/Settings.h>
+#include <fmt/format.h>
+
+#include "Command.h"
+#include "CommandError.h"
+#include "Desk.h"
+#include "Output.h"
+#include "Text.h"
+
+namespace homeloom::tv {
+
+namespace {
+
+namespace settings = desktop::settings;
+
+constexpr std::chrono::seconds kWatchTime{10};
+
+void watch(Desk& desk, const Words& words) {
+    if (words.size() > 1) {
+        throw UsageError();
+    }
+    const auto time = words.empty() ? kWatchTime : parseDuration(words[0]);
+    if (!time) {
+        throw CommandError(fmt::format("\"{}\" is no time: 5, 500ms, 2m", words[0]));
+    }
+    desk.watch(*time);
+}
+
+std::string settingText(const settings::Value& value) {
+    const int* const number = std::get_if<int>(&value);
+    return number != nullptr ? std::to_string(*number) : std::get<std::string>(value);
+}
+
+void listSettings(Desk& desk) {
+    Table table;
+    for (const std::string& key : settings::keys()) {
+        if (const auto value = settings::get(key)) {
+            table.add({key, settingText(*value)});
+        }
+    }
+    desk.out().say(table);
+}
+
+void setting(Desk& desk, const Words& words) {
+    if (words.empty()) {
+        listSettings(desk);
+    } else if (words.size() == 1) {
+        const auto value = settings::get(words[0]);
+        if (!value) {
+            throw CommandError(fmt::format("there is no setting {}", words[0]));
+        }
+        desk.out().say(settingText(*value));
+    } else if (words.size() == 2) {
+        desk.pump();
+        if (const auto number = parseInt(words[1])) {
+            settings::setInt(words[0], *number);
+        } else {
+            settings::setString(words[0], words[1]);
+        }
+        desk.settle();
+    } else {
+        throw UsageError();
+    }
+}
+
+void log(Desk&, const Words& words) {
+    if (words.size() != 1) {
+        throw UsageError();
+    }
+    log_priority priority = DLOG_ERROR;
+    if (words[0] == "off") {
+        desktop::log::off();
+    } else if (desktop::log::parsePriority(words[0], priority)) {
+        desktop::log::toStderr(priority);
+    } else {
+        throw CommandError(fmt::format("\"{}\" is no level: debug, info, warn, error, off", words[0]));
+    }
+}
+
+void quit(Desk& desk, const Words& words) {
+    if (!words.empty()) {
+        throw UsageError();
+    }
+    desk.quit();
+}
+
+}  // namespace
+
+std::vector<Command> deskCommands() {
+    return {
+        {"watch",
+         "[TIME]",
+         "shows what is reported during that time; 10 seconds if none is given",
+         {"watch 2", "watch 500ms"},
+         watch,
+         {}},
+        {"setting",
+         "[KEY [VALUE]]",
+         "shows the TV's settings, or one of them, or sets it; whole numbers are numbers",
+         {"setting db/menu_widget/language ko_KR.UTF-8"},
+         setting,
+         {Hint::Kind::Setting}},
+        {"log",
+         "LEVEL|off",
+         "writes log lines from that level on to standard error",
+         {"log info", "log off"},
+         log,
+         {Hint({"debug", "info", "warn", "error", "off"})}},
+        {"quit", "", "unloads the plug-in and ends", {"quit"}, quit, {}},
+    };
+}
+
+}  // namespace homeloom::tv

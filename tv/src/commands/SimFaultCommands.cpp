@@ -1,0 +1,212 @@
+#include <algorithm>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+#include <simulator/Agent.h>
+
+#include "Command.h"
+#include "CommandError.h"
+#include "Desk.h"
+#include "DeviceNames.h"
+#include "Output.h"
+#include "Text.h"
+
+namespace homeloom::tv {
+
+namespace {
+
+using simulator::Agent;
+using simulator::Fault;
+
+Agent& agent() {
+    return Agent::instance();
+}
+
+// Functions may be named without what all of them have in front.
+std::string functionNamed(const std::string& name) {
+    const auto& names = Agent::functionNames();
+    for (const char* const prefix : {"", "homeloom_client_", "homeloom_core_"}) {
+        if (std::binary_search(names.begin(), names.end(), prefix + name)) {
+            return prefix + name;
+        }
+    }
+    throw CommandError(fmt::format("the agent has no function {}{}", name, nearHint(nearTo(name, names))));
+}
+
+// The fault for the first function; a number at `countAt` says for how many calls.
+void setFault(const Words& words, std::size_t countAt, const Fault& fault) {
+    if (words.size() > countAt + 1 || words.size() < countAt) {
+        throw UsageError();
+    }
+    const auto times = words.size() > countAt ? parseInt(words[countAt]) : std::optional<int>(-1);
+    if (!times || *times == 0 || *times < -1) {
+        throw UsageError();
+    }
+    agent().fault(functionNamed(words[0]), *times > 0 ? fault.times(*times) : fault);
+}
+
+int codeOf(const Words& words) {
+    const auto code = words.size() > 1 ? parseInt(words[1]) : std::nullopt;
+    if (!code) {
+        throw UsageError();
+    }
+    return *code;
+}
+
+void fail(Desk&, const Words& words) {
+    setFault(words, 2, Fault::fail(codeOf(words)));
+}
+
+void answer(Desk&, const Words& words) {
+    setFault(words, 2, Fault::answer(codeOf(words)));
+}
+
+void delay(Desk&, const Words& words) {
+    const auto time = words.size() > 1 ? parseDuration(words[1]) : std::nullopt;
+    if (!time) {
+        throw UsageError();
+    }
+    setFault(words, 2, Fault::late(*time));
+}
+
+void drop(Desk&, const Words& words) {
+    setFault(words, 1, Fault::never());
+}
+
+void twice(Desk&, const Words& words) {
+    setFault(words, 1, Fault::twice());
+}
+
+std::string faultText(const Fault& fault) {
+    switch (fault.kind) {
+        case Fault::Kind::Fail:
+            return fmt::format("fails with {}", fault.code);
+        case Fault::Kind::Answer:
+            return fmt::format("answers {}", fault.code);
+        case Fault::Kind::Late:
+            return fmt::format("answers {} late", durationText(fault.delay));
+        case Fault::Kind::Never:
+            return "never answers";
+        case Fault::Kind::Twice:
+            return "answers twice";
+    }
+    return "";
+}
+
+void list(Desk& desk, const Words& words) {
+    if (!words.empty()) {
+        throw UsageError();
+    }
+    Table table;
+    for (const auto& [name, fault] : agent().faults()) {
+        table.add({name,
+                   faultText(fault),
+                   {fault.remaining < 0 ? "" : "for " + counted(static_cast<std::size_t>(fault.remaining), "call"),
+                    Tone::Dim}});
+    }
+    desk.out().say(table);
+}
+
+void clear(Desk& desk, const Words& words) {
+    if (words.size() > 1) {
+        throw UsageError();
+    }
+    desk.pump();
+    words.empty() ? agent().clearFaults() : agent().clearFault(functionNamed(words[0]));
+    desk.settle();
+}
+
+void hurry(Desk& desk, const Words& words) {
+    if (!words.empty()) {
+        throw UsageError();
+    }
+    desk.pump();
+    agent().hurry();
+    desk.settleOrSay();
+}
+
+void calls(Desk& desk, const Words& words) {
+    if (words.size() > 1) {
+        throw UsageError();
+    }
+    if (words == Words{"reset"}) {
+        agent().resetCalls();
+        return;
+    }
+    const std::string only = words.empty() ? "" : functionNamed(words[0]);
+    Table table;
+    for (const auto& [name, call] : agent().calls()) {
+        if (only.empty() || name == only) {
+            table.add({fmt::format("{:>5}", call.count),
+                       name,
+                       {fmt::format("{}", fmt::join(call.arguments, ", ")), Tone::Dim}});
+        }
+    }
+    desk.out().say(table);
+}
+
+void conditions(Desk& desk, const Words& words) {
+    if (!words.empty()) {
+        throw UsageError();
+    }
+    Table table;
+    for (const auto& condition : agent().conditions()) {
+        table.add({condition.appId, condition.deviceId, condition.uri, condition.property, condition.value});
+    }
+    desk.out().say(table);
+}
+
+}  // namespace
+
+std::vector<Command> simFaultCommands() {
+    const Hint function = Hint::Kind::AgentFunction;
+    return {
+        {"sim fail",
+         "FUNCTION CODE [CALLS]",
+         "has a function of the agent fail at once, and do nothing",
+         {"sim fail homeloom_core_execute_scene_async -5", "sim fail homeloom_client_connect -1 3"},
+         fail,
+         {function}},
+        {"sim answer",
+         "FUNCTION CODE [CALLS]",
+         "has a function do nothing and answer with that code",
+         {"sim answer homeloom_core_get_scene_list_async -5"},
+         answer,
+         {function}},
+        {"sim delay",
+         "FUNCTION TIME [CALLS]",
+         "has a function answer late",
+         {"sim delay homeloom_core_get_scene_list_async 31s"},
+         delay,
+         {function}},
+        {"sim drop",
+         "FUNCTION [CALLS]",
+         "has a function never answer",
+         {"sim drop get_scene_list_async"},
+         drop,
+         {function}},
+        {"sim twice",
+         "FUNCTION [CALLS]",
+         "has a function answer twice",
+         {"sim twice get_scene_list_async"},
+         twice,
+         {function}},
+        {"sim faults", "", "lists what was set so", {"sim faults"}, list, {}},
+        {"sim clear", "[FUNCTION]", "takes back one of them, or all", {"sim clear"}, clear, {function}},
+        {"sim hurry", "", "has all come now that is still to come later", {"sim hurry"}, hurry, {}},
+        {"sim calls",
+         "[FUNCTION|reset]",
+         "counts the plug-in's calls to the agent, with the last arguments",
+         {"sim calls", "sim calls get_scene_list_async", "sim calls reset"},
+         calls,
+         {function}},
+        {"sim conditions",
+         "",
+         "lists the app launch conditions that the plug-in set",
+         {"sim conditions"},
+         conditions,
+         {}},
+    };
+}
+
+}  // namespace homeloom::tv

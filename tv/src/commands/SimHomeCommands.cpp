@@ -1,0 +1,170 @@
+#include <fmt/format.h>
+#include <simulator/Agent.h>
+
+#include "Command.h"
+#include "CommandError.h"
+#include "Desk.h"
+#include "DeviceNames.h"
+#include "Lookups.h"
+#include "Words.h"
+
+namespace homeloom::tv {
+
+namespace {
+
+const Hint kWhat(Words{"device", "room", "location"});
+
+simulator::Agent& agent() {
+    return simulator::Agent::instance();
+}
+
+// What stands behind the part that was read: a name of any number of words.
+std::string nameFrom(const Words& words, std::size_t at) {
+    if (at >= words.size()) {
+        throw UsageError();
+    }
+    return joinWords(words, at);
+}
+
+// A new device begins as its model says, in the first location or in the room that is named.
+void addDevice(const Words& words) {
+    const simulator::Home home = agent().home();
+    if (words.size() < 3) {
+        throw UsageError();
+    }
+    const simulator::Model* const model = home.model(words[2]);
+    if (model == nullptr) {
+        Words vids;
+        for (const auto& [vid, known] : home.models) {
+            vids.push_back(vid);
+        }
+        throw CommandError(fmt::format("there is no model \"{}\"{}", words[2], nearHint(nearTo(words[2], vids))));
+    }
+    simulator::Device device;
+    for (const auto& other : home.devices) {
+        if (other.vid == model->vid) {
+            device = other;  // name, types and records of its kind
+        }
+    }
+    device.id = words[1];
+    device.nick = words[1];
+    device.vid = model->vid;
+    device.resources = model->resources;
+    device.status = simulator::Connected;
+    device.location = home.locations.empty() ? "" : home.locations.front().id;
+    device.room.clear();
+    if (words.size() > 3) {
+        device.room = roomLookup(home).takeAll(words, 3);
+        for (const auto& location : home.locations) {
+            for (const auto& room : location.rooms) {
+                device.location = room.id == device.room ? location.id : device.location;
+            }
+        }
+    }
+    if (!agent().addDevice(device)) {
+        throw CommandError(fmt::format("there is a device {} already", device.id));
+    }
+}
+
+void add(Desk& desk, const Words& words) {
+    desk.pump();
+    if (words.empty()) {
+        throw UsageError();
+    }
+    if (words[0] == "device") {
+        addDevice(words);
+    } else if (words[0] == "room") {
+        std::size_t at = 1;
+        const std::string location = locationLookup(agent().home()).take(words, at);
+        agent().addRoom(location, nameFrom(words, at));
+    } else if (words[0] == "location") {
+        agent().addLocation(nameFrom(words, 1));
+    } else {
+        throw UsageError();
+    }
+    desk.settleOrSay();
+}
+
+void remove(Desk& desk, const Words& words) {
+    desk.pump();
+    const std::string what = words.empty() ? "" : words[0];
+    if (what == "device") {
+        agent().removeDevice(deviceLookup(agent().home()).takeAll(words, 1));
+    } else if (what == "room") {
+        agent().removeRoom(roomLookup(agent().home()).takeAll(words, 1));
+    } else if (what == "location") {
+        agent().removeLocation(locationLookup(agent().home()).takeAll(words, 1));
+    } else {
+        throw UsageError();
+    }
+    desk.settleOrSay();
+}
+
+void rename(Desk& desk, const Words& words) {
+    desk.pump();
+    const std::string what = words.empty() ? "" : words[0];
+    std::size_t at = 1;
+    if (what == "device") {
+        const std::string id = deviceLookup(agent().home()).take(words, at);
+        agent().renameDevice(id, nameFrom(words, at));
+    } else if (what == "room") {
+        const std::string id = roomLookup(agent().home()).take(words, at);
+        agent().renameRoom(id, nameFrom(words, at));
+    } else if (what == "location") {
+        const std::string id = locationLookup(agent().home()).take(words, at);
+        agent().renameLocation(id, nameFrom(words, at));
+    } else {
+        throw UsageError();
+    }
+    desk.settleOrSay();
+}
+
+void move(Desk& desk, const Words& words) {
+    desk.pump();
+    const simulator::Home home = agent().home();
+    std::size_t at = 0;
+    const std::string device = deviceLookup(home).take(words, at);
+    const std::string room = roomLookup(home).takeAll(words, at);
+    for (const auto& location : home.locations) {
+        for (const auto& candidate : location.rooms) {
+            if (candidate.id == room) {
+                agent().moveDevice(device, location.id, room);
+            }
+        }
+    }
+    desk.settleOrSay();
+}
+
+}  // namespace
+
+std::vector<Command> simHomeCommands() {
+    using Kind = Hint::Kind;
+    return {
+        {"sim add",
+         "device ID VID [ROOM] | room LOCATION NAME | location NAME",
+         "adds something to the home",
+         {"sim add device washer-2 HL-WASHER-WF24 kitchen", "sim add room home Study"},
+         add,
+         {kWhat, Kind::Location}},
+        {"sim remove",
+         "device|room|location NAME",
+         "removes something from the home",
+         {"sim remove device dryer", "sim remove room laundry"},
+         remove,
+         {kWhat, Kind::Device}},
+        {"sim rename",
+         "device|room|location NAME NEW_NAME",
+         "gives something in the home another name",
+         {"sim rename device washer My Washer", "sim rename room laundry Washhouse"},
+         rename,
+         {kWhat, Kind::Device}},
+        {"sim move",
+         "DEVICE ROOM",
+         "moves a device to a room",
+         {"sim move washer kitchen"},
+         move,
+         {Kind::Device, Kind::Room}},
+    };
+}
+
+}  // namespace homeloom::tv

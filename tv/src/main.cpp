@@ -1,0 +1,144 @@
+#include <glib-unix.h>
+#include <glib.h>
+#include <langinfo.h>
+
+#include <clocale>
+#include <csignal>
+#include <cstring>
+#include <filesystem>
+#include <stdexcept>
+#include <thread>
+#include <variant>
+
+#include <desktop/Log.h>
+#include <fmt/format.h>
+#include <simulator/Agent.h>
+#include <simulator/HomeLoader.h>
+
+#include "Arguments.h"
+#include "Console.h"
+#include "Desk.h"
+#include "DeskSettings.h"
+#include "Inbox.h"
+#include "Output.h"
+#include "PluginHost.h"
+
+namespace {
+
+using namespace homeloom::tv;
+
+// The texts of a home are UTF-8. Numbers stay as programs write them.
+void useUtf8() {
+    std::setlocale(LC_CTYPE, "");
+    if (std::strcmp(nl_langinfo(CODESET), "UTF-8") != 0) {
+        std::setlocale(LC_CTYPE, "C.UTF-8");
+    }
+}
+
+std::filesystem::path programPath() {
+    return std::filesystem::read_symlink("/proc/self/exe");
+}
+
+// Installed, or in the sources around a build tree.
+std::filesystem::path findApartment(const std::filesystem::path& program) {
+    const std::filesystem::path name = std::filesystem::path("homes") / "apartment.json";
+    for (auto folder = program.parent_path(); folder != folder.parent_path(); folder = folder.parent_path()) {
+        for (const auto& place : {folder / name, folder / "share" / "homeloom" / name}) {
+            if (std::filesystem::exists(place)) {
+                return place;
+            }
+        }
+    }
+    throw std::runtime_error("the apartment's document can't be found; --home names a home");
+}
+
+struct ChosenHome {
+    simulator::Home home;
+    std::string title;
+};
+
+ChosenHome chooseHome(const Arguments& arguments) {
+    if (arguments.generate > 0) {
+        return {simulator::generateHome(arguments.generate), fmt::format("A home of {} devices", arguments.generate)};
+    }
+    const std::string file = arguments.home.empty() ? findApartment(programPath()).string() : arguments.home;
+    return {simulator::loadHome(file), std::filesystem::path(file).filename().string()};
+}
+
+gboolean onInterrupt(gpointer inbox) {
+    static_cast<Inbox*>(inbox)->interrupt();
+    return G_SOURCE_CONTINUE;
+}
+
+gboolean onTerminate(gpointer inbox) {
+    static_cast<Inbox*>(inbox)->stop();
+    return G_SOURCE_CONTINUE;
+}
+
+gboolean onConsoleEnd(gpointer loop) {
+    g_main_loop_quit(static_cast<GMainLoop*>(loop));
+    return G_SOURCE_REMOVE;
+}
+
+// The console has a thread of its own, so that timers and settings go on while a command waits.
+bool runConsole(Console& console, Inbox& inbox) {
+    GMainLoop* const loop = g_main_loop_new(nullptr, FALSE);
+    const guint sources[] = {g_unix_signal_add(SIGINT, onInterrupt, &inbox),
+                             g_unix_signal_add(SIGTERM, onTerminate, &inbox),
+                             g_unix_signal_add(SIGHUP, onTerminate, &inbox)};
+    bool succeeded = false;
+    std::thread thread([&] {
+        succeeded = console.run();
+        g_idle_add(onConsoleEnd, loop);
+    });
+    g_main_loop_run(loop);
+    thread.join();
+    for (const guint source : sources) {
+        g_source_remove(source);
+    }
+    g_main_loop_unref(loop);
+    return succeeded;
+}
+
+int run(const Arguments& arguments) {
+    ChosenHome chosen = chooseHome(arguments);
+    if (!arguments.script.empty() && !std::filesystem::is_regular_file(arguments.script)) {
+        throw std::runtime_error(fmt::format("there is no script {}", arguments.script));
+    }
+    if (arguments.log) {
+        homeloom::desktop::log::toStderr(*arguments.log);
+    }
+    PluginHost plugin(arguments.plugin.empty() ? findPlugin(programPath()) : std::filesystem::path(arguments.plugin));
+    applyDeskSettings(chosen.home.account, arguments.disclaimer);
+    simulator::Agent::instance().load(std::move(chosen.home));
+
+    const auto out = arguments.json ? makeJsonOutput(arguments.settled)
+                                    : makeTextOutput(Style::ofStandardOutput(), !Console::isInteractive(arguments));
+    Inbox inbox;
+    Desk desk(inbox, *out, arguments.limit);
+    Console console(arguments, desk, inbox, fmt::format("HomeLoom {}, {}", HOMELOOM_VERSION, chosen.title));
+    plugin.start();
+    const bool succeeded = runConsole(console, inbox);
+
+    const std::vector<std::string> left = plugin.unload();
+    for (const std::string& thing : left) {
+        fmt::print(stderr, "homeloom-tv: the plug-in left behind: {}\n", thing);
+    }
+    return succeeded && left.empty() ? kExitSuccess : kExitFailure;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    useUtf8();
+    const auto parsed = parseArguments(argc, argv);
+    if (const int* const status = std::get_if<int>(&parsed)) {
+        return *status;
+    }
+    try {
+        return run(std::get<Arguments>(parsed));
+    } catch (const std::exception& e) {
+        fmt::print(stderr, "homeloom-tv: {}\n", e.what());
+        return kExitUsage;
+    }
+}
