@@ -169,8 +169,12 @@ TEST(DeviceTest, MakesTheTextsThatSetAProperty) {
     EXPECT_TRUE(device->GetRcpValueByStreamURL("/stream", text));
     EXPECT_EQ(R"({"liveStream":true})", text);
 
-    device->SetDeviceOperationalContext({"/u", "p", "say \"hi\""});
-    EXPECT_EQ(R"({"uri":"/u","property":"p","value":"say \"hi\""})", device->GetDeviceOperationalContext());
+    for (const auto& [value, json] : {std::pair{"", R"("")"}, {"say \"hi\"", R"("say \"hi\"")"}, {"1", R"("1")"}}) {
+        device->SetDeviceOperationalContext({"/u", "p", value});
+        device->SetDeviceOperationalContext({"/u", "p", value});
+        EXPECT_EQ(std::string(R"({"uri":"/u","property":"p","value":)") + json + "}",
+                  device->GetDeviceOperationalContext());
+    }
 }
 
 TEST(DeviceTest, AFreshRecordReplacesWhatTheCloudTellsAndKeepsWhatWasWorkedOut) {

@@ -15,7 +15,7 @@ namespace VMFramework::HomeLoom {
 
 namespace {
 
-constexpr char IR_DEVICE_TYPE[] = "IR_OCF";
+constexpr char kIrDeviceType[] = "IR_OCF";
 
 // The agent's list, given back with the scope.
 class CoreDeviceList {
@@ -198,7 +198,7 @@ std::unordered_map<std::string, core_device_type_info> CoreDeviceHandler::GetCor
             continue;
         }
         info.network_type = getDeviceNetworkType(info.device_type, details);
-        if (info.device_type == IR_DEVICE_TYPE) {
+        if (info.device_type == kIrDeviceType) {
             info.parent_device_id = getParentDeviceId(details);
             HL_LOGI("IR_OCF Device. id: %s, parent_id: %s", id.c_str(), info.parent_device_id.c_str());
         }

@@ -15,9 +15,6 @@ namespace VMFramework::HomeLoom {
 
 namespace {
 
-constexpr char INSIDE_VIEW_URI[] = "/udo/contents/provider/vs/0";
-constexpr char AV_PLATFORM[] = "AVPlatform";
-
 // Held while a device's timer callback runs, so that teardown can wait for it. Recursive, as teardown
 // may come from one.
 std::recursive_mutex timerRunMutex;
@@ -36,12 +33,18 @@ Device::Device(const _deviceInfo& info) : _info(info) {}
 Device::~Device() = default;
 
 void Device::SetDeviceOperationalContext(const device_context_struct& context) {
+    // Each evaluation sets it, most often to what it is.
+    if (!_operationalContext.empty() && context.value == _context.value && context.property == _context.property &&
+        context.uri == _context.uri) {
+        return;
+    }
     try {
         auto document = json::JsonValue::CreateObject();
         document.set("uri", context.uri);
         document.set("property", context.property);
         document.set("value", context.value);
         _operationalContext = document.toString();
+        _context = context;
     } catch (const std::exception& e) {
         HL_LOG_EXCEPTION(e);
     }
@@ -61,7 +64,7 @@ bool Device::IsFilteredDevice() const {
 }
 
 bool Device::IsAVPSupportedCamera() const {
-    if (_info.vid.find(AV_PLATFORM) == std::string::npos) {
+    if (_info.vid.find(kAvPlatform) == std::string::npos) {
         return false;
     }
     HL_LOGI("vid[%s] This Camera is HL Camera, device id : %s", _info.vid.c_str(), _info.device_id.c_str());
@@ -70,7 +73,7 @@ bool Device::IsAVPSupportedCamera() const {
 
 bool Device::IsSupportInnerView() const {
     return _info.device_type == "oic.d.refrigerator" && _info.status != DEVICE_STATUS_DISCONNECTED &&
-           HasResource(INSIDE_VIEW_URI);
+           HasResource(kInsideViewUri);
 }
 
 void Device::AddResource(const std::shared_ptr<Resource>& resource) {

@@ -22,6 +22,11 @@ class Resource;
 /// DeviceHandler that holds it (DeviceHandler::Lock). Devices are made by DeviceFactory and held by shared ownership.
 class Device : public std::enable_shared_from_this<Device> {
 public:
+    /// The resource by which a refrigerator shows its inside.
+    static constexpr char kInsideViewUri[] = "/udo/contents/provider/vs/0";
+    /// In the vid of a camera whose stream the platform's own service gives.
+    static constexpr char kAvPlatform[] = "AVPlatform";
+
     /// What a device is built from.
     struct _deviceInfo {
         std::string device_id;
@@ -147,6 +152,7 @@ private:
     bool _runningState = false;
     bool _isControllable = false;
     std::string _operationalContext;
+    device_context_struct _context;  // what _operationalContext was made of
 
     std::mutex _timerMutex;  // a leaf: guards the next two
     std::function<void()> _timerCallback;

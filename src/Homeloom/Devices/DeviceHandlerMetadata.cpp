@@ -13,7 +13,7 @@ namespace VMFramework::HomeLoom {
 
 namespace {
 
-constexpr char TV_CONTENT_INFO_URI[] = "/nvn/tv/contentinfo";
+constexpr char kTvContentInfoUri[] = "/nvn/tv/contentinfo";
 
 }  // namespace
 
@@ -103,7 +103,7 @@ std::string DeviceHandler::getJsonUrifromDevID(const std::shared_ptr<Device>& de
             HL_LOGI("device_id : %s, url : %s is not included in device", id.c_str(), uri.c_str());
             continue;
         }
-        if (isSleepingTV && uri == TV_CONTENT_INFO_URI) {
+        if (isSleepingTV && uri == kTvContentInfoUri) {
             HL_LOGI("device id : %s, device type : %s, status : %d, do not subscribe contentinfo", id.c_str(),
                     type.c_str(), status);
             continue;

@@ -20,8 +20,7 @@ namespace VMFramework::HomeLoom {
 
 namespace {
 
-constexpr char INSIDE_VIEW_URI[] = "/udo/contents/provider/vs/0";
-constexpr char WEBRTC_URI[] = "/capability/webrtc/main/0";
+constexpr char kWebrtcUri[] = "/capability/webrtc/main/0";
 
 struct EndpointDeleter {
     void operator()(vmf_endpoint_h endpoint) const { vmf_endpoint_destroy(endpoint); }
@@ -139,9 +138,9 @@ void DeviceHandler::fillEndpoint(IEndpointHelper& endpoint, const std::shared_pt
         }
     }
     if (type == "oic.d.refrigerator") {
-        endpoint.SetExtraDataInt(Names::REFRIGERATOR_INSIDE_VIEW, device->HasResource(INSIDE_VIEW_URI) ? 1 : 0);
+        endpoint.SetExtraDataInt(Names::REFRIGERATOR_INSIDE_VIEW, device->HasResource(Device::kInsideViewUri) ? 1 : 0);
     }
-    endpoint.SetExtraDataInt(Names::WEBRTC_SUPPORT, device->HasDeviceUri(WEBRTC_URI) ? 1 : 0);
+    endpoint.SetExtraDataInt(Names::WEBRTC_SUPPORT, device->HasDeviceUri(kWebrtcUri) ? 1 : 0);
 
     int cardCount = 0;
     if (metadata.NumOfMainStates(vid) > 0) {

@@ -21,12 +21,10 @@ namespace VMFramework::HomeLoom {
 
 namespace {
 
-constexpr unsigned BUTTON_STANDBY_MS = 1000;
-constexpr char BUTTON_READY[] = "Ready";
-constexpr char INSIDE_VIEW_URI[] = "/udo/contents/provider/vs/0";
-constexpr char AV_PLATFORM[] = "AVPlatform";
+constexpr unsigned kButtonStandbyMs = 1000;
+constexpr char kButtonReady[] = "Ready";
 // Not the "access_token" of the reports: the screens read this key in state updates.
-constexpr char STATE_ACCESS_TOKEN[] = "accesstoken";
+constexpr char kStateAccessToken[] = "accesstoken";
 
 // What the agent hands back with the values that were asked for.
 struct AttributeRequest {
@@ -201,7 +199,7 @@ bool DeviceHandler::BuildResourceData(const std::string& deviceId, const std::st
         return false;
     }
     // Shown by no metadata, but by screens of their own.
-    if (uri == INSIDE_VIEW_URI && device->IsSupportInnerView()) {
+    if (uri == Device::kInsideViewUri && device->IsSupportInnerView()) {
         names.emplace_back("x.com.norvane.da.fileid");
     }
     if (device->IsCameraDevice()) {
@@ -317,8 +315,8 @@ void DeviceHandler::notifyDeviceState(const std::shared_ptr<Device>& device, con
     if (!cameraUrl.empty()) {
         list->PushStringData(Names::CAMERA_STREAM_URL, cameraUrl);
     }
-    if (vid.find(AV_PLATFORM) != std::string::npos) {
-        list->PushStringData(STATE_ACCESS_TOKEN, getAccessToken());
+    if (vid.find(Device::kAvPlatform) != std::string::npos) {
+        list->PushStringData(kStateAccessToken, getAccessToken());
     }
 
     HL_LOGI(
@@ -346,11 +344,11 @@ std::string DeviceHandler::GetCameraUrl(const std::shared_ptr<Device>& device) c
 
 void DeviceHandler::handleButton(const std::shared_ptr<Device>& device, const device_resource_info_struct& info) {
     if (info.properties.empty()) {
-        device->UpdateValue({info.device_id, info.uri, {{"button", BUTTON_READY, "String"}}});
+        device->UpdateValue({info.device_id, info.uri, {{"button", kButtonReady, "String"}}});
         HL_LOGI("put init value to button");
         return;
     }
-    if (info.properties.front().property_value != BUTTON_READY) {
+    if (info.properties.front().property_value != kButtonReady) {
         setButtonStandbyTimer(device, info);
     }
     device->UpdateValue(info);
@@ -359,7 +357,7 @@ void DeviceHandler::handleButton(const std::shared_ptr<Device>& device, const de
 // A press shows for one second; a second press within it starts the second anew.
 void DeviceHandler::setButtonStandbyTimer(const std::shared_ptr<Device>& device,
                                           const device_resource_info_struct& info) {
-    device->SetTimer(BUTTON_STANDBY_MS, [weak = weak_from_this(), type = device->GetDeviceType(), info] {
+    device->SetTimer(kButtonStandbyMs, [weak = weak_from_this(), type = device->GetDeviceType(), info] {
         const auto self = weak.lock();
         if (!self) {
             return;
@@ -367,8 +365,8 @@ void DeviceHandler::setButtonStandbyTimer(const std::shared_ptr<Device>& device,
         device_resource_info_struct standby = info;
         auto& value = standby.properties.front().property_value;
         HL_LOGI("setButtonStandbyTimer() button timer expired [%s] : [%s]->[%s], device_id : [%s]", type.c_str(),
-                value.c_str(), BUTTON_READY, info.device_id.c_str());
-        value = BUTTON_READY;
+                value.c_str(), kButtonReady, info.device_id.c_str());
+        value = kButtonReady;
         self->OnResourceUpdateEvent(standby);
     });
 }

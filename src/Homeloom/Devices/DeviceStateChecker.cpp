@@ -14,10 +14,10 @@ namespace {
 
 using Texts = std::initializer_list<const char*>;
 
-constexpr char OPERATIONAL_STATE_URI[] = "/operational/state/vs/0";
-constexpr char POWER_URI[] = "/power/vs/0";
-constexpr char STATE_PROPERTY[] = "x.com.norvane.da.state";
-constexpr char POWER_PROPERTY[] = "x.com.norvane.da.power";
+constexpr char kOperationalStateUri[] = "/operational/state/vs/0";
+constexpr char kPowerUri[] = "/power/vs/0";
+constexpr char kStateProperty[] = "x.com.norvane.da.state";
+constexpr char kPowerProperty[] = "x.com.norvane.da.power";
 
 bool isAnyOf(const std::string& text, Texts texts) {
     return std::any_of(texts.begin(), texts.end(), [&text](const char* known) { return text == known; });
@@ -57,7 +57,7 @@ std::string elementOf(const std::string& text, int index) {
 
 }  // namespace
 
-const DeviceStateChecker::TypeRule DeviceStateChecker::TYPE_RULES[] = {
+const DeviceStateChecker::TypeRule DeviceStateChecker::kTypeRules[] = {
     {"x.com.hl.d.garmentcareshoes", GetGarmentcareShoesRunningState},
     {"oic.d.dishwasher", GetDishwasherRunningState},
     {"oic.d.washer", GetWasherRunningState},
@@ -80,7 +80,7 @@ const DeviceStateChecker::TypeRule DeviceStateChecker::TYPE_RULES[] = {
 RunningState DeviceStateChecker::GetRunningState(const Info& info) {
     HL_LOGI("GetRunningState device_type : %s, uri : %s, property_name : %s, property_value : %s",
             info.device_type.c_str(), info.uri.c_str(), info.property_name.c_str(), info.property_value.c_str());
-    for (const auto& [deviceType, rule] : TYPE_RULES) {
+    for (const auto& [deviceType, rule] : kTypeRules) {
         if (info.device_type == deviceType) {
             return rule(info);
         }
@@ -89,28 +89,28 @@ RunningState DeviceStateChecker::GetRunningState(const Info& info) {
 }
 
 RunningState DeviceStateChecker::GetGarmentcareShoesRunningState(const Info& info) {
-    return judgeUpdate(info, {OPERATIONAL_STATE_URI}, {STATE_PROPERTY}, {"Run"});
+    return judgeUpdate(info, {kOperationalStateUri}, {kStateProperty}, {"Run"});
 }
 
 RunningState DeviceStateChecker::GetDishwasherRunningState(const Info& info) {
-    return judgeUpdate(info, {OPERATIONAL_STATE_URI, "/capability/norvanece.dishwasherOperation/main/0"},
-                       {STATE_PROPERTY, "operatingState"}, {"Run", "running"});
+    return judgeUpdate(info, {kOperationalStateUri, "/capability/norvanece.dishwasherOperation/main/0"},
+                       {kStateProperty, "operatingState"}, {"Run", "running"});
 }
 
 RunningState DeviceStateChecker::GetWasherRunningState(const Info& info) {
-    return judgeUpdate(info, {OPERATIONAL_STATE_URI}, {STATE_PROPERTY}, {"Run"});
+    return judgeUpdate(info, {kOperationalStateUri}, {kStateProperty}, {"Run"});
 }
 
 RunningState DeviceStateChecker::GetDryerRunningState(const Info& info) {
-    return judgeUpdate(info, {OPERATIONAL_STATE_URI}, {STATE_PROPERTY}, {"Run"});
+    return judgeUpdate(info, {kOperationalStateUri}, {kStateProperty}, {"Run"});
 }
 
 RunningState DeviceStateChecker::GetSteamClosetRunningState(const Info& info) {
-    return judgeUpdate(info, {OPERATIONAL_STATE_URI}, {STATE_PROPERTY}, {"Run"});
+    return judgeUpdate(info, {kOperationalStateUri}, {kStateProperty}, {"Run"});
 }
 
 RunningState DeviceStateChecker::GetOvenRunningState(const Info& info) {
-    return judgeUpdate(info, {OPERATIONAL_STATE_URI}, {STATE_PROPERTY}, {"Run"});
+    return judgeUpdate(info, {kOperationalStateUri}, {kStateProperty}, {"Run"});
 }
 
 RunningState DeviceStateChecker::GetRobotCleanerRunningState(const Info& info) {
@@ -122,23 +122,23 @@ RunningState DeviceStateChecker::GetRobotCleanerRunningState(const Info& info) {
 }
 
 RunningState DeviceStateChecker::GetAirconditionerRunningState(const Info& info) {
-    return judgeUpdate(info, {POWER_URI, "/power/dhw/vs/0", "/power/zone2/vs/0"}, {POWER_PROPERTY}, {"On"});
+    return judgeUpdate(info, {kPowerUri, "/power/dhw/vs/0", "/power/zone2/vs/0"}, {kPowerProperty}, {"On"});
 }
 
 RunningState DeviceStateChecker::GetAirpurifierRunningState(const Info& info) {
-    return judgeUpdate(info, {POWER_URI}, {POWER_PROPERTY}, {"On"});
+    return judgeUpdate(info, {kPowerUri}, {kPowerProperty}, {"On"});
 }
 
 RunningState DeviceStateChecker::GetCooktopRunningState(const Info& info) {
-    return judgeUpdate(info, {POWER_URI, "/cooktop/status/vs/0"}, {POWER_PROPERTY, "power"}, {"On", "on"});
+    return judgeUpdate(info, {kPowerUri, "/cooktop/status/vs/0"}, {kPowerProperty, "power"}, {"On", "on"});
 }
 
 RunningState DeviceStateChecker::GetHoodRunningState(const Info& info) {
-    return judgeUpdate(info, {POWER_URI}, {POWER_PROPERTY}, {"On"});
+    return judgeUpdate(info, {kPowerUri}, {kPowerProperty}, {"On"});
 }
 
 RunningState DeviceStateChecker::GetMicrowaveRunningState(const Info& info) {
-    return judgeUpdate(info, {"/oven/vs/0"}, {STATE_PROPERTY}, {"Cooking", "Preheat", "Cleaning", "Warming"});
+    return judgeUpdate(info, {"/oven/vs/0"}, {kStateProperty}, {"Cooking", "Preheat", "Cleaning", "Warming"});
 }
 
 RunningState DeviceStateChecker::GetNetworkSpeakerRunningState(const Info& info) {

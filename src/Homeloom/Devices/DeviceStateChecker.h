@@ -23,7 +23,7 @@ private:
         const char* deviceType;
         RunningState (*rule)(const Info& info);
     };
-    static const TypeRule TYPE_RULES[];
+    static const TypeRule kTypeRules[];
 
     static RunningState GetGarmentcareShoesRunningState(const Info& info);
     static RunningState GetDishwasherRunningState(const Info& info);

@@ -7,7 +7,7 @@ namespace VMFramework::HomeLoom {
 namespace {
 
 // The position in the table is the type's number.
-constexpr const char* TYPE_NAMES[] = {"Boolean",     "Integer",     "String",       "Object",       "Float",
+constexpr const char* kTypeNames[] = {"Boolean",     "Integer",     "String",       "Object",       "Float",
                                       "Double",      "DoubleArray", "BooleanArray", "IntegerArray", "StringArray",
                                       "ObjectArray", "FloatArray",  "Array"};
 
@@ -19,7 +19,7 @@ Property::Property(const std::string& name, PropertyType type) : _name(name), _t
 
 PropertyType Property::StringToPropertyType(const std::string& typeName) {
     int type = 0;
-    for (const char* known : TYPE_NAMES) {
+    for (const char* known : kTypeNames) {
         if (typeName == known) {
             return static_cast<PropertyType>(type);
         }
