@@ -24,9 +24,6 @@ DeviceHandler::DeviceHandler()
 }
 
 DeviceHandler::~DeviceHandler() {
-    // Nothing to do after Deinit. Without it, the jobs must end before what they work on does.
-    _metadataDispatcher.Quit();
-    _statusDispatcher.Quit();
     CallbackTokens::Unwatch(_subscriptionToken);
 }
 

@@ -178,10 +178,10 @@ private:
     mutable std::recursive_mutex _mutex;  // guards all that follows but the dispatchers
     std::map<std::string, int> _deviceTypeMap;
     DeviceMap _deviceMap;
-    // Jobs on these two name the handler by its address: it is not destroyed before both threads have ended.
+    std::unordered_map<std::string, std::unordered_set<std::string>> _vidDevicesMap;
+    // Last, so that both threads have ended before anything else goes: their jobs name the handler by its address.
     MsgDispatcher _metadataDispatcher;
     MsgDispatcher _statusDispatcher;
-    std::unordered_map<std::string, std::unordered_set<std::string>> _vidDevicesMap;
 };
 
 }  // namespace VMFramework::HomeLoom
