@@ -32,21 +32,24 @@ Device::Device(const _deviceInfo& info) : _info(info) {}
 
 Device::~Device() = default;
 
-void Device::SetDeviceOperationalContext(const device_context_struct& context) {
-    // Each evaluation sets it, most often to what it is.
-    if (!_operationalContext.empty() && context.value == _context.value && context.property == _context.property &&
-        context.uri == _context.uri) {
-        return;
+// Each evaluation sets it once for each argument; only what goes out needs the text.
+void Device::SetDeviceOperationalContext(device_context_struct context) {
+    _operationalContext = std::move(context);
+}
+
+std::string Device::GetDeviceOperationalContext() const {
+    if (!_operationalContext) {
+        return {};
     }
     try {
         auto document = json::JsonValue::CreateObject();
-        document.set("uri", context.uri);
-        document.set("property", context.property);
-        document.set("value", context.value);
-        _operationalContext = document.toString();
-        _context = context;
+        document.set("uri", _operationalContext->uri);
+        document.set("property", _operationalContext->property);
+        document.set("value", _operationalContext->value);
+        return document.toString();
     } catch (const std::exception& e) {
         HL_LOG_EXCEPTION(e);
+        return {};
     }
 }
 

@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 
 #include "Homeloom/Devices/DeviceInfoStructs.h"
@@ -96,8 +97,8 @@ public:
     std::string GetSubDeviceCardJsonInfo() const { return _subDeviceCardJsonInfo; }
     void SetSubDeviceCardJsonInfo(const std::string& json) { _subDeviceCardJsonInfo = json; }
     /// JSON text of the last argument that the state text was made of.
-    std::string GetDeviceOperationalContext() const { return _operationalContext; }
-    void SetDeviceOperationalContext(const device_context_struct& context);
+    std::string GetDeviceOperationalContext() const;
+    void SetDeviceOperationalContext(device_context_struct context);
 
     bool IsCameraDevice() const;
     bool IsFilteredDevice() const;
@@ -151,8 +152,7 @@ private:
     bool _isInactive = true;  // until evaluated
     bool _runningState = false;
     bool _isControllable = false;
-    std::string _operationalContext;
-    device_context_struct _context;  // what _operationalContext was made of
+    std::optional<device_context_struct> _operationalContext;
 
     std::mutex _timerMutex;  // a leaf: guards the next two
     std::function<void()> _timerCallback;

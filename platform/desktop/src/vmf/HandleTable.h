@@ -1,13 +1,12 @@
 #ifndef HOMELOOM_DESKTOP_VMF_HANDLETABLE_H
 #define HOMELOOM_DESKTOP_VMF_HANDLETABLE_H
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <memory>
 #include <mutex>
-#include <utility>
-#include <vector>
 
 namespace homeloom::desktop {
 
@@ -25,48 +24,52 @@ enum class HandleKind : std::uintptr_t {
 /// place in the table, how often that place was used, and the kind, with the lowest bit set. So null, ended
 /// handles, those of another kind and real pointers are all told from live ones.
 ///
-/// The table is thread-safe; the objects are as safe as their interface says.
+/// The table is thread-safe; the objects are as safe as their interface says. Looking a handle up takes no lock: that
+/// is what every call of the interface does, most of them more than once.
 template <typename Object, typename Handle, HandleKind KIND>
 class HandleTable {
 public:
     /// The object must have a member `handle`, which is set. Null if the table is full.
     Handle add(std::unique_ptr<Object> object) {
         const std::lock_guard<std::mutex> lock(_mutex);
-        std::size_t index = _slots.size();
+        std::size_t index = _used;
         if (_free.size() > kRested || (index > kMaxIndex && !_free.empty())) {
             index = _free.front();
             _free.pop_front();
         } else if (index > kMaxIndex) {
             return nullptr;
         } else {
-            _slots.emplace_back();
+            grow();
         }
-        Slot& slot = _slots[index];
-        slot.object = std::move(object);
-        slot.object->handle = encode(index, slot.use);
+        Slot& slot = *slotAt(index);
+        const Handle handle = encode(index, slot.use);
+        object->handle = handle;
+        slot.object = object.release();
+        slot.handle.store(handle, std::memory_order_release);
         ++_live;
-        return slot.object->handle;
+        return handle;
     }
 
     /// Null for anything but a live handle of this kind.
     Object* get(const void* handle) const {
-        const std::lock_guard<std::mutex> lock(_mutex);
-        const std::size_t index = find(handle);
-        return index != kNone ? _slots[index].object.get() : nullptr;
+        const Slot* const slot = find(handle);
+        return slot != nullptr ? slot->object.load(std::memory_order_relaxed) : nullptr;
     }
 
     /// Takes the object out; its handle is dead from here on.
     std::unique_ptr<Object> remove(const void* handle) {
         const std::lock_guard<std::mutex> lock(_mutex);
-        const std::size_t index = find(handle);
-        if (index == kNone) {
+        Slot* const slot = find(handle);
+        if (slot == nullptr) {
             return nullptr;
         }
-        Slot& slot = _slots[index];
-        slot.use = (slot.use + 1) & kMaxUse;
-        _free.push_back(index);
+        std::unique_ptr<Object> object(slot->object.load());
+        slot->handle = nullptr;
+        slot->object = nullptr;
+        slot->use = (slot->use + 1) & kMaxUse;
+        _free.push_back(indexOf(handle));
         --_live;
-        return std::move(slot.object);
+        return object;
     }
 
     std::size_t live() const {
@@ -76,7 +79,8 @@ public:
 
 private:
     struct Slot {
-        std::unique_ptr<Object> object;
+        std::atomic<const void*> handle{nullptr};  // null while nothing lives here
+        std::atomic<Object*> object{nullptr};
         std::uintptr_t use = 0;
     };
 
@@ -85,7 +89,9 @@ private:
     static constexpr unsigned kUseBits = sizeof(std::uintptr_t) * 8 - 1 - kKindBits - kIndexBits;
     static constexpr std::uintptr_t kMaxIndex = (std::uintptr_t{1} << kIndexBits) - 1;
     static constexpr std::uintptr_t kMaxUse = (std::uintptr_t{1} << kUseBits) - 1;
-    static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+    // Slots come in blocks that never move, so that they can be looked at while the table grows.
+    static constexpr std::size_t kBlockSize = 4096;
+    static constexpr std::size_t kBlocks = (kMaxIndex + 1) / kBlockSize;
     // A place rests for a while before it is used again, so that the counter of its uses lasts.
     static constexpr std::size_t kRested = 1024;
 
@@ -95,17 +101,33 @@ private:
         return reinterpret_cast<Handle>(number);
     }
 
-    std::size_t find(const void* handle) const {
-        const auto number = reinterpret_cast<std::uintptr_t>(handle);
-        const std::uintptr_t index = (number >> (1 + kKindBits)) & kMaxIndex;
-        if (index >= _slots.size() || !_slots[index].object || encode(index, _slots[index].use) != handle) {
-            return kNone;
-        }
-        return index;
+    static std::size_t indexOf(const void* handle) {
+        return (reinterpret_cast<std::uintptr_t>(handle) >> (1 + kKindBits)) & kMaxIndex;
     }
 
-    mutable std::mutex _mutex;
-    std::vector<Slot> _slots;
+    Slot* slotAt(std::size_t index) const {
+        Slot* const block = _blocks[index / kBlockSize].load(std::memory_order_acquire);
+        return block != nullptr ? block + index % kBlockSize : nullptr;
+    }
+
+    // Null for anything but a live handle.
+    Slot* find(const void* handle) const {
+        Slot* const slot = handle != nullptr ? slotAt(indexOf(handle)) : nullptr;
+        return slot != nullptr && slot->handle.load(std::memory_order_acquire) == handle ? slot : nullptr;
+    }
+
+    // Called with the mutex held.
+    void grow() {
+        if (_used % kBlockSize == 0) {
+            _blocks[_used / kBlockSize].store(new Slot[kBlockSize], std::memory_order_release);
+        }
+        ++_used;
+    }
+
+    mutable std::mutex _mutex;  // for changes
+    // The tables live as long as the process; so do their blocks.
+    const std::unique_ptr<std::atomic<Slot*>[]> _blocks { new std::atomic<Slot*>[ kBlocks ]() };
+    std::size_t _used = 0;
     std::deque<std::size_t> _free;
     std::size_t _live = 0;
 };
