@@ -112,8 +112,8 @@ void MsgDispatcher::EnqueueData(ThreadJob job, const std::string& name) {
     }
 }
 
-// Between the thread's last look at the queue and its wait, a notify would be lost. There the thread holds the mutex for
-// a few instructions only, so the pusher may wait for it; otherwise the thread is awake, perhaps inside a long job
+// Between the thread's last look at the queue and its wait, a notify would be lost. There the thread holds the mutex
+// for a few instructions only, so the pusher may wait for it; otherwise the thread is awake, perhaps inside a long job
 // under that same mutex, and will look at the queue by itself.
 void MsgDispatcher::wake() {
     while (_goingToSleep) {
