@@ -133,6 +133,57 @@ TEST(Program, KeepsStillUntilTheDisclaimerIsAccepted) {
     EXPECT_THAT(saidBy(result, "do washer"), HasSubstr("Washing"));
 }
 
+TEST(Program, PlaysTheOtherSide) {
+    const std::pair<const char*, const char*> steps[] = {
+        {"sim rename device dryer New Dryer", "home     33 devices"},
+        {"sim move new dryer kitchen", "home     33 devices"},
+        {"device New Dryer", "room                               Kitchen\n"},
+        {"sim add device washer-2 HL-WASHER-WF24 kitchen", "home     34 devices"},
+        {"do washer-2", "washer-2: Washing"},
+        {"sim add room home Study", "home     34 devices"},
+        {"rooms", "  Study\n"},
+        {"sim status dishwasher disconnected", "home     34 devices"},
+        {"sim sse device-health deviceId=hub-plug status=OFFLINE", "Reading Lamp: Disconnected (disconnected)"},
+        {"sim sse favorite {\"locationId\": \"home\"}", "notify   hl_favorite_updated  get_favorite_result=true"},
+        {"sim sse 8 {}", "The plug-in reported nothing."},
+        {"setting db/menu_widget/language ko_KR.utf8", ""},
+        {"sim set washer /operational/state/vs/0 x.com.norvane.da.state Pause", "Washer: 일시정지"},
+        {"sim fail set_remote_attributes -5 1", ""},
+        {"sim faults", "homeloom_client_set_remote_attributes  fails with -5  for 1 call"},
+        {"do washer", "failed: the plug-in could not do it"},
+        {"do  washer", "result=true"},
+        {"sim calls set_remote_attributes", "    3  homeloom_client_set_remote_attributes"},
+        {"sim clear", ""},
+        {"request hl_get_device_info device_id=washer", "state    Washer: "},
+        {"request hl_get_accesstoken_uid", "access_token=token-of-mina uid=user-mina"},
+        {"sim update start", ""},
+        {"request hl_create_room location_id=home room_name=Attic", "failed: no answer came"},
+        {"sim update end", "home     34 devices"},
+        {"sim remove device washer-2", ""},
+        {"scan", "home     33 devices"},
+        {"setting memory/velmora/hl_dev_exist", "hl_dev_exist_true"},
+        {"sim sign-in jun@home.example", "account  signed out\naccount  signed in"},
+    };
+    std::vector<std::string> commands;
+    for (const auto& [command, outcome] : steps) {
+        commands.emplace_back(command);
+    }
+    const Finished result = runCommands(commands);
+    for (const auto& [command, outcome] : steps) {
+        EXPECT_THAT(saidBy(result, command), HasSubstr(outcome)) << command;
+    }
+    EXPECT_THAT(result.output, Not(HasSubstr("left behind")));
+}
+
+TEST(Program, TellsWhatAPluginLeavesBehind) {
+    const Finished result = run({"--plugin", HOMELOOM_LEAKY_PLUGIN, "--exec", "stats", "--exec", "scan"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.output, HasSubstr("The plug-in has reported no load status.\n"));
+    EXPECT_THAT(result.output, HasSubstr("left behind: 1 × watch of a setting\n"));
+    EXPECT_THAT(result.output, HasSubstr("left behind: 1 × property\n"));
+    EXPECT_THAT(result.output, HasSubstr("left behind: an exception that nobody caught: CreatePlugin: too early\n"));
+}
+
 TEST(Program, TellsWhyACommandFails) {
     const std::pair<const char*, const char*> cases[] = {
         {"do wahser", "failed: there is no device \"wahser\"; near: washer"},

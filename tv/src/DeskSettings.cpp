@@ -12,7 +12,7 @@ void applyDeskSettings(const simulator::Account& account, bool disclaimerAccepte
     JsonValue signUp = JsonValue::CreateObject();
     signUp.set("di", account.deviceId);
     settings::setString("db/es_master/signup_info", signUp.toString());
-    settings::setString("db/menu_widget/language", "en_US.UTF-8");
+    settings::setString("db/menu_widget/language", "en_US.utf8");
     settings::setString("db/comss/countrycode", "US");
     settings::setInt(kDisclaimerKey, disclaimerAccepted ? 1 : 0);
 }

@@ -21,6 +21,9 @@ namespace homeloom::tv {
 namespace {
 
 constexpr int kHistoryLines = 1000;
+// What mbrtowc says of a byte that doesn't end a character, or belongs to none.
+constexpr auto kIncomplete = static_cast<std::size_t>(-2);
+constexpr auto kNoCharacter = static_cast<std::size_t>(-1);
 constexpr char kClearLine[] = "\r\033[K";
 
 std::string commonStart(const std::vector<std::string>& words) {
@@ -54,8 +57,6 @@ public:
         el_set(_editor, EL_EDITOR, "emacs");
         el_set(_editor, EL_HIST, history, _history);
         el_set(_editor, EL_GETCFN, readCharacter);
-        el_set(_editor, EL_ADDFN, "complete-word", "Completes the word", completeWord);
-        el_set(_editor, EL_BIND, "^I", "complete-word", nullptr);
         el_source(_editor, nullptr);
     }
 
@@ -123,9 +124,14 @@ private:
                 return 0;
             }
             const std::size_t taken = std::mbrtowc(character, &byte, 1, &state);
-            if (taken == static_cast<std::size_t>(-1)) {
-                state = {};  // no character: dropped
-            } else if (taken != static_cast<std::size_t>(-2)) {
+            if (taken == kIncomplete) {
+                continue;
+            }
+            if (taken == kNoCharacter) {
+                state = {};
+            } else if (*character == L'\t') {
+                self.completeWord();
+            } else {
                 return 1;
             }
         }
@@ -139,24 +145,28 @@ private:
         el_set(_editor, EL_REFRESH);
     }
 
-    static unsigned char completeWord(EditLine* editor, int) {
-        const LineInfo* const info = el_line(editor);
+    // Called from here and not bound to the key: the library never frees the names of functions that are added to it.
+    void completeWord() {
+        const LineInfo* const info = el_line(_editor);
         const std::string line(info->buffer, info->cursor);
-        const std::vector<std::string> words = of(editor)._callbacks.complete(line);
+        const std::vector<std::string> words = _callbacks.complete(line);
         if (words.empty()) {
-            return CC_ERROR;
+            el_beep(_editor);
+            return;
         }
         const std::string begun = lastWord(line);
         std::string more = commonStart(words).substr(begun.size());
         if (words.size() == 1 && words.front().back() != '=') {
             more += ' ';
         }
-        if (!more.empty()) {
-            el_insertstr(editor, more.c_str());
-            return CC_REFRESH;
+        if (more.empty()) {
+            list(words);
+        } else {
+            std::fputs(kClearLine, stdout);
+            el_insertstr(_editor, more.c_str());
         }
-        list(words);
-        return CC_REDISPLAY;
+        std::fflush(stdout);
+        el_set(_editor, EL_REFRESH);
     }
 
     static void list(const std::vector<std::string>& words) {

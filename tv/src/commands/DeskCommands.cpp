@@ -98,7 +98,7 @@ std::vector<Command> deskCommands() {
         {"setting",
          "[KEY [VALUE]]",
          "shows the TV's settings, or one of them, or sets it; whole numbers are numbers",
-         {"setting db/menu_widget/language ko_KR.UTF-8"},
+         {"setting db/menu_widget/language ko_KR.utf8"},
          setting,
          {Hint::Kind::Setting}},
         {"log",

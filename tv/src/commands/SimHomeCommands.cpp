@@ -6,6 +6,7 @@
 #include "Desk.h"
 #include "DeviceNames.h"
 #include "Lookups.h"
+#include "Output.h"
 #include "Words.h"
 
 namespace homeloom::tv {
@@ -16,6 +17,16 @@ const Hint kWhat(Words{"device", "room", "location"});
 
 simulator::Agent& agent() {
     return simulator::Agent::instance();
+}
+
+// Longer than the plug-in gathers changes of rooms before it reads the home again.
+constexpr std::chrono::milliseconds kReloadTime{1500};
+
+void awaitHome(Desk& desk) {
+    if (!desk.await([](const Report& report) { return report.kind == Report::Kind::DeviceList; }, kReloadTime)) {
+        desk.out().say("The plug-in sent no new list.");
+    }
+    desk.settle();
 }
 
 // What stands behind the part that was read: a name of any number of words.
@@ -82,7 +93,7 @@ void add(Desk& desk, const Words& words) {
     } else {
         throw UsageError();
     }
-    desk.settleOrSay();
+    awaitHome(desk);
 }
 
 void remove(Desk& desk, const Words& words) {
@@ -97,7 +108,7 @@ void remove(Desk& desk, const Words& words) {
     } else {
         throw UsageError();
     }
-    desk.settleOrSay();
+    awaitHome(desk);
 }
 
 void rename(Desk& desk, const Words& words) {
@@ -116,7 +127,7 @@ void rename(Desk& desk, const Words& words) {
     } else {
         throw UsageError();
     }
-    desk.settleOrSay();
+    awaitHome(desk);
 }
 
 void move(Desk& desk, const Words& words) {
@@ -132,7 +143,7 @@ void move(Desk& desk, const Words& words) {
             }
         }
     }
-    desk.settleOrSay();
+    awaitHome(desk);
 }
 
 }  // namespace

@@ -1,0 +1,40 @@
+#include <gtest/gtest.h>
+
+#include "Completion.h"
+#include "HomeView.h"
+
+using namespace homeloom::tv;
+
+namespace {
+
+TEST(Completion, FitsThePlaceInTheLine) {
+    Report list;
+    list.kind = Report::Kind::DeviceList;
+    for (const char* const id : {"washer", "washer-2", "dryer"}) {
+        EndpointRecord device;
+        device.deviceId = id;
+        device.deviceType = "homeloom-device";
+        list.endpoints.push_back(device);
+    }
+    HomeView home;
+    home.apply(list);
+    const std::pair<const char*, std::vector<std::string>> cases[] = {
+        {"dev", {"device", "devices"}},
+        {"do ", {"dryer", "washer", "washer-2"}},
+        {"do wa", {"washer", "washer-2"}},
+        {"do washer ", {}},
+        {"sim upd", {"update"}},
+        {"sim update ", {"end", "start"}},
+        {"sim status dryer hi", {"hidden"}},
+        {"request hl_do", {"hl_do_main_action"}},
+        {"request hl_do_main_action d", {"device_id="}},
+        {"sim fail homeloom_client_conn", {"homeloom_client_connect"}},
+        {"dance ", {}},
+        {"do \"wa", {}},
+    };
+    for (const auto& [line, words] : cases) {
+        EXPECT_EQ(completions(line, home), words) << line;
+    }
+}
+
+}  // namespace
