@@ -246,7 +246,7 @@ std::vector<RequestSpec> makeTable() {
          Answer::Tied,
          kOvertakes,
          "",
-         "block_device_ids=hall-motion"},
+         R"(block_device_ids=["hall-motion"])"},
         {"get_third_party_notification_status", {}, Answer::Tied, kOvertakes, "", ""},
         {"hl_get_installed_service_app_info", {text("location_id")}, Answer::Tied, kOvertakes, "", "location_id=home"},
     };

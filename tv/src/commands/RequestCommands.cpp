@@ -150,7 +150,7 @@ std::vector<Command> requestCommands() {
         {"do",
          "DEVICE [ACTION_URL]",
          "runs a device's main action, or that of the card with the URL, and waits for the new state",
-         {"do washer", "do reading lamp", "do aircon /capability/switch/main/0"},
+         {"do washer", "do reading lamp", "do aircon /power/zone2/vs/0"},
          doMainAction,
          {Kind::Device}},
         {"request",
