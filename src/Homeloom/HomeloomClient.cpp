@@ -372,6 +372,7 @@ void HomeloomClient::checkDisclaimerAgree() {
         connectClient();
     } else {
         disconnectClient();
+        _isHomeStale = true;
     }
 }
 
@@ -474,6 +475,12 @@ void HomeloomClient::handleAgentConnected() {
         return;
     }
     HL_LOGI("We DO REGISTER callback functions due to ALREADY SIGNED-IN status!");
+    if (_isHomeStale.exchange(false)) {
+        // The agent's list, which comes by itself, makes the devices anew, and with them their subscriptions.
+        if (const auto devices = _deviceHandler.Get()) {
+            devices->DeleteDeviceMap();
+        }
+    }
     registerCallbacks();
     if (_retryCounter.GetCount() > 0) {
         HL_LOGI(

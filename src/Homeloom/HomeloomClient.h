@@ -312,6 +312,8 @@ private:
     std::atomic<bool> _isAgentConnected{false};
     std::atomic<bool> _isTerminating{false};
     std::atomic<bool> _isSignedIn{false};
+    // The user has withdrawn the disclaimer: the subscriptions went with the agent's handle, the devices stayed.
+    std::atomic<bool> _isHomeStale{false};
 
     mutable std::mutex _accountMutex;  // a leaf: guards the next two
     std::string _accessToken;
