@@ -110,6 +110,7 @@ TEST(RequestDispatch, NormalRequestsKeepTheirOrderAndPriorOnesOvertake) {
     // It begins; then it waits at the facade, as every call of the agent does meanwhile.
     EXPECT_TRUE(desk.log.waitFor("[Prior][get_third_party_notification_status] before job"));
     EXPECT_FALSE(desk.log.contains("[Normal][hl_create_room] after job"));
+    desk.waitForLateCall();
     desk.agent.hurry();
     desk.waitForReport("b", [](const auto& report) { return report.properties.text("device_id") == "b"; });
     std::vector<std::string> answers;
@@ -129,7 +130,7 @@ TEST(RequestDispatch, WhatIsQueuedAtTheEndIsDropped) {
     desk.waitForLists(1);
     desk.agent.fault(kCreateRoom, Fault::never());
     RequestRoom("Attic");
-    ASSERT_TRUE(desk.log.waitFor("normal request for hl_create_room"));
+    desk.waitForLateCall();
     std::vector<framework::TransactionId> queued;
     for (int i = 0; i < 5; ++i) {
         queued.push_back(RequestRoom("Cellar"));

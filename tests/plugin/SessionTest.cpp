@@ -98,6 +98,7 @@ TEST_F(Session, StaysSilentUntilTheDisclaimerIsAccepted) {
 TEST_F(Session, LetsGoOfTheAgentWhenTheDisclaimerIsWithdrawn) {
     desk.start();
     desk.waitFor("the washer", IsShown);
+    desk.settle();
     desk.setDisclaimer(0);
     desk.loop.call([] {});
     EXPECT_EQ(desk.agent.holdings().total(), 0);

@@ -249,6 +249,23 @@ void Desk::settle() const {
     }
 }
 
+void Desk::poll(const std::string& what, const std::function<bool()>& test) const {
+    const auto limit = std::chrono::steady_clock::now() + kLimit;
+    while (!test()) {
+        if (std::chrono::steady_clock::now() > limit) {
+            throw std::runtime_error("did not come: " + what + story());
+        }
+        std::this_thread::yield();
+    }
+}
+
+void Desk::waitForLateCall() const {
+    poll("a call of the agent that is answered late", [this] {
+        agent.waitIdle();
+        return agent.holdings().pendingCalls > 0;
+    });
+}
+
 int Desk::armedTimers() {
     int count = 0;
     loop.call([&] { count = static_cast<int>(timers().size()); });
@@ -256,16 +273,14 @@ int Desk::armedTimers() {
 }
 
 void Desk::fireTimer() {
-    const auto limit = std::chrono::steady_clock::now() + kLimit;
-    for (bool isFired = false; !isFired; std::this_thread::yield()) {
+    poll("a timer", [this] {
+        bool isFired = false;
         loop.call([&] {
             for (GSource* source : timers()) {
                 g_source_set_ready_time(source, 0);
                 isFired = true;
             }
         });
-        if (!isFired && std::chrono::steady_clock::now() > limit) {
-            throw std::runtime_error("no timer was armed" + story());
-        }
-    }
+        return isFired;
+    });
 }

@@ -68,6 +68,8 @@ public:
     bool isAnswered(homeloom::desktop::framework::TransactionId request) const;
     /// Waits until agent, framework, scheduler and "Normal" dispatcher have no more to do for one another.
     void settle() const;
+    /// Waits until a call stands out whose answer the agent keeps back: Agent::hurry() brings it.
+    void waitForLateCall() const;
 
     // ---- Timers ----
 
@@ -80,6 +82,7 @@ public:
     simulator::Agent& agent = simulator::Agent::instance();
 
 private:
+    void poll(const std::string& what, const std::function<bool()>& test) const;
     void runWithLimit(const std::string& what, const std::function<void()>& function) const;
     void expectNothingLeft();
     std::string story() const;
