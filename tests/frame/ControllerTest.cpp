@@ -1,8 +1,6 @@
 #include <dlfcn.h>
 
-#include <atomic>
 #include <functional>
-#include <memory>
 #include <ostream>
 #include <string>
 #include <utility>
@@ -33,16 +31,6 @@ vmf_search_cb deviceListCallback = nullptr;
 template <typename Function>
 Function* Next(Function*, const char* name) {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
-}
-
-/// Runs once, in the middle of the plug-in: at the first line of its log that contains that text.
-void AtLine(const std::string& text, const std::function<void()>& function) {
-    homeloom::desktop::log::setTraceSink(
-        [text, function, seen = std::make_shared<std::atomic<bool>>()](const char* line) {
-            if (std::string(line).find(text) != std::string::npos && !seen->exchange(true)) {
-                function();
-            }
-        });
 }
 
 int ExceptionsLogged(const Desk& desk, const char* what) {
@@ -164,12 +152,11 @@ TEST(Controller, ARequestBeforeTheSessionIsDroppedWithoutAWord) {
     Desk desk(Desk::apartmentWith({}));
     framework::TransactionId early = 0;
     // The second context to begin is the session's; its line comes before it takes anything.
-    AtLine("CHomeLoomClientE] Initiate", [&] {
+    desk.atLogLine("CHomeLoomClientE] Initiate", [&] {
         early = framework::request("hl_change_device_name");
         framework::waitIdle();
     });
     desk.start();
-    homeloom::desktop::log::setTraceSink(nullptr);
     desk.settle();
     EXPECT_NE(early, 0u);
     EXPECT_FALSE(desk.isAnswered(early));
@@ -182,14 +169,13 @@ TEST(Controller, ARequestOrReportAfterTheEndIsRefused) {
     desk.start();
     desk.waitForLists(1);
     framework::TransactionId late = 0;
-    AtLine("CServiceControllerE] TerminateSync", [&] {
-        AtLine("Sync result(1)", [&] {  // ended, and still subscribed
+    desk.atLogLine("CServiceControllerE] TerminateSync", [&] {
+        desk.atLogLine("Sync result(1)", [&] {  // ended, and still subscribed
             late = framework::request("hl_change_device_name");
             framework::waitIdle();
         });
     });
     desk.stop();
-    homeloom::desktop::log::setTraceSink(nullptr);
     EXPECT_NE(late, 0u);
     EXPECT_FALSE(desk.isAnswered(late));
     EXPECT_THAT(homeloom::desktop::pluginExceptions(), ElementsAre("request callback: InvokeTask Fail!!(error:2)"));

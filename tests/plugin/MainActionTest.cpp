@@ -57,10 +57,10 @@ TEST_F(MainAction, OfACloudDevice) {
 TEST_F(MainAction, OfASubDeviceCardByItsUrl) {
     desk.waitFor("both zones", [](const Screen& shown) {
         return shown.stateText("aircon") == "Cooling · 24°C" &&
-               shown.text("aircon", "sub_device_card_list_info").find("Off · 25°") != std::string::npos;
+               shown.text("aircon", "sub_device_card_list_info").find("On · 25°") != std::string::npos;
     });
     EXPECT_EQ(Do("aircon", "/power/zone2/vs/0"), Answer(true, "aircon"));
-    EXPECT_EQ(desk.agent.value("aircon", "/power/zone2/vs/0", "x.com.norvane.da.power"), "\"On\"");
+    EXPECT_EQ(desk.agent.value("aircon", "/power/zone2/vs/0", "x.com.norvane.da.power"), "\"Off\"");
     EXPECT_EQ(desk.agent.value("aircon", "/power/vs/0", "x.com.norvane.da.power"), "\"On\"") << "as before";
     EXPECT_EQ(Do("aircon"), Answer(true, "aircon"));
     desk.waitForState("aircon", "Off");

@@ -3,11 +3,13 @@
 #include <glib.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <future>
 #include <iostream>
+#include <memory>
 #include <stdexcept>
 #include <thread>
 #include <utility>
@@ -66,6 +68,7 @@ Desk::~Desk() {
     if (_isRunning) {
         stop();
     }
+    homeloom::desktop::log::setTraceSink(nullptr);
     expectNothingLeft();
 }
 
@@ -263,6 +266,22 @@ void Desk::waitForLateCall() const {
     poll("a call of the agent that is answered late", [this] {
         agent.waitIdle();
         return agent.holdings().pendingCalls > 0;
+    });
+}
+
+void Desk::hurryUntil(const std::string& what, const std::function<bool(const Screen&)>& test) const {
+    poll(what, [&] {
+        agent.hurry();
+        return test(screen());
+    });
+}
+
+void Desk::atLogLine(const std::string& text, const std::function<void()>& function) const {
+    const auto isSeen = std::make_shared<std::atomic<bool>>();
+    homeloom::desktop::log::setTraceSink([text, function, isSeen](const char* line) {
+        if (std::string(line).find(text) != std::string::npos && !isSeen->exchange(true)) {
+            function();
+        }
     });
 }
 

@@ -71,6 +71,12 @@ public:
     /// Waits until a call stands out whose answer the agent keeps back: Agent::hurry() brings it.
     void waitForLateCall() const;
 
+    /// Lets what the agent keeps back come until the screen passes the test.
+    void hurryUntil(const std::string& what, const std::function<bool(const Screen&)>& test) const;
+    /// Runs a function once in the middle of the plug-in: on the thread that writes the next line of its log that
+    /// contains the text, at that line.
+    void atLogLine(const std::string& text, const std::function<void()>& function) const;
+
     // ---- Timers ----
 
     /// Waits until a timer is armed on the main loop, and lets all that are armed go off now.
