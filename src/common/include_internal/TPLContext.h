@@ -229,6 +229,8 @@ void CContext<T>::_ProcessJob() {
 
     if (_terminated) {
         TPL_LOGD("context is terminated [%p]", static_cast<void*>(this));
+        // Terminated between this caller's queuing and now: nobody else will drop what it has queued.
+        _jobs.clear();
         return;
     }
     while (!_jobs.empty()) {
