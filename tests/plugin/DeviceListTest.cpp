@@ -86,7 +86,7 @@ TEST(DeviceList, ComesWithTheDevicesAndTheirStatesFollow) {
         desk.waitForReport("a list", [](const auto& r) { return r.kind == Desk::Report::Kind::DeviceList; });
     for (const auto& endpoint : list->endpoints) {
         EXPECT_EQ(endpoint.serviceName, "homeloom");
-        const std::string kind = *endpoint.interfaceType + " " + *endpoint.deviceType;
+        const std::string kind = endpoint.interfaceType.value_or("") + " " + endpoint.deviceType.value_or("");
         if (kinds.empty() || kinds.back() != kind) {
             kinds.push_back(kind);
         }
