@@ -143,6 +143,23 @@ TEST(Context, TerminateInTheMiddleOfAJobDoesNotWaitAndDropsTheRest) {
     EXPECT_EQ(ran, 0);
 }
 
+TEST(Context, TerminateBetweenQueuingAndRunningDropsWhatIsQueued) {
+    const auto worker = Worker::Create();
+    worker->Start();
+    struct LateInvoker {
+        Worker& worker;
+        void Invoke(const std::function<void()>& function) {
+            worker.Stop();
+            function();
+        }
+    } invoker{*worker};
+    const auto held = std::make_shared<int>(0);
+    bool ran = false;
+    worker->InvokeTask(invoker, [held, &ran](const std::shared_ptr<Worker>&) { ran = true; });
+    EXPECT_FALSE(ran);
+    EXPECT_EQ(held.use_count(), 1);
+}
+
 TEST(Context, AnExpiredOwnerIsAnError) {
     Worker worker;
     EXPECT_THROW(worker.Start(), std::bad_weak_ptr);

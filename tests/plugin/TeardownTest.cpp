@@ -1,0 +1,228 @@
+#include <algorithm>
+#include <future>
+#include <iterator>
+#include <ostream>
+#include <string>
+#include <thread>
+
+#include <gmock/gmock.h>
+
+#include "desktop/Guard.h"
+#include "simulator/ServiceManager.h"
+#include "support/Desk.h"
+
+namespace framework = homeloom::desktop::framework;
+using simulator::Agent;
+using simulator::Fault;
+using simulator::ServiceManager;
+
+namespace {
+
+constexpr char kState[] = "/operational/state/vs/0";
+constexpr char kStateProperty[] = "x.com.norvane.da.state";
+
+void Show(Desk& desk) {
+    desk.waitForLists(2);
+    desk.waitForState("washer", "Ready");
+    desk.waitForState("bedside-button", "Ready");
+    desk.settle();
+}
+
+void Press(Desk& desk, const char* button) {
+    desk.agent.set(button, "/capability/button/main/0", "button", "pushed");
+    desk.waitForNotify("hl_device_state_updated", button);
+}
+
+}  // namespace
+
+// ---- Stopped while a thread is in the middle of something ----
+
+struct Moment {
+    const char* name;
+    const char* line;  // of the log, at which the thread is caught until the end has begun
+    /// What brings it about once the home is shown; null for what happens in each start.
+    void (*cause)(Desk&);
+    bool isOnMainLoop;
+};
+void PrintTo(const Moment& moment, std::ostream* out) {
+    *out << moment.name;
+}
+
+// clang-format off
+const Moment kMoments[] = {
+    // The scheduler's thread
+    {"Connecting", "[TESSEL CLIENT CONNECTED]", nullptr, false},
+    {"SigningIn", "is_signed_in(1) reported to UI", nullptr, false},
+    {"Registering", "We DO REGISTER callback functions", nullptr, false},
+    {"BeginningToBuild", "old device map size", nullptr, false},
+    {"InTheMiddleOfTheBuild", "added device id : bedside-button", nullptr, false},
+    {"QueuingTheMetadata", "parseMetadata() parsing start!", nullptr, false},
+    {"SendingTheList", "R2 Feature Enabled", nullptr, false},
+    {"BuildingTheCanvas", "createCanvasMap()", nullptr, false},
+    {"TakingAnUpdate", "_HomeLoomClientSubscribeChanged(): Device id: washer",
+     [](Desk& desk) { desk.agent.set("washer", kState, kStateProperty, "Run"); }, false},
+    {"TakingAnEvent", "state text : Pressed, active : 1",
+     [](Desk& desk) { desk.agent.set("hub-button", "/capability/button/main/0", "button", "pushed"); }, false},
+    {"SigningOut", "sign out! clear all devices info", [](Desk& desk) { desk.agent.signOut(); }, false},
+    {"LosingTheConnection", "5 sec delayed, will start Reinit",
+     [](Desk& desk) { desk.agent.changeConnection(Agent::Connection::IoError); }, false},
+    // The device handler's threads
+    {"ParsingMetadata", "ui metadata parsing done for HL-WASHER-WF24", nullptr, false},
+    {"Subscribing", "device_id : washer, jsonResUri", nullptr, false},
+    {"TakingValues", "_HomeLoomClientGetDeviceRemoteAttributes(): Device Id: washer", nullptr, false},
+    {"ReportingAState", "DeviceStateUpdatedInfo DeviceName:Washer", nullptr, false},
+    // "Normal"
+    {"InARequest", "Action Url: /operational/state/vs/0",
+     [](Desk&) { framework::request("hl_do_main_action", {{"device_id", std::string("washer")}}); }, false},
+    {"InARequestForTheHub", "execute local hub connected device",
+     [](Desk&) { framework::request("hl_do_main_action", {{"device_id", std::string("hub-plug")}}); }, false},
+    {"Scanning", "[SCAN REQUEST]", [](Desk&) { framework::requestDeviceList(); }, false},
+    // The framework's threads
+    {"TakingARequest", "service property name : hl_get_device_info",
+     [](Desk&) { framework::request("hl_get_device_info", {{"device_id", std::string("washer")}}); }, false},
+    // The agent's
+    {"ToldOfAConnection", "_HomeLoomClientConnectionStateChanged(): Result", nullptr, false},
+    {"ToldOfASignOut", "_HomeLoomClientSignInStateChanged(): isSignedIn: 0",
+     [](Desk& desk) { desk.agent.signOut(); }, false},
+    {"HandingOverAReply", "try to set_value of promise", nullptr, false},
+    // The service manager's
+    {"LettingGoForAnUpdate", "deinitClientByAgentUpdate Start",
+     [](Desk&) { ServiceManager::instance().startUpdate(); }, false},
+    {"TakingUpAfterAnUpdate", "initClientByAgentUpdate Start",
+     [](Desk&) { ServiceManager::instance().startUpdate(), ServiceManager::instance().endUpdate(); }, false},
+    // The main loop
+    {"TryingAgain", "try to call homeloom_client_connect",
+     [](Desk& desk) { desk.agent.changeConnection(Agent::Connection::IoError), desk.fireTimer(); }, true},
+    {"TheDisclaimerIsWithdrawn", "homeloom_client_disconnect() ret", [](Desk& desk) { desk.setDisclaimer(0); }, true},
+    {"AButtonIsReadyAgain", "button timer expired",
+     [](Desk& desk) { Press(desk, "hub-button"), desk.fireTimer(); }, true},
+    {"LocationsHaveChanged", "_LocationTimerCallback() start",
+     [](Desk& desk) { desk.agent.renameLocation("home", "Flat"), desk.fireTimer(); }, true},
+};
+// clang-format on
+
+class StoppedWhile : public testing::TestWithParam<Moment> {
+protected:
+    /// Returns when a thread is caught at the moment; it goes on when the end has set its first flags.
+    void CatchThread() {
+        const Moment& moment = GetParam();
+        if (moment.cause != nullptr) {
+            desk.start();
+            Show(desk);
+        }
+        desk.atLogLine(moment.line, [this] {
+            _caught.set_value();
+            desk.log.waitFor("[DeviceHandler] Quit", std::chrono::seconds(1));
+        });
+        moment.cause != nullptr ? moment.cause(desk) : desk.start();
+        ASSERT_EQ(_caught.get_future().wait_for(std::chrono::seconds(30)), std::future_status::ready)
+            << "no line: " << moment.line;
+    }
+
+    Desk desk{Desk::apartmentWith({"washer", "bedside-button", "hub-button", "hub-plug", "tv-hub"})};
+
+private:
+    std::promise<void> _caught;
+};
+class StoppedByTheMainLoopWhile : public StoppedWhile {};
+
+TEST_P(StoppedWhile, _) {
+    CatchThread();
+    desk.stop();
+}
+
+TEST_P(StoppedByTheMainLoopWhile, _) {
+    CatchThread();
+    desk.stopOnMainLoop();
+}
+
+const auto kNameOf = [](const auto& moment) { return std::string(moment.param.name); };
+INSTANTIATE_TEST_SUITE_P(Teardown, StoppedWhile, testing::ValuesIn(kMoments), kNameOf);
+// The loop can't be busy with both.
+INSTANTIATE_TEST_SUITE_P(Teardown, StoppedByTheMainLoopWhile,
+                         testing::ValuesIn(std::begin(kMoments),
+                                           std::find_if(std::begin(kMoments), std::end(kMoments),
+                                                        [](const Moment& m) { return m.isOnMainLoop; })),
+                         kNameOf);
+
+// ---- Stopped with much or nothing to do ----
+
+class Teardown : public testing::TestWithParam<bool> {
+protected:
+    void Stop() { GetParam() ? desk.stopOnMainLoop() : desk.stop(); }
+
+    Desk desk{Desk::apartmentWith({"washer", "bedside-button", "hub-button", "hub-plug", "tv-hub"})};
+};
+INSTANTIATE_TEST_SUITE_P(Teardown, Teardown, testing::Bool(),
+                         [](const auto& onLoop) { return onLoop.param ? "ByTheMainLoop" : "ByAThread"; });
+
+TEST_P(Teardown, RightAfterTheStart) {
+    desk.start();
+    Stop();
+}
+
+TEST_P(Teardown, WithoutAConnectionEver) {
+    desk.agent.fault("homeloom_client_connect", Fault::never());
+    desk.start();
+    Stop();
+}
+
+TEST_P(Teardown, EndsCallsThatAreNeverAnswered) {
+    desk.start();
+    Show(desk);
+    for (const char* function : {"homeloom_core_create_room_async", "homeloom_core_get_scene_list_async",
+                                 "homeloom_client_set_remote_attributes", "homeloom_client_get_remote_attributes",
+                                 "homeloom_core_get_rule_list_async"}) {
+        desk.agent.fault(function, Fault::never());
+    }
+    const auto action = framework::request("hl_do_main_action", {{"device_id", std::string("washer")}});
+    framework::request("hl_get_device_info", {{"device_id", std::string("washer")}});
+    framework::request("hl_create_room", {{"location_id", std::string("home")}, {"room_name", std::string("Attic")}});
+    desk.agent.sendDeviceDetailList(desk.agent.home().devices);
+    EXPECT_TRUE(desk.log.waitFor("async job requested"));
+    desk.waitForLateCall();
+    Stop();
+    EXPECT_TRUE(desk.log.contains("ESCAPE!. Context Not Running"));
+    EXPECT_FALSE(desk.isAnswered(action));
+}
+
+TEST_P(Teardown, WithTimersArmed) {
+    desk.start();
+    Show(desk);
+    Press(desk, "bedside-button");
+    Press(desk, "hub-button");
+    desk.agent.renameLocation("home", "Flat");
+    EXPECT_TRUE(desk.log.waitFor("location list updated"));
+    desk.settle();
+    desk.agent.changeConnection(Agent::Connection::Rejected);
+    EXPECT_TRUE(desk.log.waitFor("will start Reinit"));
+    EXPECT_GE(desk.armedTimers(), 3);
+    Stop();
+}
+
+TEST_P(Teardown, InAStormOfJobs) {
+    desk.start();
+    Show(desk);
+    std::thread requests([] {
+        for (int i = 0; i < 1000; ++i) {
+            framework::request("hl_get_device_info", {{"device_id", std::string("washer")}});
+            framework::request("hl_change_device_name");
+        }
+    });
+    for (int i = 0; i < 1000; ++i) {
+        desk.agent.set("washer", kState, kStateProperty, i % 2 == 0 ? "Run" : "Pause");
+        desk.agent.set("hub-plug", "/capability/switch/main/0", "switch", i % 2 == 0 ? "on" : "off");
+    }
+    Stop();
+    requests.join();
+    framework::waitIdle();
+    homeloom::desktop::forgetPluginExceptions();  // requests that came between the end and the unsubscribing
+}
+
+TEST_P(Teardown, InTheMiddleOfAThousandDevices) {
+    desk.agent.load(simulator::generateHome(1000));
+    desk.start();
+    EXPECT_TRUE(desk.log.waitFor("added device id : device-500 to device map"));
+    Stop();
+    EXPECT_FALSE(desk.log.contains("added device id : device-999 to device map"));
+}
