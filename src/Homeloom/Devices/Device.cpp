@@ -32,25 +32,30 @@ Device::Device(const _deviceInfo& info) : _info(info) {}
 
 Device::~Device() = default;
 
-// Each evaluation sets it once for each argument; only what goes out needs the text.
+// Each evaluation sets it once for each argument, mostly to what it was; only what goes out needs the text.
 void Device::SetDeviceOperationalContext(device_context_struct context) {
+    if (_operationalContext && _operationalContext->uri == context.uri &&
+        _operationalContext->property == context.property && _operationalContext->value == context.value) {
+        return;
+    }
     _operationalContext = std::move(context);
+    _operationalContextText.clear();
 }
 
 std::string Device::GetDeviceOperationalContext() const {
-    if (!_operationalContext) {
-        return {};
+    if (!_operationalContext || !_operationalContextText.empty()) {
+        return _operationalContextText;
     }
     try {
         auto document = json::JsonValue::CreateObject();
         document.set("uri", _operationalContext->uri);
         document.set("property", _operationalContext->property);
         document.set("value", _operationalContext->value);
-        return document.toString();
+        _operationalContextText = document.toString();
     } catch (const std::exception& e) {
         HL_LOG_EXCEPTION(e);
-        return {};
     }
+    return _operationalContextText;
 }
 
 bool Device::IsCameraDevice() const {

@@ -153,6 +153,7 @@ private:
     bool _runningState = false;
     bool _isControllable = false;
     std::optional<device_context_struct> _operationalContext;
+    mutable std::string _operationalContextText;  // made when it is first asked for
 
     std::mutex _timerMutex;  // a leaf: guards the next two
     std::function<void()> _timerCallback;
