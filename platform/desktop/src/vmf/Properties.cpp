@@ -17,6 +17,9 @@ PropertyListTable& propertyLists() {
 
 namespace {
 
+// As many as a device's state has; longer lists grow.
+constexpr std::size_t kUsualProperties = 20;
+
 vmf_error_e errorOf(int fault) {
     return static_cast<vmf_error_e>(fault);
 }
@@ -162,7 +165,9 @@ vmf_property_list_h vmf_property_list_create(vmf_error_e* error) {
     if (*error != VMF_ERROR_NONE) {
         return nullptr;
     }
-    const vmf_property_list_h handle = propertyLists().add(std::make_unique<PropertyList>());
+    auto made = std::make_unique<PropertyList>();
+    made->properties.reserve(kUsualProperties);
+    const vmf_property_list_h handle = propertyLists().add(std::move(made));
     if (handle == nullptr) {
         *error = VMF_ERROR_OUT_OF_MEMORY;
     }
