@@ -1,12 +1,15 @@
 #include "support/Desk.h"
 
 #include <glib.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <future>
 #include <iostream>
 #include <memory>
@@ -16,7 +19,6 @@
 
 #include <gmock/gmock.h>
 
-#include "Homeloom/Common/MsgDispatcher.h"
 #include "desktop/Guard.h"
 #include "plugin_interface.h"
 #include "simulator/ServiceManager.h"
@@ -25,7 +27,6 @@ namespace framework = homeloom::desktop::framework;
 namespace settings = homeloom::desktop::settings;
 using framework::Report;
 using simulator::Agent;
-using VMFramework::HomeLoom::SGTMsgDispatcher;
 
 namespace {
 
@@ -48,6 +49,28 @@ std::vector<GSource*> timers() {
         }
     }
     return found;
+}
+
+// How often each of the other threads has run; empty unless all of them sleep. Told twice the same, nobody has run in
+// between, and nobody is left who could wake another.
+std::string turnsOfSleepingThreads() {
+    const std::string self = std::to_string(gettid());
+    std::string turns;
+    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
+        if (task.path().filename() == self) {
+            continue;
+        }
+        std::ifstream status(task.path() / "status");
+        for (std::string line; std::getline(status, line);) {
+            if (line.rfind("State:", 0) == 0 && line.find("S (") == std::string::npos) {
+                return "";
+            }
+            if (line.find("ctxt_switches:") != std::string::npos) {
+                turns += line + "\n";
+            }
+        }
+    }
+    return turns;
 }
 
 }  // namespace
@@ -232,24 +255,13 @@ bool Desk::isAnswered(framework::TransactionId request) const {
 }
 
 void Desk::settle() const {
-    const auto happened = [this] {
-        std::size_t count = framework::reportCount();
-        for (const auto& [name, calls] : agent.calls()) {
-            count += static_cast<std::size_t>(calls.count);
-        }
-        return count;
-    };
-    for (std::size_t before = 0, now = 1; before != now;) {
-        before = happened();
-        agent.waitIdle();
-        framework::waitIdle();
-        std::promise<void> scheduled;
-        SGTMsgDispatcher::GetInstance().EnqueueData([&] { scheduled.set_value(); }, "settle");
-        scheduled.get_future().wait();
-        // Answered on "Normal" in any state of the session, with a failure.
-        ask("hl_change_device_name", {});
-        now = happened() - 1;
-    }
+    std::string before;
+    poll("peace", [&] {
+        std::string now = turnsOfSleepingThreads();
+        const bool isQuiet = !now.empty() && now == before;
+        before = std::move(now);
+        return isQuiet;
+    });
 }
 
 void Desk::poll(const std::string& what, const std::function<bool()>& test) const {

@@ -66,7 +66,7 @@ public:
     /// Sends a request and waits for what answers it.
     ReportPtr ask(const std::string& name, const Fields& arguments) const;
     bool isAnswered(homeloom::desktop::framework::TransactionId request) const;
-    /// Waits until agent, framework, scheduler and "Normal" dispatcher have no more to do for one another.
+    /// Waits until every other thread of the process sleeps and none will wake another: what was caused has happened.
     void settle() const;
     /// Waits until a call stands out whose answer the agent keeps back: Agent::hurry() brings it.
     void waitForLateCall() const;
