@@ -1,0 +1,130 @@
+#ifndef HOMELOOM_HOMELOOM_IOTHUB_IPCPROXYBASE_H
+#define HOMELOOM_HOMELOOM_IOTHUB_IPCPROXYBASE_H
+
+#include <rpc_port.h>
+
+#include <atomic>
+#include <list>
+#include <memory>
+#include <mutex>
+#include <string>
+
+/// The client end of "IHubControl", the port of the hub control application.
+namespace rpc_port::IPCProxyBase::proxy {
+
+// Not derived from std::exception: whoever calls the hub catches each of them.
+class NotConnectedSocketException {};
+class InvalidProtocolException {};
+class InvalidIOException {};
+class PermissionDeniedException {};
+class InvalidIDException {};
+
+/// A delegate: what the hub control application is given to answer to.
+class CallbackBase {
+public:
+    CallbackBase(int id, bool once);
+    virtual ~CallbackBase() = default;
+    CallbackBase(const CallbackBase&) = delete;
+    CallbackBase& operator=(const CallbackBase&) = delete;
+
+    /// On the main loop. The parcel stands behind the delegate's own three fields and stays with the caller.
+    virtual void OnReceivedEvent(void* parcel) = 0;
+
+    int GetId() const { return id; }
+    int GetSeqId() const { return seq_id; }
+    bool IsOnce() const { return once; }
+    /// "ID::SEQUENCE".
+    std::string GetTag() const;
+
+private:
+    static std::atomic<int> seq_num_;
+
+    const int id;
+    const int seq_id;  // unique within the process: all delegates of one kind have the same id
+    const bool once;
+};
+
+/// The delegate of all calls of this port.
+class OnEvent : public CallbackBase {
+public:
+    static constexpr int kDelegateId = 1;
+
+    explicit OnEvent(bool isOnce = false) : CallbackBase(kDelegateId, isOnce) {}
+
+    void OnReceivedEvent(void* parcel) override;
+    /// On the main loop, without a lock: may call the port again.
+    virtual void OnReceived(int event, std::string data);
+};
+
+/// Told on the main loop, without a lock. The listener may call the port again.
+class IEventListener {
+public:
+    virtual void OnConnected() = 0;
+    virtual void OnDisconnected() = 0;
+    virtual void OnRejected() = 0;
+
+protected:
+    ~IEventListener() = default;
+};
+
+/// Calls throw NotConnectedSocketException without a connection and InvalidIOException when the parcel can't be sent.
+/// They may be made on any thread, and none of them needs the main loop.
+class IHubControl {
+public:
+    /// The listener stays with the caller and must live longer. Throws InvalidIOException if there is no IPC.
+    IHubControl(IEventListener* listener, const std::string& targetAppId);
+    /// After it neither listener nor delegate is called, unless one of them is the caller.
+    virtual ~IHubControl();
+    IHubControl(const IHubControl&) = delete;
+    IHubControl& operator=(const IHubControl&) = delete;
+
+    /// The listener is told the outcome. Throws InvalidIOException, PermissionDeniedException or InvalidIDException.
+    void Connect(bool sync);
+
+    // A delegate is kept until it is disposed of, the connection ends or, if it is for one event, until that came.
+    // It is kept when the call fails, too.
+    void StartOnboarding(std::string accessToken, std::string locationId, std::string roomId,
+                         std::unique_ptr<OnEvent> callback);
+    void StopOnboarding(std::unique_ptr<OnEvent> callback);
+    void ResetHub(std::unique_ptr<OnEvent> callback);
+    void ResetDongle(std::unique_ptr<OnEvent> callback);
+    void SetEventCallback(std::unique_ptr<OnEvent> callback);
+    void CheckHubPpAgreement();
+    void SetHubPpAgreement();
+
+    /// Waits for the answer on the calling thread, for RPC_PORT_TIME_LIMIT_MS at most. Throws InvalidProtocolException,
+    /// too, when none comes.
+    bool GetHubInfo(std::string& info);
+
+    void DisposeCallback(const std::string& tag);
+
+private:
+    enum class Method : int;
+    class Parcel;
+
+    static void OnConnectedCB(const char* endpoint, const char* portName, rpc_port_h port, void* userData);
+    static void OnDisconnectedCB(const char* endpoint, const char* portName, void* userData);
+    static void OnRejectedCB(const char* endpoint, const char* portName, void* userData);
+    static void OnReceivedCB(const char* endpoint, const char* portName, void* userData);
+
+    void CheckConnection();
+    void CallWithDelegate(Parcel& parcel, std::unique_ptr<OnEvent> callback);
+    /// With the mutex held.
+    void Send(Parcel& parcel);
+    Parcel ConsumeCommand();
+    void ProcessReceivedEvent(Parcel& parcel);
+
+    rpc_port_h _port = nullptr;          // not null: connected
+    rpc_port_h _callbackPort = nullptr;  // of type 1
+    rpc_port_proxy_h _proxy = nullptr;
+    std::atomic<IEventListener*> _listener;
+    std::recursive_mutex _mutex;  // over the ports, a send, and a send with its answer; never over a delegate's call
+    std::mutex _delegatesMutex;   // a leaf, so that an event need not wait for another thread's answer
+    std::list<std::shared_ptr<CallbackBase>> _delegates;
+    int _abandonedAnswers = 0;  // answers that nobody waited for to the end: they carry no number, and come first
+    const std::string _targetAppId;
+};
+
+}  // namespace rpc_port::IPCProxyBase::proxy
+
+#endif
