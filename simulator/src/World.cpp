@@ -2,9 +2,14 @@
 
 #include <algorithm>
 
+#include "AgentApp.h"
 #include "Json.h"
 
 namespace simulator {
+
+World::World() {
+    installAgentApp();
+}
 
 World& World::instance() {
     // Never destroyed: its thread may be calling back while the process ends.

@@ -135,7 +135,7 @@ public:
     void guarded(const char* name, const Delivery& delivery);
 
 private:
-    World() = default;
+    World();
 
     using Touched = std::vector<std::pair<std::string, std::vector<std::string>>>;  // URIs with their properties
     static bool convert(const Device& device, const std::vector<Change>& changes, std::vector<Change>& converted);

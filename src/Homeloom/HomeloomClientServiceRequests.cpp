@@ -4,6 +4,7 @@
 #include "Common/HLLog.h"
 #include "Homeloom/ExternalService/ExternalServiceHandler.h"
 #include "Homeloom/HomeloomClient.h"
+#include "Homeloom/Tessel/CServerEnvMgr.h"
 #include "Homeloom/WifiLocker/WifiLockerHandler.h"
 
 namespace VMFramework::HomeLoom {
@@ -68,9 +69,10 @@ void HomeloomClient::OnboardIrDevice(const Transaction&, const std::shared_ptr<I
     }
 }
 
-void HomeloomClient::SetServerEnv(const Transaction& transaction, int, int) {
+void HomeloomClient::SetServerEnv(const Transaction& transaction, int iotCloud, int uiMeta) {
     requireClientAvailable();
     SetServerEnvParam param(transaction);
+    param.result = CServerEnvMgr::GetInstance().SetServerEnv(iotCloud, uiMeta);
     Reporter::Report(param);
 }
 

@@ -1,12 +1,33 @@
 #include "Homeloom/Network/CHubRequester.h"
 
+#include <exception>
+
 #include "Common/HLLog.h"
 
 namespace VMFramework::HomeLoom {
 
-bool CHubRequester::RequestIsHubExist(const std::string&, const std::string& hubDeviceId) {
-    HL_LOGE("the cloud can't be asked, hub counts as existing : %s", hubDeviceId.c_str());
-    return true;
+namespace {
+
+// The cloud's word for a hub that is no longer on the account. Of all answers only this one takes the hub away.
+constexpr long kForbidden = 403;
+
+}  // namespace
+
+bool CHubRequester::RequestIsHubExist(const std::string& accessToken, const std::string& hubDeviceId) {
+    try {
+        _SetHeaderList({"Authorization: Bearer " + accessToken});
+        _SetMethod(HttpMethod::Get);
+        _SetUrl(_GetServerUrl() + "devices/" + hubDeviceId);
+        _SetBody("");
+        _SetDataBody("");
+        std::string response;
+        const long code = _Request(response);
+        HL_LOGI("HttpError: %ld, responseBody: %s", code, response.c_str());
+        return code != kForbidden;
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+        return true;
+    }
 }
 
 }  // namespace VMFramework::HomeLoom

@@ -3,13 +3,15 @@
 
 #include <string>
 
+#include "Homeloom/Network/CGeneralRequester.h"
+
 namespace VMFramework::HomeLoom {
 
 /// Asks the cloud about this TV's hub.
-class CHubRequester {
+class CHubRequester : public CGeneralRequester {
 public:
     /// Whether the cloud knows the hub. True also when that can't be found out: a hub is reset on a false, and must
-    /// never be reset on a guess.
+    /// never be reset on a guess. Blocks for up to 15 seconds.
     bool RequestIsHubExist(const std::string& accessToken, const std::string& hubDeviceId);
 };
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Common/CSingleton.h"
+#include "Homeloom/Network/CRestHandler.h"
 #include "Homeloom/Tessel/ITesselHandler.h"
 
 namespace VMFramework::HomeLoom {
@@ -15,7 +16,7 @@ namespace VMFramework::HomeLoom {
 ///
 /// One plain mutex is held for the whole of each operation, a blocking one included: no operation may call another
 /// one under it. That is what the private forms that begin with "_" are for.
-class TesselHandler : public ITesselHandler, public CSingleton<TesselHandler> {
+class TesselHandler : public ITesselHandler, public CSingleton<TesselHandler>, public CRestHandler {
 public:
     // ---- Session ----
 

@@ -6,7 +6,7 @@
 
 namespace homeloom::desktop {
 
-/// Makes calls of the framework's functions (vmf_*.h) fail, by name.
+/// Makes calls of the framework's functions (vmf_*.h) and of app_control.h's fail, by name.
 ///
 ///     failCalls("vmf_service_handler_create", VMF_ERROR_FAILED);         // null
 ///     failCalls("vmf_service_handler_notify", -5, afterCalls(2));          // the third and all that follow
@@ -17,6 +17,9 @@ namespace homeloom::desktop {
 struct CallRange {
     int skip = 0;    // calls that pass first
     int times = -1;  // calls that fail then; -1: all
+
+    /// Counts a call: whether it is to fail.
+    bool take();
 };
 inline CallRange firstCalls(int count) {
     return {0, count};

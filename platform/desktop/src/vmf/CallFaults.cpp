@@ -28,9 +28,27 @@ std::map<std::string, Fault, std::less<>>& faults() {
 
 }  // namespace
 
+bool CallRange::take() {
+    if (skip > 0) {
+        --skip;
+        return false;
+    }
+    if (times == 0) {
+        return false;
+    }
+    if (times > 0) {
+        --times;
+    }
+    return true;
+}
+
 const std::vector<std::string>& failableFunctions() {
     static const std::vector<std::string> names = [] {
         std::vector<std::string> all = {
+            "app_control_add_extra_data",
+            "app_control_create",
+            "app_control_send_launch_request",
+            "app_control_set_app_id",
             "vmf_endpoint_copy",
             "vmf_endpoint_create",
             "vmf_endpoint_list_create",
@@ -106,21 +124,7 @@ int takeFault(const char* function) {
     assert(std::binary_search(failableFunctions().begin(), failableFunctions().end(), function));
     const std::lock_guard lock(faultsMutex);
     const auto found = faults().find(std::string_view(function));
-    if (found == faults().end()) {
-        return 0;
-    }
-    CallRange& range = found->second.range;
-    if (range.skip > 0) {
-        --range.skip;
-        return 0;
-    }
-    if (range.times == 0) {
-        return 0;
-    }
-    if (range.times > 0) {
-        --range.times;
-    }
-    return found->second.code;
+    return found != faults().end() && found->second.range.take() ? found->second.code : 0;
 }
 
 }  // namespace homeloom::desktop

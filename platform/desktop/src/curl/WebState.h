@@ -1,0 +1,23 @@
+#ifndef HOMELOOM_DESKTOP_CURL_WEBSTATE_H
+#define HOMELOOM_DESKTOP_CURL_WEBSTATE_H
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace homeloom::desktop::web {
+
+/// What a request has to know of the desk.
+struct Surroundings {
+    std::vector<std::string> connectTo;  // as CURLOPT_CONNECT_TO wants them
+    std::string caFile;                  // empty: this machine's
+    long millisecondsPerSecond;
+};
+Surroundings surroundings();
+
+/// Whether this step is to fail. Each step asks once, with its own name.
+bool takeFailure(std::string_view step);
+
+}  // namespace homeloom::desktop::web
+
+#endif
