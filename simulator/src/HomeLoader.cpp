@@ -309,7 +309,7 @@ private:
 
     void readDevice(const Node& node) {
         node.allow({"id", "name", "nick", "prefix", "vid", "types", "status", "location", "room", "resources",
-                    "osv_resources", "core", "energy_this_month"});
+                    "osv_resources", "core", "energy_this_month", "stream", "images"});
         const std::string vid = node["vid"].text();
         const auto pattern = _patterns.find(vid);
         if (pattern == _patterns.end()) {
@@ -333,6 +333,8 @@ private:
         readResources(node, device.resources);
         readCore(node["core"], device.core);
         device.energyThisMonth = node["energy_this_month"].number(-1);
+        device.stream = node["stream"].text("");
+        device.images = node["images"].texts();
         _home.devices.push_back(std::move(device));
     }
 

@@ -91,4 +91,9 @@ std::string textMember(const json::value& value, std::string_view name) {
     return member != nullptr && member->is_string() ? std::string(member->get_string()) : std::string();
 }
 
+const json::value* memberOf(const json::value* value, std::string_view name) {
+    const json::object* object = value == nullptr ? nullptr : value->if_object();
+    return object == nullptr ? nullptr : object->if_contains(name);
+}
+
 }  // namespace simulator

@@ -20,6 +20,8 @@ json::value parsed(std::string_view text);
 std::string plain(const std::string& jsonText);
 /// The member's text; "" when it is no object, has no such member, or not as a text.
 std::string textMember(const json::value& value, std::string_view name);
+/// The member; null when it is no object, or has no such member.
+const json::value* memberOf(const json::value* value, std::string_view name);
 
 }  // namespace simulator
 

@@ -90,7 +90,9 @@ struct Device {
     std::string room;  // empty: in no room
     std::vector<Resource> resources;
     CoreRecord core;
-    int energyThisMonth = -1;  // watt hours; -1: not metered
+    int energyThisMonth = -1;         // watt hours; -1: not metered
+    std::string stream;               // the address that the audio-video service gives for it; empty: none
+    std::vector<std::string> images;  // ids of the files with pictures of its inside that the cloud has
 
     const Resource* find(const std::string& uri) const;
     Resource* find(const std::string& uri);

@@ -2,6 +2,7 @@
 #include <homeloom_core.h>
 
 #include "../Calls.h"
+#include "../Commands.h"
 #include "../Json.h"
 
 using namespace simulator;
@@ -73,62 +74,6 @@ int give(char** out, const json::value* value) {
         return HOMELOOM_CLIENT_ERROR_NO_DATA;
     }
     *out = handOut(toText(*value));
-    return HOMELOOM_CLIENT_ERROR_NONE;
-}
-
-const json::value* memberOf(const json::value* value, const char* name) {
-    const json::object* object = value == nullptr ? nullptr : value->if_object();
-    return object == nullptr ? nullptr : object->if_contains(name);
-}
-
-const Command* findCommand(const World& world, const Device& device, const json::value& wanted) {
-    const Model* model = world.home.model(device.vid);
-    if (model == nullptr) {
-        return nullptr;
-    }
-    for (const Command& command : model->commands) {
-        if (command.component == textMember(wanted, "component") &&
-            command.capability == textMember(wanted, "capability") &&
-            command.command == textMember(wanted, "command")) {
-            return &command;
-        }
-    }
-    return nullptr;
-}
-
-/// The command's changes, with its arguments in place.
-std::vector<Change> changesOf(const Command& command, const json::value& call) {
-    std::vector<Change> changes = command.changes;
-    const json::value* member = memberOf(&call, "arguments");
-    const json::array* arguments = member == nullptr ? nullptr : member->if_array();
-    for (std::size_t i = 0; arguments != nullptr && i < arguments->size(); ++i) {
-        for (Change& change : changes) {
-            if (change.value == quoted("$" + std::to_string(i))) {
-                change.value = toText((*arguments)[i]);
-            }
-        }
-    }
-    return changes;
-}
-
-/// Carries out all commands or, when one of them isn't known, none.
-int execute(World& world, Device& device, const std::string& text, json::object& reply) {
-    const json::value request = parsed(text);
-    const json::value* commands = memberOf(&request, "commands");
-    if (commands == nullptr || !commands->is_array()) {
-        return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
-    }
-    for (const json::value& call : commands->get_array()) {
-        if (findCommand(world, device, call) == nullptr) {
-            return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
-        }
-    }
-    json::array results;
-    for (const json::value& call : commands->get_array()) {
-        const bool isDone = world.change(device, changesOf(*findCommand(world, device, call), call));
-        results.push_back({{"id", device.id}, {"status", isDone ? "ACCEPTED" : "FAILED"}});
-    }
-    reply = {{"results", results}};
     return HOMELOOM_CLIENT_ERROR_NONE;
 }
 
@@ -216,7 +161,7 @@ int homeloom_core_execute_device(homeloom_client_h client, const char* device_id
             return HOMELOOM_CLIENT_ERROR_IO;
         }
         json::object reply;
-        const int code = execute(world, *device, json_command, reply);
+        const int code = executeCommands(world, *device, json_command, reply);
         const json::value value = reply;
         return code != 0 ? code : give(response_json, &value);
     });
