@@ -240,6 +240,13 @@ inline constexpr char HL_HUB_DI[] = "hl_hub_di";
 inline constexpr char HL_HUB_DISCOVERY_TIMEOUT[] = "hl_hub_discovery_timeout";
 inline constexpr char HL_HUB_AGENT_INSTALL_STARTED[] = "hl_hub_agent_install_started";
 
+// Keys of infrared devices, beside CODESET
+inline constexpr char BRAND[] = "brand";
+inline constexpr char DEVICE_TYPE[] = "device_type";
+inline constexpr char DISPLAY_NAME[] = "display_name";
+inline constexpr char PARENT_ID[] = "parent_id";
+inline constexpr char AIRCON_STATE[] = "aircon_state";
+
 // Keys of icons
 inline constexpr char DEVICE_ICON_INFO[] = "device_icon_info";
 inline constexpr char ICON_DEVICE_ID[] = "deviceId";

@@ -22,6 +22,7 @@
 #include "Homeloom/Favorite/FavoriteHandler.h"
 #include "Homeloom/IR/IRHandler.h"
 #include "Homeloom/IoTHub/CHubHandler.h"
+#include "Homeloom/Life/LifeHandler.h"
 #include "Homeloom/Location/LocationHandler.h"
 #include "Homeloom/Routine/RoutineHandler.h"
 #include "Homeloom/Scene/SceneHandler.h"
@@ -64,6 +65,7 @@ HomeloomClient::HomeloomClient()
 HomeloomClient::~HomeloomClient() {
     _isTerminating = true;
     _wifiLockerHandler.reset();
+    _lifeHandler.Reset();
     _coreDeviceHandler.Reset();
     _deviceHandler.Reset();
     _externalServiceHandler.reset();
@@ -91,6 +93,9 @@ void HomeloomClient::makeReplaceableHandlers() {
     }
     if (!_coreDeviceHandler.Get()) {
         _coreDeviceHandler.Set(std::make_shared<CoreDeviceHandler>());
+    }
+    if (!_lifeHandler.Get()) {
+        _lifeHandler.Set(std::make_shared<LifeHandler>());
     }
 }
 
@@ -201,6 +206,9 @@ void HomeloomClient::quitHandlers() {
     }
     if (const auto location = _locationHandler.Get()) {
         location->Quit();
+    }
+    if (const auto life = _lifeHandler.Get()) {
+        life->Quit();
     }
 }
 

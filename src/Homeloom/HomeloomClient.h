@@ -13,6 +13,7 @@
 #include <homeloom_core.h>
 #include <vconf.h>
 
+#include "Common/HLLog.h"
 #include "Homeloom/Canvas/Canvas.h"
 #include "Homeloom/Common/HandlerSlot.h"
 #include "Homeloom/Connector.h"
@@ -36,6 +37,7 @@ class ExternalServiceHandler;
 class FavoriteHandler;
 class IPropertyListHelper;
 class IRHandler;
+class LifeHandler;
 class LocationHandler;
 class RoutineHandler;
 class SceneHandler;
@@ -338,6 +340,7 @@ private:
     std::shared_ptr<ExternalServiceHandler> _externalServiceHandler;
     HandlerSlot<DeviceHandler> _deviceHandler;
     HandlerSlot<CoreDeviceHandler> _coreDeviceHandler;
+    HandlerSlot<LifeHandler> _lifeHandler;
     std::shared_ptr<WifiLockerHandler> _wifiLockerHandler;
 
     CTesselUpdateChecker _updateChecker;
@@ -349,6 +352,15 @@ private:
     mutable std::recursive_mutex _sessionMutex;
     RetryCounter _retryCounter;
 };
+
+template <typename Handler>
+std::shared_ptr<Handler> HomeloomClient::handlerOf(const HandlerSlot<Handler>& slot) {
+    auto handler = slot.Get();
+    if (!handler) {
+        HL_LOGE("handler is gone, the request ends here");
+    }
+    return handler;
+}
 
 }  // namespace VMFramework::HomeLoom
 

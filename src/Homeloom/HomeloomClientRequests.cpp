@@ -55,15 +55,6 @@ bool HomeloomClient::isRefusedWithoutAgent() const {
     return true;
 }
 
-template <typename Handler>
-std::shared_ptr<Handler> HomeloomClient::handlerOf(const HandlerSlot<Handler>& slot) {
-    auto handler = slot.Get();
-    if (!handler) {
-        HL_LOGE("handler is gone, the request ends here");
-    }
-    return handler;
-}
-
 bool HomeloomClient::isSkippedWithoutAgent() const {
     if (getIsAgentConnected()) {
         return false;

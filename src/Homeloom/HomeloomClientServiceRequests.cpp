@@ -4,19 +4,12 @@
 #include "Common/HLLog.h"
 #include "Homeloom/ExternalService/ExternalServiceHandler.h"
 #include "Homeloom/HomeloomClient.h"
+#include "Homeloom/IR/IRHandler.h"
+#include "Homeloom/Life/LifeHandler.h"
 #include "Homeloom/Tessel/CServerEnvMgr.h"
 #include "Homeloom/WifiLocker/WifiLockerHandler.h"
 
 namespace VMFramework::HomeLoom {
-
-namespace {
-
-// A service without a handler leaves the request unanswered, as every path does that does not serve one.
-void LogNotServed(const char* service) {
-    HL_LOGE("%s has no handler, the request ends here", service);
-}
-
-}  // namespace
 
 // The profile operations serve these two: the agent's own registration of the same name has no caller.
 void HomeloomClient::SetThirdPartyNotification(const Transaction& transaction, const std::string& provider,
@@ -47,12 +40,16 @@ void HomeloomClient::GetThridPartyNotificationStatus(const Transaction& transact
     }
 }
 
-void HomeloomClient::GetInstalledServiceAppInfo(const Transaction&, const std::string&) {
-    LogNotServed("service apps");
+void HomeloomClient::GetInstalledServiceAppInfo(const Transaction& transaction, const std::string& locationId) {
+    if (const auto life = handlerOf(_lifeHandler)) {
+        life->GetInstalledServiceAppInfo(transaction, locationId);
+    }
 }
 
-void HomeloomClient::GetEnergyInfo(const Transaction&, const std::string&) {
-    LogNotServed("energy");
+void HomeloomClient::GetEnergyInfo(const Transaction& transaction, const std::string& installedAppId) {
+    if (const auto life = handlerOf(_lifeHandler)) {
+        life->GetEnergyInfo(transaction, installedAppId);
+    }
 }
 
 void HomeloomClient::GetWifiLockerUserSetting(const Transaction& transaction) {
@@ -63,9 +60,9 @@ void HomeloomClient::SetWifiLockerUserSetting(const Transaction& transaction, co
     _wifiLockerHandler->SetWifiLockerUserSetting(transaction, settingJson);
 }
 
-void HomeloomClient::OnboardIrDevice(const Transaction&, const std::shared_ptr<IPropertyListHelper>&) {
+void HomeloomClient::OnboardIrDevice(const Transaction& transaction, const std::shared_ptr<IPropertyListHelper>& list) {
     if (!isRefusedWithoutAgent()) {
-        LogNotServed("infrared onboarding");
+        _irHandler->OnboardIRDevice(transaction, list);
     }
 }
 
@@ -78,6 +75,9 @@ void HomeloomClient::SetServerEnv(const Transaction& transaction, int iotCloud, 
 
 void HomeloomClient::handleSseSmartAppEvent(const std::string& json) {
     HL_LOGI("json : %s", json.c_str());
+    if (const auto life = _lifeHandler.Get()) {
+        life->HandleSseSmartAppEvent(json);
+    }
 }
 
 }  // namespace VMFramework::HomeLoom

@@ -12,6 +12,7 @@
 #include "Homeloom/CoreDevices/CoreDeviceHandler.h"
 #include "Homeloom/Devices/DeviceHandler.h"
 #include "Homeloom/HomeloomClient.h"
+#include "Homeloom/Life/LifeHandler.h"
 #include "Homeloom/Location/LocationHandler.h"
 #include "Homeloom/Routine/RoutineHandler.h"
 #include "Homeloom/Scene/SceneHandler.h"
@@ -73,6 +74,7 @@ void HomeloomClient::deinitClientByAgentUpdate() {
         // The group callback is the location handler's; without the handler nobody takes it back.
         TesselHandler::GetInstance().UnsetGroupListUpdatedCb();
         _locationHandler.Reset();
+        _lifeHandler.Reset();
         _retryCounter.Reset();
         setIsAgentConnected(false);
         unsetDisclaimerAgreeChangedCallback();

@@ -261,7 +261,7 @@ TEST_F(AgentHome, ListsOfEveryFamily) {
     EXPECT_EQ(homeloom_core_get_installed_app_list_async(client, onApps, this), 0);
     EXPECT_THAT(taken(), ElementsAre("list parents-welcome", "scene 0", "scene -61", "list parents-heating",
                                      "list home parents", "list fav-washer fav-light fav-night", "list",
-                                     "list installed-energy installed-dr installed-dr-parents"));
+                                     "list installed-energy installed-dr installed-savings installed-dr-parents"));
 
     char** ids = nullptr;
     int count = 0;
@@ -315,7 +315,7 @@ TEST_F(AgentHome, AnswersOfTheCloud) {
     char* reply = nullptr;
     const char* const energy = R"({"method":"GET","uri":"/v3/tv/consumped-energy-devices?period=thisMonth"})";
     ASSERT_EQ(homeloom_core_execute_installed_app(client, "installed-energy", energy, &reply), 0);
-    EXPECT_THAT(owned(reply), HasSubstr(R"({"deviceId":"washer","consumedEnergy":9200})"));
+    EXPECT_THAT(owned(reply), HasSubstr(R"({"deviceId":"washer","consumpedEnergy":9200})"));
     ASSERT_EQ(
         homeloom_core_create_ir_device(
             client, "home", R"({"ocfDeviceType":"oic.d.fan","parentDeviceId":"tv-living","label":"Fan"})", &reply),

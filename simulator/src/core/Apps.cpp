@@ -33,7 +33,8 @@ json::object energyOf(const World& world, const InstalledApp& app) {
     json::array devices;
     for (const Device& device : world.home.devices) {
         if (device.location == app.location && device.energyThisMonth >= 0) {
-            devices.push_back({{"deviceId", device.id}, {"consumedEnergy", device.energyThisMonth}});
+            // The server's spelling again.
+            devices.push_back({{"deviceId", device.id}, {"consumpedEnergy", device.energyThisMonth}});
         }
     }
     return {{"statusCode", 200}, {"body", devices}};

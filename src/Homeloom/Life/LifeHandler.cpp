@@ -1,0 +1,391 @@
+#include "Homeloom/Life/LifeHandler.h"
+
+#include <system_info.h>
+#include <system_settings.h>
+
+#include <cstdlib>
+#include <ctime>
+#include <exception>
+#include <iomanip>
+#include <locale>
+#include <mutex>
+#include <optional>
+#include <sstream>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+
+#include <VMFramework/JsonValue.h>
+
+#include "Common/CException.h"
+#include "Common/CHLUtil.h"
+#include "Common/CReporter.h"
+#include "Common/HLLog.h"
+#include "Common/HLNames.h"
+#include "Homeloom/Life/Energy.h"
+#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/Utils/CFileUtil.h"
+
+namespace VMFramework::HomeLoom {
+
+using json::JsonValue;
+
+namespace {
+
+// A developer's menu writes it; it overrules the TV's own country.
+constexpr char kCountryFile[] = "Country";
+
+/// What the TV says of itself, read once.
+struct Platform {
+    std::string platformVersion;
+    std::string localeLanguage;
+};
+
+std::string Take(int result, char* text) {
+    const std::unique_ptr<char, decltype(&std::free)> owner(text, &std::free);
+    return result == 0 && text != nullptr ? text : "";
+}
+
+Platform ReadPlatform() {
+    Platform platform;
+    char* text = nullptr;
+    int result = system_info_get_platform_string(SYSTEM_INFO_PLATFORM_VERSION, &text);
+    platform.platformVersion = Take(result, std::exchange(text, nullptr));
+    result = system_settings_get_value_string(SYSTEM_SETTINGS_KEY_LOCALE_LANGUAGE, &text);
+    const std::string locale = Take(result, text);
+    platform.localeLanguage = locale.substr(0, locale.find('_'));
+    HL_LOGI("platform version : %s, language : %s", platform.platformVersion.c_str(), platform.localeLanguage.c_str());
+    return platform;
+}
+
+const Platform& GetPlatform() {
+    static const Platform platform = ReadPlatform();
+    return platform;
+}
+
+bool IsSupported(const std::string& serviceCode) {
+    static const std::unordered_set<std::string> supportedServiceCodes{"PUBLIC_DR"};
+    return supportedServiceCodes.count(serviceCode) != 0;
+}
+
+/// A member that ought to be a text; empty for anything else.
+std::string TextMember(const JsonValue& object, const char* name) {
+    const JsonValue member = object[name];
+    return member.isString() ? member.asString() : std::string();
+}
+
+bool GetField(homeloom_core_installed_app_h app, int field, std::string& value) {
+    return TesselHandler::GetInstance().GetInstalledAppString(app, field, value) == 0;
+}
+
+/// The agent's list, given back at the end.
+struct InstalledApps {
+    InstalledApps() = default;
+    InstalledApps(const InstalledApps&) = delete;
+    InstalledApps& operator=(const InstalledApps&) = delete;
+    ~InstalledApps() {
+        if (list != nullptr) {
+            TesselHandler::GetInstance().DestroyInstalledApp(list, count);
+        }
+    }
+
+    homeloom_core_installed_app_h* list = nullptr;
+    int count = 0;
+};
+
+}  // namespace
+
+// ---- Catalog ----
+
+/// App id to what the catalog tells of it. Requests of two threads may read the catalog at the same time: each fills
+/// one of its own, and swaps that in.
+class LifeHandler::Catalog {
+public:
+    bool isUpdated() const {
+        const std::lock_guard<std::mutex> lock(_mutex);
+        return _isUpdated;
+    }
+    void swapIn(Catalog& read) {
+        const std::lock_guard<std::mutex> lock(_mutex);
+        _appsInfo.swap(read._appsInfo);
+        _isUpdated = true;
+    }
+    void add(const std::string& appId, AppInfo info) { _appsInfo[appId] = std::move(info); }
+    std::optional<AppInfo> find(const std::string& appId) const {
+        const std::lock_guard<std::mutex> lock(_mutex);
+        const auto found = _appsInfo.find(appId);
+        return found != _appsInfo.end() ? std::optional<AppInfo>(found->second) : std::nullopt;
+    }
+
+private:
+    mutable std::mutex _mutex;  // a leaf
+    std::unordered_map<std::string, AppInfo> _appsInfo;
+    bool _isUpdated = false;
+};
+
+LifeHandler::Catalog& LifeHandler::catalog() {
+    static Catalog instance;
+    return instance;
+}
+
+LifeHandler::LifeHandler() : Handler("LifeHandler"), _energy(std::make_shared<Energy>()) {
+    GetPlatform();
+}
+
+LifeHandler::~LifeHandler() = default;
+
+void LifeHandler::Quit() {
+    Handler::Quit();
+    _energy->Deinit();
+}
+
+void LifeHandler::updateAppsInfo() {
+    if (catalog().isUpdated()) {
+        return;
+    }
+    HL_LOGI("apps info Not updated yet. will try to update it");
+    const std::string request = makeCatalogRequest();
+    if (IsQuit()) {
+        return;
+    }
+    std::string answer;
+    std::string errorMessage;
+    if (TesselHandler::GetInstance().GetCatalogAppList(request, answer, errorMessage) != 0) {
+        HL_LOGE("failed to get catalog app list. msg: %s", errorMessage.c_str());
+        return;
+    }
+    const JsonValue document = JsonValue::Create(answer);
+    Catalog read;
+    if (readApps(document["apps"], read)) {
+        catalog().swapIn(read);
+    }
+}
+
+std::string LifeHandler::makeCatalogRequest() {
+    JsonValue request = JsonValue::CreateObject();
+    request.set("appType", "serviceApp");
+    request.set("visibility", "public");
+    std::string country = getCountryCode();
+    if (country == "AA") {
+        HL_LOGI("country_code: %s. converting to KR", country.c_str());
+        country = "KR";
+    }
+    if (!country.empty()) {
+        request.set("country", country);
+    }
+    return request.toString();
+}
+
+std::string LifeHandler::getCountryCode() {
+    std::string json;
+    if (CFileUtil::Read(CFileUtil::GetDataFolder() + "/" + kCountryFile, json)) {
+        HL_LOGI("Country file json : %s", json.c_str());
+        const std::string code = TextMember(JsonValue::Create(json), "SelectedCountryCode");
+        if (!code.empty()) {
+            HL_LOGI("country code from debug menu : %s", code.c_str());
+            return code;
+        }
+    }
+    return CHLUtil::GetHLHubCountryCode();
+}
+
+// False unless the whole catalog was read.
+bool LifeHandler::readApps(const JsonValue& apps, Catalog& read) const {
+    if (!apps.isArray()) {
+        HL_LOGE("no apps in the catalog");
+        return false;
+    }
+    HL_LOGI("apps count: %zu", apps.size());
+    for (std::size_t i = 0; i < apps.size(); ++i) {
+        if (IsQuit()) {
+            return false;
+        }
+        readApp(apps[i], read);
+    }
+    return true;
+}
+
+void LifeHandler::readApp(const JsonValue& app, Catalog& read) {
+    const JsonValue serviceApp = app["serviceApp"];
+    const std::string serviceCode = TextMember(serviceApp, "serviceCode");
+    if (!IsSupported(serviceCode)) {
+        HL_LOGI("NOT supported service code: %s", serviceCode.c_str());
+        return;
+    }
+    HL_LOGI("supported service code: %s", serviceCode.c_str());
+    const std::string appId = TextMember(app, "endpointAppId");
+    if (appId.empty()) {
+        return;
+    }
+    const JsonValue plugins = app["appServicePlugins"];
+    for (std::size_t i = 0; plugins.isArray() && i < plugins.size(); ++i) {
+        HL_LOGI("[R2] Do Not Check plugin type == server");
+        const std::string uri = TextMember(plugins[i], "uri");
+        HL_LOGI("serviceCode: %s, app_id: %s, uri: %s", serviceCode.c_str(), appId.c_str(), uri.c_str());
+        read.add(appId, {serviceCode, uri});
+    }
+}
+
+// ---- Installed service apps ----
+
+/// One that is authorised, known to the catalog, and has a plug-in of its own.
+struct LifeHandler::InstalledApp {
+    std::string locationId;
+    std::string appId;
+    std::string displayName;
+    std::string installedAppId;
+    std::string pluginId;
+    AppInfo info;
+
+    JsonValue toJson() const {
+        JsonValue json = JsonValue::CreateObject();
+        json.set("installedAppId", installedAppId);
+        json.set("endpointAppId", appId);
+        json.set("appInternalName", displayName);
+        json.set("serviceCode", info.serviceCode);
+        json.set("pluginUri", info.pluginUri);
+        json.set("locationId", locationId);
+        json.set("pluginId", pluginId);
+        json.set("renderingData", "");  // what the dashboard would give
+        return json;
+    }
+};
+
+void LifeHandler::GetInstalledServiceAppInfo(const std::shared_ptr<CTransaction>& transaction,
+                                             const std::string& locationId) {
+    HL_LOGI("GetInstalledServiceAppInfo location_id : %s", locationId.c_str());
+    updateAppsInfo();
+    GetInstalledServiceAppInfoParam param(transaction);
+    param.locationId = locationId;
+    param.result = getInstalledServiceAppInfo(locationId, param.installedServiceAppInfoJson) == 0;
+    Reporter::Report(param);
+}
+
+int LifeHandler::getInstalledServiceAppInfo(const std::string& locationId, std::string& json) {
+    InstalledApps apps;
+    const int ret = TesselHandler::GetInstance().GetInstalledAppList(apps.list, apps.count);
+    JsonValue array = JsonValue::CreateArray();
+    for (int i = 0; apps.list != nullptr && i < apps.count; ++i) {
+        if (IsQuit()) {
+            throw CException("already quit", kErrorQuit);
+        }
+        InstalledApp installed;
+        if (readInstalledApp(apps.list[i], locationId, installed)) {
+            HL_LOGI("[R2] Do Not Request DashboardJson");
+            makeBodyOfDashboard(installed.info.serviceCode);
+            array.append(installed.toJson());
+        }
+    }
+    json = array.size() > 0 ? array.toString() : std::string();
+    HL_LOGI("installed_service_app_info : %s", json.c_str());
+    return ret;
+}
+
+// False for an app that is left out.
+bool LifeHandler::readInstalledApp(homeloom_core_installed_app_h app, const std::string& locationId,
+                                   InstalledApp& installed) {
+    if (!GetField(app, HOMELOOM_CORE_INSTALLED_APP_LOCATION_ID, installed.locationId)) {
+        HL_LOGE("get location_id failed");
+        return false;
+    }
+    if (installed.locationId != locationId) {
+        return false;
+    }
+    if (!GetField(app, HOMELOOM_CORE_INSTALLED_APP_APP_ID, installed.appId)) {
+        HL_LOGE("get app_id failed");
+        return false;
+    }
+    const auto info = catalog().find(installed.appId);
+    if (!info) {
+        return false;
+    }
+    installed.info = *info;
+    std::string status;
+    if (!GetField(app, HOMELOOM_CORE_INSTALLED_APP_STATUS, status)) {
+        HL_LOGE("%s get app_status failed", installed.appId.c_str());
+        return false;
+    }
+    if (status != "AUTHORIZED") {
+        HL_LOGI("%s app not AUTHORIZED", installed.appId.c_str());
+        return false;
+    }
+    // An app without a name is an app all the same.
+    GetField(app, HOMELOOM_CORE_INSTALLED_APP_DISPLAY_NAME, installed.displayName);
+    if (!GetField(app, HOMELOOM_CORE_INSTALLED_APP_ID, installed.installedAppId)) {
+        HL_LOGE("get installed_app_id failed");
+        return false;
+    }
+    std::string ui;
+    if (!GetField(app, HOMELOOM_CORE_INSTALLED_APP_UI, ui)) {
+        HL_LOGE("%s getting ui string failed", installed.appId.c_str());
+        return false;
+    }
+    installed.pluginId = TextMember(JsonValue::Create(ui), "pluginId");
+    if (installed.pluginId.empty()) {
+        HL_LOGI("%s's plugin id empty! skip", installed.appId.c_str());
+        return false;
+    }
+    HL_LOGI("[loc: %s], app_id: %s, installed_app_id: %s, plugin_id: %s, display_name: %s",
+            installed.locationId.c_str(), installed.appId.c_str(), installed.installedAppId.c_str(),
+            installed.pluginId.c_str(), installed.displayName.c_str());
+    return true;
+}
+
+// The request of the dashboard, as it would go out. Only the log shows it.
+std::string LifeHandler::makeBodyOfDashboard(const std::string& serviceCode) {
+    JsonValue templates = JsonValue::CreateArray();
+    templates.append("BASIC_V5");
+    templates.append("BASIC_V6");
+    JsonValue client = JsonValue::CreateObject();
+    client.set("os", "solenneTV");
+    client.set("version", CHLUtil::GetAppVersion());
+    client.set("language", GetPlatform().localeLanguage);
+    client.set("timeZoneOffset", getTimezoneOffset());
+    client.set("supportedTemplates", templates);
+    JsonValue outer = JsonValue::CreateObject();
+    outer.set("client", client);
+    std::string body = outer.toString();
+    HL_LOGI("service: %s, body : %s", serviceCode.c_str(), body.c_str());
+    return body;
+}
+
+std::string LifeHandler::getTimezoneOffset() {
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    localtime_r(&now, &local);
+    std::ostringstream stream;
+    stream.imbue(std::locale::classic());
+    stream << std::put_time(&local, "UTC%z");
+    std::string offset = stream.str();
+    constexpr std::size_t kLeast = 3;
+    constexpr std::size_t kMinutes = 2;
+    if (offset.size() >= kLeast) {
+        // The dashboard knows full hours only: a zone at five and a half hours counts as five.
+        offset.replace(offset.size() - kMinutes, kMinutes, ":00");
+    }
+    return offset;
+}
+
+// ---- Energy ----
+
+void LifeHandler::GetEnergyInfo(const std::shared_ptr<CTransaction>& transaction, const std::string& installedAppId) {
+    _energy->GetEnergyInfo(transaction, installedAppId);
+}
+
+void LifeHandler::HandleSseSmartAppEvent(const std::string& json) {
+    try {
+        const JsonValue event = JsonValue::Create(json);
+        const std::string name = CHLUtil::GetMemberString(event, "name");
+        if (name != Names::HOMELOOM_ENERGY) {
+            HL_LOGI("do not handle now, name : %s", name.c_str());
+            return;
+        }
+        const std::string installedAppId = CHLUtil::GetMemberString(event, "installedAppId");
+        HL_LOGI("updated installed app id : %s", installedAppId.c_str());
+        _energy->EnergyInfoUpdated(installedAppId);
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+    }
+}
+
+}  // namespace VMFramework::HomeLoom
