@@ -225,8 +225,13 @@ TEST_P(Teardown, InAStormOfJobs) {
 
 TEST_P(Teardown, InTheMiddleOfAThousandDevices) {
     desk.agent.load(simulator::generateHome(1000));
+    std::promise<void> caught;
+    desk.atLogLine("added device id : device-500 to device map", [&] {
+        caught.set_value();
+        EXPECT_TRUE(desk.log.waitFor("[DeviceHandler] Quit"));
+    });
     desk.start();
-    EXPECT_TRUE(desk.log.waitFor("added device id : device-500 to device map"));
+    caught.get_future().wait();
     Stop();
     EXPECT_FALSE(desk.log.contains("added device id : device-999 to device map"));
 }
