@@ -102,7 +102,7 @@ private:
 
     std::optional<long> _fieldSize;
     std::optional<long> _fieldsLength;
-    long _timeoutSeconds = 0;
+    long _millisecondsPerSecond = 1000;
     Receiver _body;
     Receiver _header;
     DebugCallback _debug = nullptr;
@@ -124,7 +124,7 @@ bool KRCurlEasy::Handle::setBasics() {
            setCurl(CURLOPT_NOSIGNAL, 1L) && setCurl(CURLOPT_MAXREDIRS, kMaxRedirections) &&
            setCurl(CURLOPT_PROTOCOLS_STR, kProtocols) && setCurl(CURLOPT_REDIR_PROTOCOLS_STR, kProtocols) &&
            // A proxy of this machine would take the routes away.
-           setCurl(CURLOPT_PROXY, "");
+           setCurl(CURLOPT_PROXY, "") && setSurroundings();
 }
 
 bool KRCurlEasy::Handle::set(KRCURL_OPTION_TYPE option, const std::string& value) {
@@ -170,8 +170,7 @@ bool KRCurlEasy::Handle::set(KRCURL_OPTION_TYPE option, long value) {
         case KRCURL_OPTION_FOLLOWLOCATION:
             return setCurl(CURLOPT_FOLLOWLOCATION, value);
         case KRCURL_OPTION_TIMEOUT:
-            _timeoutSeconds = value;
-            return value >= 0;
+            return value >= 0 && setCurl(CURLOPT_TIMEOUT_MS, value * _millisecondsPerSecond);
         default:
             return false;
     }
@@ -235,14 +234,14 @@ bool KRCurlEasy::Handle::setSurroundings() {
         return false;
     }
     _connectTo = std::move(*connectTo);
-    const bool isTrusted = around.caFile.empty() || (setCurl(CURLOPT_CAINFO, around.caFile.c_str()) &&
-                                                     setCurl(CURLOPT_CAPATH, static_cast<char*>(nullptr)));
-    return isTrusted && setCurl(CURLOPT_TIMEOUT_MS, _timeoutSeconds * around.millisecondsPerSecond);
+    _millisecondsPerSecond = around.millisecondsPerSecond;
+    return around.caFile.empty() ||
+           (setCurl(CURLOPT_CAINFO, around.caFile.c_str()) && setCurl(CURLOPT_CAPATH, static_cast<char*>(nullptr)));
 }
 
 bool KRCurlEasy::Handle::send() {
     _exception = nullptr;
-    const bool isDone = setSurroundings() && curl_easy_perform(_curl.get()) == CURLE_OK;
+    const bool isDone = curl_easy_perform(_curl.get()) == CURLE_OK;
     if (_exception) {
         std::rethrow_exception(std::exchange(_exception, nullptr));
     }
