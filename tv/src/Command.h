@@ -49,6 +49,7 @@ std::vector<Command> simHomeCommands();
 std::vector<Command> simDeviceCommands();
 std::vector<Command> simSessionCommands();
 std::vector<Command> simFaultCommands();
+std::vector<Command> simWebCommands();
 
 }  // namespace homeloom::tv
 

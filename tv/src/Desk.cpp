@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 #include <simulator/Agent.h>
+#include <simulator/Cloud.h>
 
 #include "CommandError.h"
 #include "Inbox.h"
@@ -27,10 +28,13 @@ bool seesNothing(const Report&) {
     return false;
 }
 
-// Late answers that the agent still owes, or calls that a fault holds up: the program rests, and yet they will come.
+// Late answers that agent or cloud still owe, or calls that a fault holds up: the program rests, and yet they will
+// come.
 bool answersArePending() {
     const auto& agent = simulator::Agent::instance();
-    return agent.holdings().pendingCalls > 0 || !agent.faults().empty();
+    const auto& cloud = simulator::Cloud::instance();
+    return agent.holdings().pendingCalls > 0 || !agent.faults().empty() || cloud.pendingRequests() > 0 ||
+           !cloud.faults().empty();
 }
 
 }  // namespace

@@ -230,7 +230,7 @@ std::vector<RequestSpec> makeTable() {
          Answer::Tied,
          false,
          "",
-         "env_iot_cloud=1 env_ui_meta=1"},
+         "env_iot_cloud=0 env_ui_meta=1"},
         {"hl_get_accesstoken_uid", {}, Answer::Tied, false, "access_token", ""},
 
         // Served ahead of the others

@@ -16,6 +16,7 @@
 #include <simulator/HomeLoader.h>
 
 #include "Arguments.h"
+#include "CloudHost.h"
 #include "Console.h"
 #include "Desk.h"
 #include "DeskSettings.h"
@@ -111,6 +112,7 @@ int run(const Arguments& arguments) {
     PluginHost plugin(arguments.plugin.empty() ? findPlugin(programPath()) : std::filesystem::path(arguments.plugin));
     applyDeskSettings(chosen.home.account, arguments.disclaimer);
     simulator::Agent::instance().load(std::move(chosen.home));
+    const CloudHost cloud;
 
     const auto out = arguments.json ? makeJsonOutput(arguments.settled)
                                     : makeTextOutput(Style::ofStandardOutput(), !Console::isInteractive(arguments));
