@@ -14,12 +14,16 @@ std::vector<std::string> textsOf(const Arguments& arguments) {
 
 }  // namespace
 
-Call::Call(Function& function, homeloom_client_h client, const Arguments& arguments, Needs needs)
-    : _function(function), _client(client), _needs(needs) {
+Call::Call(Function& function, homeloom_client_h client, const Arguments& arguments, Needs needs, char** text)
+    : _function(function), _client(client), _needs(needs), _text(text) {
     for (const Argument& argument : arguments) {
         _isValid = _isValid && !argument.isMissing();
     }
     _fault = function.enter(textsOf(arguments));
+}
+
+const std::string* Call::said() const {
+    return _fault && _fault->kind == Fault::Kind::Say ? &_fault->text : nullptr;
 }
 
 int Call::refusal(const World& world, const Client& client) const {
@@ -42,6 +46,9 @@ JsonAnswer success(const std::string& json) {
 
 int answerJson(const Call& call, homeloom_core_json_cb callback, void* userData,
                std::function<JsonAnswer(World&)> work) {
+    if (call.said() != nullptr) {
+        work = [text = *call.said()](World&) { return success(text); };
+    }
     return call.later<JsonAnswer>(callback != nullptr, std::move(work), [callback, userData](const JsonAnswer& answer) {
         if (answer.error != 0) {
             callback(answer.error, CallbackText(answer.message), nullptr, userData);

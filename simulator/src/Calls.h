@@ -34,7 +34,8 @@ enum class Needs { Handle, Connection, SignIn };
 /// A call of one of the agent's functions, on its way through what all of them have in common.
 class Call {
 public:
-    Call(Function& function, homeloom_client_h client, const Arguments& arguments, Needs needs);
+    /// `text` is where the function hands out its one text, if it does.
+    Call(Function& function, homeloom_client_h client, const Arguments& arguments, Needs needs, char** text = nullptr);
 
     /// Answers before it returns. `work` takes World& and Client& and gives the code.
     template <class Work>
@@ -45,6 +46,9 @@ public:
     template <class Answer>
     int later(bool hasCallback, std::function<Answer(World&)> work, std::function<void(const Answer&)> deliver) const;
 
+    /// What a fault says in place of the home; null without such a fault.
+    const std::string* said() const;
+
 private:
     /// Why the call can't be served; 0 if it can. Needs the mutex.
     int refusal(const World& world, const Client& client) const;
@@ -52,6 +56,7 @@ private:
     Function& _function;
     homeloom_client_h _client;
     Needs _needs;
+    char** _text;
     bool _isValid = true;
     std::optional<Hit> _fault;
 };
@@ -74,6 +79,10 @@ int Call::now(Work work) const {
         return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
     }
     const int code = refusal(world, client->second);
+    if (code == 0 && _text != nullptr && said() != nullptr) {
+        *_text = handOut(*said());
+        return HOMELOOM_CLIENT_ERROR_NONE;
+    }
     return code != 0 ? code : work(world, client->second);
 }
 

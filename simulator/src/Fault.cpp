@@ -1,5 +1,7 @@
 #include "simulator/Fault.h"
 
+#include <utility>
+
 namespace simulator {
 
 Fault Fault::fail(int code) {
@@ -13,6 +15,13 @@ Fault Fault::answer(int code) {
     Fault fault;
     fault.kind = Kind::Answer;
     fault.code = code;
+    return fault;
+}
+
+Fault Fault::say(std::string text) {
+    Fault fault;
+    fault.kind = Kind::Say;
+    fault.text = std::move(text);
     return fault;
 }
 

@@ -79,6 +79,26 @@ TEST_F(AgentFault, OfAFunctionThatAnswersAtOnce) {
     EXPECT_FALSE(agent.device("washer"));
 }
 
+TEST_F(AgentFault, OfAFunctionThatSaysAnotherText) {
+    connect();
+    for (const auto& [name, fault] : {std::pair("homeloom_core_get_device_status", Fault::say("rubbish")),
+                                      {"homeloom_core_delete_device", Fault::say("no text to say")},
+                                      {"homeloom_core_create_room_async", Fault::say("[]").times(1)}}) {
+        agent.fault(name, fault);
+    }
+    char* text = nullptr;
+    EXPECT_EQ(homeloom_core_get_device_status(client, "nobody", &text), 0);
+    EXPECT_STREQ(text, "rubbish");
+    std::free(text);
+    EXPECT_EQ(homeloom_core_delete_device(client, "washer"), 0);
+    EXPECT_FALSE(agent.device("washer"));
+    EXPECT_EQ(homeloom_core_create_room_async(client, "home", "Attic", onJson, this), 0);
+    EXPECT_THAT(taken(), ElementsAre("json 0 []"));
+    EXPECT_EQ(agent.home().location("home")->rooms.size(), 5u);
+    agent.signOut();
+    EXPECT_NE(homeloom_core_get_device_status(client, "nobody", &text), 0);
+}
+
 TEST_F(AgentFault, OfAListAnsweredTwiceGivesTwoLists) {
     connect();
     static int records;

@@ -102,7 +102,7 @@ int homeloom_client_device_detail_destroy(homeloom_client_device_detail_h detail
 
 int homeloom_client_get_ui_metadata(homeloom_client_h client, const char* vid, char** document) {
     static Function& function = functionNamed(__func__);
-    return Call(function, client, {vid}, Needs::Connection).now([&](World& world, Client&) {
+    return Call(function, client, {vid}, Needs::Connection, document).now([&](World& world, Client&) {
         if (document == nullptr) {
             return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
         }

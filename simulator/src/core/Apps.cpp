@@ -92,18 +92,19 @@ int homeloom_core_get_catalog_app_list_async(homeloom_client_h client, const cha
 int homeloom_core_execute_installed_app(homeloom_client_h client, const char* installed_app_id,
                                         const char* request_json, char** response_json) {
     static Function& function = functionNamed(__func__);
-    return Call(function, client, {installed_app_id, request_json}, Needs::SignIn).now([&](World& world, Client&) {
-        const InstalledApp* app = findApp(world, installed_app_id);
-        const json::value request = parsed(request_json);
-        if (response_json == nullptr || !request.is_object()) {
-            return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
-        }
-        const bool asksForEnergy = textMember(request, "method") == "GET" &&
-                                   textMember(request, "uri").compare(0, energyUri.size(), energyUri) == 0;
-        if (app == nullptr || !asksForEnergy) {
-            return HOMELOOM_CLIENT_ERROR_NO_DATA;
-        }
-        *response_json = handOut(toText(energyOf(world, *app)));
-        return HOMELOOM_CLIENT_ERROR_NONE;
-    });
+    return Call(function, client, {installed_app_id, request_json}, Needs::SignIn, response_json)
+        .now([&](World& world, Client&) {
+            const InstalledApp* app = findApp(world, installed_app_id);
+            const json::value request = parsed(request_json);
+            if (response_json == nullptr || !request.is_object()) {
+                return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
+            }
+            const bool asksForEnergy = textMember(request, "method") == "GET" &&
+                                       textMember(request, "uri").compare(0, energyUri.size(), energyUri) == 0;
+            if (app == nullptr || !asksForEnergy) {
+                return HOMELOOM_CLIENT_ERROR_NO_DATA;
+            }
+            *response_json = handOut(toText(energyOf(world, *app)));
+            return HOMELOOM_CLIENT_ERROR_NONE;
+        });
 }

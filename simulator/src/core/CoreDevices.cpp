@@ -130,7 +130,7 @@ int homeloom_core_get_device_list_json_async(homeloom_client_h client, const cha
 int homeloom_core_change_device_name(homeloom_client_h client, const char* device_id, const char* name,
                                      char** result_json) {
     static Function& function = functionNamed(__func__);
-    return Call(function, client, {device_id, name}, Needs::SignIn).now([&](World& world, Client&) -> int {
+    return Call(function, client, {device_id, name}, Needs::SignIn, result_json).now([&](World& world, Client&) -> int {
         Device* device = world.device(device_id);
         if (device == nullptr) {
             return HOMELOOM_CLIENT_ERROR_NO_DATA;
@@ -152,24 +152,25 @@ int homeloom_core_delete_device(homeloom_client_h client, const char* device_id)
 int homeloom_core_execute_device(homeloom_client_h client, const char* device_id, const char* json_command,
                                  char** response_json) {
     static Function& function = functionNamed(__func__);
-    return Call(function, client, {device_id, json_command}, Needs::SignIn).now([&](World& world, Client&) -> int {
-        Device* device = world.device(device_id);
-        if (device == nullptr) {
-            return HOMELOOM_CLIENT_ERROR_NO_DATA;
-        }
-        if (device->status == Disconnected) {
-            return HOMELOOM_CLIENT_ERROR_IO;
-        }
-        json::object reply;
-        const int code = executeCommands(world, *device, json_command, reply);
-        const json::value value = reply;
-        return code != 0 ? code : give(response_json, &value);
-    });
+    return Call(function, client, {device_id, json_command}, Needs::SignIn, response_json)
+        .now([&](World& world, Client&) -> int {
+            Device* device = world.device(device_id);
+            if (device == nullptr) {
+                return HOMELOOM_CLIENT_ERROR_NO_DATA;
+            }
+            if (device->status == Disconnected) {
+                return HOMELOOM_CLIENT_ERROR_IO;
+            }
+            json::object reply;
+            const int code = executeCommands(world, *device, json_command, reply);
+            const json::value value = reply;
+            return code != 0 ? code : give(response_json, &value);
+        });
 }
 
 int homeloom_core_get_device_status(homeloom_client_h client, const char* device_id, char** status_json) {
     static Function& function = functionNamed(__func__);
-    return Call(function, client, {device_id}, Needs::SignIn).now([&](World& world, Client&) -> int {
+    return Call(function, client, {device_id}, Needs::SignIn, status_json).now([&](World& world, Client&) -> int {
         const Device* device = world.device(device_id);
         if (device == nullptr) {
             return HOMELOOM_CLIENT_ERROR_NO_DATA;
@@ -182,20 +183,21 @@ int homeloom_core_get_device_status(homeloom_client_h client, const char* device
 int homeloom_core_get_device_component_status(homeloom_client_h client, const char* device_id, const char* component,
                                               char** status_json) {
     static Function& function = functionNamed(__func__);
-    return Call(function, client, {device_id, component}, Needs::SignIn).now([&](World& world, Client&) -> int {
-        const Device* device = world.device(device_id);
-        if (device == nullptr) {
-            return HOMELOOM_CLIENT_ERROR_NO_DATA;
-        }
-        const json::value components = componentsOf(*device);
-        return give(status_json, memberOf(&components, component));
-    });
+    return Call(function, client, {device_id, component}, Needs::SignIn, status_json)
+        .now([&](World& world, Client&) -> int {
+            const Device* device = world.device(device_id);
+            if (device == nullptr) {
+                return HOMELOOM_CLIENT_ERROR_NO_DATA;
+            }
+            const json::value components = componentsOf(*device);
+            return give(status_json, memberOf(&components, component));
+        });
 }
 
 int homeloom_core_get_device_capability_status(homeloom_client_h client, const char* device_id, const char* component,
                                                const char* capability, char** status_json) {
     static Function& function = functionNamed(__func__);
-    const Call call(function, client, {device_id, component, capability}, Needs::SignIn);
+    const Call call(function, client, {device_id, component, capability}, Needs::SignIn, status_json);
     return call.now([&](World& world, Client&) -> int {
         const Device* device = world.device(device_id);
         if (device == nullptr) {
@@ -209,7 +211,7 @@ int homeloom_core_get_device_capability_status(homeloom_client_h client, const c
 int homeloom_core_get_device_presentation(homeloom_client_h client, const char* presentation_id,
                                           const char* manufacturer_name, char** document) {
     static Function& function = functionNamed(__func__);
-    const Call call(function, client, {presentation_id, manufacturer_name}, Needs::SignIn);
+    const Call call(function, client, {presentation_id, manufacturer_name}, Needs::SignIn, document);
     return call.now([&](World& world, Client&) {
         const auto found = world.home.presentations.find(presentation_id);
         if (document == nullptr || found == world.home.presentations.end()) {

@@ -177,19 +177,20 @@ int homeloom_core_get_favorite_migration_status(homeloom_client_h client, const 
 int homeloom_core_update_favorite_migration_status(homeloom_client_h client, const char* location_id,
                                                    const char* status_info, char** status_result) {
     static Function& function = functionNamed(__func__);
-    return Call(function, client, {location_id, status_info}, Needs::SignIn).now([&](World& world, Client&) {
-        Location* location = world.home.location(location_id);
-        const json::value status = parsed(status_info);
-        if (status_result == nullptr || !status.is_object()) {
-            return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
-        }
-        if (location == nullptr) {
-            return HOMELOOM_CLIENT_ERROR_NO_DATA;
-        }
-        location->favoritesMigrated = true;
-        location->favoritesMigratedDate = world.home.now;
-        location->favoritesMigratedModel = textMember(status, "deviceModel");
-        *status_result = handOut(toText(json::object{{"isMigrated", true}, {"lastUpdatedDate", world.home.now}}));
-        return HOMELOOM_CLIENT_ERROR_NONE;
-    });
+    return Call(function, client, {location_id, status_info}, Needs::SignIn, status_result)
+        .now([&](World& world, Client&) {
+            Location* location = world.home.location(location_id);
+            const json::value status = parsed(status_info);
+            if (status_result == nullptr || !status.is_object()) {
+                return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
+            }
+            if (location == nullptr) {
+                return HOMELOOM_CLIENT_ERROR_NO_DATA;
+            }
+            location->favoritesMigrated = true;
+            location->favoritesMigratedDate = world.home.now;
+            location->favoritesMigratedModel = textMember(status, "deviceModel");
+            *status_result = handOut(toText(json::object{{"isMigrated", true}, {"lastUpdatedDate", world.home.now}}));
+            return HOMELOOM_CLIENT_ERROR_NONE;
+        });
 }

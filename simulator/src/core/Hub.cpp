@@ -85,20 +85,21 @@ int homeloom_core_stop_hub_device_discover(homeloom_client_h client, const char*
 int homeloom_core_create_ir_device(homeloom_client_h client, const char* location_id, const char* request_body,
                                    char** response_json) {
     static Function& function = functionNamed(__func__);
-    return Call(function, client, {location_id, request_body}, Needs::SignIn).now([&](World& world, Client&) {
-        if (response_json == nullptr) {
-            return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
-        }
-        const std::string id = createIrDevice(world, location_id, parsed(request_body));
-        *response_json = handOut(
-            toText(id.empty() ? json::object{{"errorCode", "InvalidRequest"}} : json::object{{"deviceId", id}}));
-        return HOMELOOM_CLIENT_ERROR_NONE;
-    });
+    return Call(function, client, {location_id, request_body}, Needs::SignIn, response_json)
+        .now([&](World& world, Client&) {
+            if (response_json == nullptr) {
+                return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
+            }
+            const std::string id = createIrDevice(world, location_id, parsed(request_body));
+            *response_json = handOut(
+                toText(id.empty() ? json::object{{"errorCode", "InvalidRequest"}} : json::object{{"deviceId", id}}));
+            return HOMELOOM_CLIENT_ERROR_NONE;
+        });
 }
 
 int homeloom_core_get_ir_device(homeloom_client_h client, const char* device_id, char** response_json) {
     static Function& function = functionNamed(__func__);
-    return Call(function, client, {device_id}, Needs::SignIn).now([&](World& world, Client&) {
+    return Call(function, client, {device_id}, Needs::SignIn, response_json).now([&](World& world, Client&) {
         const Device* device = world.device(device_id);
         if (response_json == nullptr) {
             return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;

@@ -67,25 +67,26 @@ int homeloom_core_set_wifilocker_user_setting(homeloom_client_h client, const ch
 int homeloom_core_locksmith_create_keyvalue(homeloom_client_h client, const char* key, const char* value,
                                             char** result_json) {
     static Function& function = functionNamed(__func__);
-    return withKey(Call(function, client, {key, value}, Needs::SignIn), key, false, result_json,
+    return withKey(Call(function, client, {key, value}, Needs::SignIn, result_json), key, false, result_json,
                    [&](std::string& kept) { kept = value; });
 }
 
 int homeloom_core_locksmith_get_keyvalue(homeloom_client_h client, const char* key, char** result_json) {
     static Function& function = functionNamed(__func__);
-    return withKey(Call(function, client, {key}, Needs::SignIn), key, true, result_json, [](const std::string&) {});
+    return withKey(Call(function, client, {key}, Needs::SignIn, result_json), key, true, result_json,
+                   [](const std::string&) {});
 }
 
 int homeloom_core_locksmith_update_keyvalue(homeloom_client_h client, const char* key, const char* value,
                                             char** result_json) {
     static Function& function = functionNamed(__func__);
-    return withKey(Call(function, client, {key, value}, Needs::SignIn), key, true, result_json,
+    return withKey(Call(function, client, {key, value}, Needs::SignIn, result_json), key, true, result_json,
                    [&](std::string& kept) { kept = value; });
 }
 
 int homeloom_core_locksmith_delete_keyvalue(homeloom_client_h client, const char* key, char** result_json) {
     static Function& function = functionNamed(__func__);
-    return Call(function, client, {key}, Needs::SignIn).now([&](World& world, Client&) {
+    return Call(function, client, {key}, Needs::SignIn, result_json).now([&](World& world, Client&) {
         const auto found = world.home.keyValues.find(key);
         if (result_json == nullptr) {
             return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;

@@ -206,7 +206,12 @@ bool ExternalServiceHandler::convertJsonToBlockDeviceIds(const std::string& json
             return false;
         }
         for (std::size_t i = 0; i < array.size(); ++i) {
-            deviceIds.push_back(array[i].asString());
+            const auto id = array[i];
+            if (!id.isString()) {
+                HL_LOGE("block list holds no text at %zu", i);
+                return false;
+            }
+            deviceIds.push_back(id.asString());
             HL_LOGI("block_device_id : %s", deviceIds.back().c_str());
         }
         return true;

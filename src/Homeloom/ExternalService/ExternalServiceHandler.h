@@ -27,8 +27,8 @@ public:
     /// serve them.
     void SetThirdPartyNotification(const std::shared_ptr<CTransaction>& transaction, const std::string& provider,
                                    const std::string& regId, const std::string& appId, const std::string& locale);
-    /// 'blockListJson' is the text of a JSON array of device ids. Anything else is answered false and the agent is not
-    /// asked: a broken text must not clear the user's blocks.
+    /// 'blockListJson' is the text of a JSON array of device ids, which are texts. Anything else is answered false and
+    /// the agent is not asked: a broken text must not clear the user's blocks.
     void SetThirdPartyNotificationStatus(const std::shared_ptr<CTransaction>& transaction,
                                          const std::string& blockListJson);
     void GetThirdPartyNotificationStatus(const std::shared_ptr<CTransaction>& transaction);

@@ -61,6 +61,13 @@ void answer(Desk&, const Words& words) {
     setFault(words, 2, Fault::answer(codeOf(words)));
 }
 
+void say(Desk&, const Words& words) {
+    if (words.size() < 2) {
+        throw UsageError();
+    }
+    setFault(words, 2, Fault::say(words[1]));
+}
+
 void delay(Desk&, const Words& words) {
     const auto time = words.size() > 1 ? parseDuration(words[1]) : std::nullopt;
     if (!time) {
@@ -83,6 +90,8 @@ std::string faultText(const Fault& fault) {
             return fmt::format("fails with {}", fault.code);
         case Fault::Kind::Answer:
             return fmt::format("answers {}", fault.code);
+        case Fault::Kind::Say:
+            return fmt::format("says {}", fault.text);
         case Fault::Kind::Late:
             return fmt::format("answers {} late", durationText(fault.delay));
         case Fault::Kind::Never:
@@ -172,6 +181,12 @@ std::vector<Command> simFaultCommands() {
          "has a function do nothing and answer with that code",
          {"sim answer homeloom_core_get_scene_list_async -5"},
          answer,
+         {function}},
+        {"sim say",
+         "FUNCTION TEXT [CALLS]",
+         "has a function do nothing and answer with that text",
+         {R"(sim say get_device_status {"components": []})", R"(sim say create_ir_device "no JSON" 1)"},
+         say,
          {function}},
         {"sim delay",
          "FUNCTION TIME [CALLS]",

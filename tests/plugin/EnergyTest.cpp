@@ -1,0 +1,171 @@
+// Energy: consumption at once, saving mode later, and whatever the agent says.
+
+#include <future>
+#include <string>
+#include <vector>
+
+#include <VMFramework/JsonValue.h>
+#include <gmock/gmock.h>
+
+#include "simulator/Fault.h"
+#include "simulator/ServiceManager.h"
+#include "support/Desk.h"
+#include "support/Screen.h"
+
+using simulator::Fault;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+using testing::UnorderedElementsAre;
+using VMFramework::json::JsonValue;
+
+namespace {
+
+constexpr int kSmartAppEvent = 4096;
+constexpr char kExecute[] = "homeloom_core_execute_installed_app";
+constexpr char kStatus[] = "homeloom_core_get_device_status";
+constexpr char kUpdated[] = "hl_energy_info_updated";
+constexpr char kEvent[] = R"({"name":"HomeLoomEnergy","installedAppId":"installed-energy"})";
+
+class EnergyRequest : public testing::Test {
+protected:
+    EnergyRequest() {
+        desk.startAndShow();
+        desk.settle();
+        desk.mark();
+    }
+
+    Desk::ReportPtr Ask() { return desk.ask("hl_get_energy_info", {{"installed_app_id", "installed-energy"}}); }
+
+    /// "DEVICE CONSUMPTION SAVING" of each device.
+    static std::vector<std::string> DevicesOf(const Desk::Report& report) {
+        const auto json = JsonValue::Create(report.properties.text("installed_service_app_info_json"));
+        EXPECT_EQ(JsonValue(json["installedAppId"]).asString(), "installed-energy");
+        const JsonValue info = json["energyInfoJson"];
+        EXPECT_TRUE(info.isArray());
+        std::vector<std::string> devices;
+        for (std::size_t i = 0; i < info.size(); ++i) {
+            const JsonValue device = info[i];
+            devices.push_back(device["device_id"].asString() + " " + device["consumed_energy"].asString() + " " +
+                              device["energy_saving_mode"].asString());
+        }
+        return devices;
+    }
+
+    Desk desk{Desk::apartmentWith({"washer", "dryer", "aircon", "purifier", "fridge", "oven"})};
+};
+
+}  // namespace
+
+TEST_F(EnergyRequest, IsAnsweredWithTheConsumptionAndThenWithTheSavingMode) {
+    const auto first = Ask();
+    EXPECT_TRUE(first->properties.flag("result"));
+    EXPECT_THAT(DevicesOf(*first), UnorderedElementsAre("washer 9200 false", "dryer 15400 false", "aircon 61000 false",
+                                                        "purifier 3100 false", "fridge 28300 false"));
+    const auto second = desk.waitForNotify(kUpdated);
+    EXPECT_EQ(second->transaction, 0u);
+    EXPECT_TRUE(second->properties.flag("result"));
+    EXPECT_THAT(DevicesOf(*second), UnorderedElementsAre("washer 9200 true", "dryer 15400 false", "aircon 61000 true",
+                                                         "purifier 3100 false", "fridge 28300 false"));
+    EXPECT_THAT(desk.agent.calls().at(kExecute).arguments,
+                ElementsAre("installed-energy",
+                            R"({"method":"GET","apiType":"ES_API",)"
+                            R"("uri":"/v3/tv/consumped-energy-devices?period=thisMonth","parameters":{}})"));
+}
+
+TEST_F(EnergyRequest, AnEventBringsOnlyTheSecondReport) {
+    for (const char* event : {R"({"name":"Other","installedAppId":"installed-energy"})", R"({"name":7})", "{}", "[]",
+                              "no JSON", R"({"name":{}})"}) {
+        desk.agent.sendEvent(kSmartAppEvent, event);
+    }
+    desk.settle();
+    EXPECT_THAT(desk.lines(), IsEmpty());
+    EXPECT_EQ(desk.agent.callCount(kExecute), 0);
+    desk.agent.sendEvent(kSmartAppEvent, kEvent);
+    desk.settle();
+    ASSERT_THAT(desk.lines(), ElementsAre(StartsWith(std::string("notify ") + kUpdated + " result=true")));
+    EXPECT_THAT(DevicesOf(*desk.waitForNotify(kUpdated)), testing::Contains("aircon 61000 true"));
+
+    desk.mark();
+    desk.agent.fault(kExecute, Fault::fail(-5).times(1));
+    desk.agent.sendEvent(kSmartAppEvent, kEvent);
+    EXPECT_FALSE(desk.waitForNotify(kUpdated)->properties.flag("result"));
+}
+
+TEST_F(EnergyRequest, AnAnswerThatCannotBeReadIsAFailure) {
+    const std::string deep(100000, '[');
+    const std::string large = R"({"body":[{"deviceId":")" + std::string(10 << 20, 'x');
+    for (const std::string& text :
+         {std::string("no JSON"), std::string(), std::string("{}"), std::string("[]"), std::string(R"({"body":null})"),
+          std::string(R"({"body":{"deviceId":"washer"}})"), std::string(R"({"body":"[]"})"),
+          std::string(R"({"body":[]})"), std::string(R"({"body":[{"consumpedEnergy":1},7,null,"x"]})"),
+          std::string(R"({"body":[{"deviceId":"w","consumpedEnergy":"1"}]})"),
+          std::string(R"({"body":[{"deviceId":"w","consumpedEnergy":99999999999}]})"),
+          std::string(R"({"body":[{"deviceId":{},"consumpedEnergy":1}]})"), deep, large}) {
+        desk.mark();
+        desk.agent.fault(kExecute, Fault::say(text));
+        const auto answer = Ask();
+        EXPECT_FALSE(answer->properties.flag("result")) << text.substr(0, 100);
+        EXPECT_THAT(DevicesOf(*answer), IsEmpty());
+        desk.settle();
+        EXPECT_EQ(desk.lines().size(), 1u) << "no second report: " << text.substr(0, 100);
+    }
+    EXPECT_EQ(desk.agent.callCount(kStatus), 0);
+    desk.agent.fault(kExecute,
+                     Fault::say(R"({"body":[{"deviceId":"washer"},{"deviceId":"oven","consumpedEnergy":2.9}]})"));
+    EXPECT_THAT(DevicesOf(*Ask()), UnorderedElementsAre("washer 0 false", "oven 2 false"));
+}
+
+TEST_F(EnergyRequest, ADeviceWithoutAReadableStatusSavesNothing) {
+    for (const Fault& fault : {Fault::fail(-5), Fault::say("no JSON"), Fault::say("[]")}) {
+        desk.mark();
+        desk.agent.fault(kStatus, fault);
+        Ask();
+        EXPECT_THAT(DevicesOf(*desk.waitForNotify(kUpdated)),
+                    UnorderedElementsAre("washer 9200 false", "dryer 15400 false", "aircon 61000 false",
+                                         "purifier 3100 false", "fridge 28300 false"));
+    }
+}
+
+TEST_F(EnergyRequest, LeavesTheRequestThreadFreeForTheNext) {
+    desk.agent.fault(kStatus, Fault::never());
+    Ask();
+    // Answered by the same thread, while the second stage waits for a device.
+    EXPECT_THAT(toText(*desk.ask("hl_change_device_name", {{"device_id", "washer"}})),
+                HasSubstr("change_device_name_result=false"));
+    EXPECT_EQ(desk.screen().lists, 2);
+    desk.agent.clearFault(kStatus);
+    EXPECT_TRUE(desk.waitForNotify(kUpdated)->properties.flag("result"));
+}
+
+TEST_F(EnergyRequest, TheSecondStageEndsSoonWithThePlugin) {
+    desk.agent.fault(kStatus, Fault::never());
+    Ask();
+    auto stopped = std::async(std::launch::async, [this] { desk.stop(); });
+    ASSERT_TRUE(desk.log.waitFor("[SGTMsgDispatcher] Enter. Q Count"));
+    desk.agent.clearFault(kStatus);
+    stopped.get();
+    EXPECT_LE(desk.agent.callCount(kStatus), 1) << "the other devices are not asked any more";
+    for (const std::string& line : desk.lines()) {
+        EXPECT_THAT(line, testing::Not(HasSubstr(kUpdated)));
+    }
+}
+
+TEST_F(EnergyRequest, AnUpdateOfTheAgentEndsTheSecondStageAndANewRequestIsServed) {
+    desk.agent.fault(kStatus, Fault::never());
+    Ask();
+    auto updated = std::async(std::launch::async, [] { simulator::ServiceManager::instance().startUpdate(); });
+    ASSERT_TRUE(desk.log.waitFor("[SGTMsgDispatcher] Enter. Q Count"));
+    desk.agent.clearFault(kStatus);
+    updated.get();
+    ASSERT_TRUE(desk.log.waitFor("deinitClientByAgentUpdate End"));
+    EXPECT_LE(desk.agent.callCount(kStatus), 1);
+    simulator::ServiceManager::instance().endUpdate();
+    ASSERT_TRUE(desk.log.waitFor("initClientByAgentUpdate End"));
+    desk.waitForState("washer", "Ready");
+    desk.settle();
+    desk.mark();
+    Ask();
+    EXPECT_THAT(DevicesOf(*desk.waitForNotify(kUpdated)), testing::Contains("washer 9200 true"));
+}

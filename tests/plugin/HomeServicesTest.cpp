@@ -1,0 +1,147 @@
+// What the platform keeps for the user: push profile, blocked notifications, locker setting, and usage events.
+
+#include <memory>
+#include <string>
+
+#include <gmock/gmock.h>
+
+#include "Homeloom/ExternalService/ExternalServiceHandler.h"
+#include "simulator/Fault.h"
+#include "support/Desk.h"
+#include "support/Screen.h"
+
+using simulator::Fault;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+class HomeServices : public testing::Test {
+protected:
+    HomeServices() {
+        desk.startAndShow();
+        desk.settle();
+        desk.mark();
+    }
+
+    std::string Ask(const std::string& name, const Desk::Fields& arguments = {}) {
+        return toText(*desk.ask(name, arguments));
+    }
+
+    Desk desk{Desk::apartmentWith({"washer", "hall-motion"})};
+};
+
+// Replies without the word that counts.
+const char* const kNoSuccess[] = {R"({"message":"FAILED"})", R"({"message":["SUCCESS"]})", "{}", "[]", "SUCCESS", ""};
+
+}  // namespace
+
+TEST_F(HomeServices, ThePlatformsWordDecidesWhetherAProfileWasTaken) {
+    const Desk::Fields profile = {
+        {"push_provider", "p"}, {"push_reg_id", "r"}, {"push_app_id", "a"}, {"locale", "ko_KR"}};
+    const std::string answer = "result set_third_party_notification result=";
+    EXPECT_EQ(Ask("set_third_party_notification", profile), answer + "true");
+    EXPECT_EQ(Ask("get_third_party_notification"),
+              "result get_third_party_notification result=true push_provider='p' push_reg_id='r' push_app_id='a' "
+              "locale='ko_KR'");
+    for (const char* text : kNoSuccess) {
+        desk.agent.fault("homeloom_core_update_notification_profile", Fault::say(text));
+        EXPECT_EQ(Ask("set_third_party_notification", profile), answer + "false") << text;
+    }
+    desk.agent.fault("homeloom_core_update_notification_profile", Fault::say(R"({"message":"SUCCESS"})"));
+    EXPECT_EQ(Ask("set_third_party_notification", profile), answer + "true");
+    desk.agent.fault("homeloom_core_get_notification_profile", Fault::answer(-5));
+    EXPECT_THAT(Ask("get_third_party_notification"), HasSubstr("result=false"));
+}
+
+TEST_F(HomeServices, OnlyAListOfTextsChangesTheBlockedDevices) {
+    const auto block = [&](const std::string& list) {
+        return Ask("set_third_party_notification_status", {{"block_device_ids", list}});
+    };
+    const std::string answer = "notify set_third_party_notification_status result=";
+    constexpr char kSet[] = "homeloom_client_set_third_party_notification_status";
+    for (const char* list : {"", "no JSON", "null", "7", "{}", R"("washer")", R"({"0":"washer"})", "[null]", "[7]",
+                             R"(["washer",{}])", R"([["washer"]])", R"(["washer"]x)"}) {
+        EXPECT_EQ(block(list), answer + "false") << list;
+    }
+    EXPECT_EQ(desk.agent.callCount(kSet), 0);
+    EXPECT_THAT(desk.agent.home().blockedDevices, ElementsAre("hall-motion"));
+
+    EXPECT_EQ(block(R"(["washer","other"])"), answer + "true");
+    EXPECT_THAT(desk.agent.home().blockedDevices, ElementsAre("washer", "other"));
+    EXPECT_EQ(Ask("get_third_party_notification_status"),
+              R"(notify get_third_party_notification_status result=true block_device_ids='["washer","other"]')");
+    EXPECT_EQ(block("[]"), answer + "true");
+    EXPECT_THAT(desk.agent.home().blockedDevices, IsEmpty());
+    EXPECT_EQ(Ask("get_third_party_notification_status"), "notify get_third_party_notification_status result=true");
+
+    for (const Fault& fault : {Fault::fail(-5), Fault::answer(-5)}) {
+        desk.agent.fault(kSet, fault);
+        desk.agent.fault("homeloom_client_get_third_party_notification_status", fault);
+        EXPECT_EQ(block("[]"), answer + "false");
+        EXPECT_THAT(Ask("get_third_party_notification_status"), HasSubstr("result=false"));
+    }
+}
+
+// No request registers it; an application of the TV may.
+TEST_F(HomeServices, AChangeOfTheBlockedDevicesIsToldWhileItIsWatched) {
+    const auto handler = std::make_shared<VMFramework::HomeLoom::ExternalServiceHandler>();
+    const auto change = [&] {
+        desk.mark();
+        desk.agent.sendThirdPartyNotificationStatusChange();
+        desk.settle();
+        return desk.lines();
+    };
+    EXPECT_THAT(change(), IsEmpty());
+    handler->SetThirdPartyNotification(nullptr, "p", "r", "a", "l");
+    desk.settle();
+    EXPECT_THAT(change(), ElementsAre("notify third_party_notification_status_updated"));
+    handler->UnsetThirdPartyNotificationUpdateCb();
+    EXPECT_THAT(change(), IsEmpty());
+}
+
+TEST_F(HomeServices, TheLockerSettingIsWhatThePlatformSays) {
+    const std::string get = "notify get_wifi_locker_user_setting result=";
+    const std::string set = "notify set_wifi_locker_user_setting result=";
+    const auto setSetting = [&] {
+        return Ask("set_wifi_locker_user_setting", {{"wifi_locker_user_setting_info_json", R"({"enabled":1})"}});
+    };
+    for (const auto& [text, answer] :
+         {std::pair(R"({"message":"SUCCESS","data":{"enabled":2}})", "true wifi_locker_user_setting_enabled=2"),
+          {R"({"message":"SUCCESS"})", "true wifi_locker_user_setting_enabled=0"},
+          {R"({"message":"SUCCESS","data":[]})", "true wifi_locker_user_setting_enabled=0"},
+          {R"({"message":"SUCCESS","data":{"enabled":"1"}})", "true wifi_locker_user_setting_enabled=0"},
+          {R"({"message":"SUCCESS","data":{"enabled":99999999999}})", "true wifi_locker_user_setting_enabled=0"},
+          {R"({"data":{"enabled":1}})", "false wifi_locker_user_setting_enabled=0"}}) {
+        desk.agent.fault("homeloom_core_get_wifilocker_user_setting", Fault::say(text));
+        EXPECT_EQ(Ask("get_wifi_locker_user_setting"), get + answer) << text;
+    }
+    EXPECT_EQ(setSetting(), set + "true");
+    for (const char* text : kNoSuccess) {
+        desk.agent.fault("homeloom_core_set_wifilocker_user_setting", Fault::say(text));
+        EXPECT_EQ(setSetting(), set + "false") << text;
+    }
+    for (const Fault& fault : {Fault::fail(-5), Fault::answer(-5)}) {
+        desk.agent.fault("homeloom_core_get_wifilocker_user_setting", fault);
+        desk.agent.fault("homeloom_core_set_wifilocker_user_setting", fault);
+        EXPECT_EQ(Ask("get_wifi_locker_user_setting"), get + "false wifi_locker_user_setting_enabled=0");
+        EXPECT_EQ(setSetting(), set + "false");
+    }
+}
+
+TEST_F(HomeServices, AUsageEventIsSentOnce) {
+    const Desk::Fields event = {{"active_user_event_category", 3},
+                                {"active_user_event_action", 4},
+                                {"active_user_event_label", "label"},
+                                {"active_user_event_metadata", "{}"}};
+    EXPECT_EQ(Ask("hl_send_active_user_event", event), "notify hl_send_active_user_event result=true");
+    desk.agent.fault("homeloom_core_send_active_user_event", Fault::fail(-5));
+    EXPECT_EQ(Ask("hl_send_active_user_event", event), "notify hl_send_active_user_event result=false");
+    const auto events = desk.agent.userEvents();
+    ASSERT_EQ(events.size(), 1u);
+    EXPECT_EQ(events[0].category, 3);
+    EXPECT_EQ(events[0].action, 4);
+    EXPECT_EQ(events[0].label, "label");
+    EXPECT_EQ(desk.agent.callCount("homeloom_core_send_active_user_event"), 2) << "not tried again";
+}

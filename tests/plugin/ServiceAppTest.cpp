@@ -1,0 +1,238 @@
+// Installed service apps: which are told, and the catalog that decides it.
+
+#include <cstdlib>
+#include <fstream>
+#include <optional>
+#include <string>
+
+#include <VMFramework/JsonValue.h>
+#include <gmock/gmock.h>
+
+#include "desktop/DataFolder.h"
+#include "desktop/System.h"
+#include "simulator/Fault.h"
+#include "simulator/ServiceManager.h"
+#include "support/Desk.h"
+#include "support/Screen.h"
+
+namespace framework = homeloom::desktop::framework;
+namespace settings = homeloom::desktop::settings;
+using simulator::Fault;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using VMFramework::json::JsonValue;
+
+namespace {
+
+constexpr char kRequest[] = "hl_get_installed_service_app_info";
+constexpr char kCatalog[] = "homeloom_core_get_catalog_app_list_async";
+constexpr char kGetString[] = "homeloom_core_installed_app_get_string";
+constexpr int kInstalledAppEvent = 2048;
+
+class ServiceApp : public testing::Test {
+protected:
+    void Start(simulator::Home home) {
+        desk.agent.load(std::move(home));
+        desk.startAndShow();
+        desk.settle();
+        desk.mark();
+    }
+    void Start() { Start(SmallHome()); }
+
+    static simulator::Home SmallHome() { return Desk::apartmentWith({"washer"}); }
+    static simulator::Home HomeWith(const simulator::InstalledApp& app) {
+        simulator::Home home = SmallHome();
+        home.installedApps = {app};
+        return home;
+    }
+
+    std::string Ask(const std::string& locationId = "home", bool result = true) {
+        const auto answer = desk.ask(kRequest, {{"location_id", locationId}});
+        EXPECT_EQ(answer->properties.flag("result"), result);
+        EXPECT_EQ(answer->properties.text("location_id"), locationId);
+        return answer->properties.text("installed_service_app_info_json");
+    }
+
+    Desk desk{SmallHome()};
+};
+
+const simulator::InstalledApp kApp = {
+    "installed", "Display Name", "AUTHORIZED", "app-public-dr", "home", R"({"pluginId":"plugin"})", ""};
+constexpr char kAppJson[] =
+    R"([{"installedAppId":"installed","endpointAppId":"app-public-dr","appInternalName":"Display Name",)"
+    R"("serviceCode":"PUBLIC_DR","pluginUri":"https://plugins.home.example/dr","locationId":"home",)"
+    R"("pluginId":"plugin","renderingData":""}])";
+
+}  // namespace
+
+TEST_F(ServiceApp, AreToldByLocation) {
+    Start();
+    EXPECT_EQ(Ask(), R"([{"installedAppId":"installed-savings","endpointAppId":"app-public-dr",)"
+                     R"("appInternalName":"Savings Together","serviceCode":"PUBLIC_DR",)"
+                     R"("pluginUri":"https://plugins.home.example/dr","locationId":"home",)"
+                     R"("pluginId":"com.norvane.savings","renderingData":""}])");
+    EXPECT_THAT(Ask("parents"), testing::HasSubstr(R"("installedAppId":"installed-dr-parents")"));
+    EXPECT_EQ(Ask("nowhere"), "");
+    EXPECT_EQ(desk.agent.callCount(kCatalog), 1) << "read once";
+    desk.agent.fault("homeloom_core_get_installed_app_list_async", Fault::answer(-5));
+    EXPECT_EQ(Ask("home", false), "");
+}
+
+TEST_F(ServiceApp, AnEventTellsThemAnew) {
+    Start();
+    for (const char* event : {R"({"lifecycle":"UPDATE","locationId":"parents"})", "no JSON"}) {
+        desk.agent.sendEvent(kInstalledAppEvent, event);
+    }
+    desk.settle();
+    EXPECT_THAT(desk.lines(), IsEmpty());
+    for (const char* lifecycle : {"CREATE", "DELETE"}) {
+        desk.mark();
+        desk.agent.sendEvent(kInstalledAppEvent,
+                             R"({"locationId":"parents","lifecycle":")" + std::string(lifecycle) + R"("})");
+        const auto notify = desk.waitForNotify("hl_installed_service_app_info_updated");
+        EXPECT_EQ(notify->properties.text("location_id"), "parents");
+        EXPECT_NE(notify->properties.text("installed_service_app_info_json"), "");
+    }
+}
+
+TEST_F(ServiceApp, ACatalogThatCannotBeReadIsAskedForAgain) {
+    Start(HomeWith(kApp));
+    int asked = 0;
+    const std::string deep(100000, '[');
+    const std::string large = R"({"apps":[{"endpointAppId":")" + std::string(10 << 20, 'x');
+    for (const Fault& fault :
+         {Fault::answer(-5), Fault::say("no JSON"), Fault::say("[]"), Fault::say("{}"), Fault::say(R"({"apps":{}})"),
+          Fault::say(R"({"apps":"x"})"), Fault::say(deep), Fault::say(large)}) {
+        desk.agent.fault(kCatalog, fault);
+        EXPECT_EQ(Ask(), "");
+        EXPECT_EQ(desk.agent.callCount(kCatalog), ++asked);
+    }
+    // An entry that is none leaves the others alone; of several plug-ins the last counts, whatever its type.
+    desk.agent.fault(kCatalog, Fault::say(R"({"apps":[1,null,"x",[],{},{"serviceApp":"x"},
+        {"serviceApp":{"serviceCode":["PUBLIC_DR"]},"endpointAppId":"app-public-dr"},
+        {"serviceApp":{"serviceCode":"OTHER"},"endpointAppId":"app-public-dr","appServicePlugins":[{"uri":"other"}]},
+        {"serviceApp":{"serviceCode":"PUBLIC_DR"},"endpointAppId":7,"appServicePlugins":[{"uri":"number"}]},
+        {"serviceApp":{"serviceCode":"PUBLIC_DR"},"endpointAppId":"app-public-dr","appServicePlugins":[
+            {"uri":"first"},{"pluginType":"app","uri":"https://plugins.home.example/dr"}]},
+        {"serviceApp":{"serviceCode":"PUBLIC_DR"},"endpointAppId":"app-public-dr","appServicePlugins":"x"}]})"));
+    EXPECT_EQ(Ask(), kAppJson);
+    EXPECT_EQ(Ask(), kAppJson);
+    EXPECT_EQ(desk.agent.callCount(kCatalog), ++asked);
+
+    // It stays when the agent is updated.
+    simulator::ServiceManager::instance().startUpdate();
+    simulator::ServiceManager::instance().endUpdate();
+    ASSERT_TRUE(desk.log.waitFor("initClientByAgentUpdate End"));
+    desk.waitForState("washer", "Ready");
+    desk.settle();
+    EXPECT_EQ(Ask(), kAppJson);
+    EXPECT_EQ(desk.agent.callCount(kCatalog), asked);
+}
+
+TEST_F(ServiceApp, AnAppIsLeftOutUnlessItIsAuthorizedKnownAndHasAPlugin) {
+    Start();
+    const auto with = [](auto member, const char* value) {
+        simulator::InstalledApp app = kApp;
+        app.*member = value;
+        return app;
+    };
+    using App = simulator::InstalledApp;
+    const std::pair<App, const char*> cases[] = {
+        {kApp, kAppJson},
+        {with(&App::status, "PENDING"), ""},
+        {with(&App::status, "authorized"), ""},
+        {with(&App::appId, "app-energy"), ""},
+        {with(&App::appId, ""), ""},
+        {with(&App::location, "parents"), ""},
+        {with(&App::ui, "no JSON"), ""},
+        {with(&App::ui, "{}"), ""},
+        {with(&App::ui, R"({"pluginId":""})"), ""},
+        {with(&App::ui, R"({"pluginId":{"x":1}})"), ""},
+        {with(&App::ui, R"(["pluginId"])"), ""},
+    };
+    for (const auto& [app, json] : cases) {
+        desk.agent.load(HomeWith(app));
+        EXPECT_EQ(Ask(), json) << app.status << app.appId << app.location << app.ui;
+    }
+    // What can't be read, in the order of reading: location, app id, status, name, id and plug-in.
+    desk.agent.load(HomeWith(kApp));
+    const char* const complaints[] = {"get location_id failed",
+                                      "get app_id failed",
+                                      "app-public-dr get app_status failed",
+                                      nullptr,
+                                      "get installed_app_id failed",
+                                      "app-public-dr getting ui string failed"};
+    for (int field = 0; field < 6; ++field) {
+        desk.agent.fault(kGetString, Fault::fail(-5).after(field).times(1));
+        const std::string json = Ask();
+        if (complaints[field] == nullptr) {
+            EXPECT_THAT(json, testing::HasSubstr(R"("appInternalName":"",)")) << "an app without a name is an app";
+        } else {
+            EXPECT_EQ(json, "");
+            EXPECT_TRUE(desk.log.contains(complaints[field])) << complaints[field];
+        }
+    }
+}
+
+TEST_F(ServiceApp, TheCatalogIsThatOfTheCountry) {
+    Start();
+    constexpr char kCountryKey[] = "db/comss/countrycode";
+    const struct {
+        std::optional<std::string> file, setting;
+        const char* country;
+    } cases[] = {
+        {std::nullopt, "US", R"(,"country":"US"})"},
+        {std::nullopt, "AA", R"(,"country":"KR"})"},
+        {std::nullopt, std::nullopt, "}"},
+        {R"({"SelectedCountryCode":"FR"})", "US", R"(,"country":"FR"})"},
+        {R"({"SelectedCountryCode":"AA"})", "US", R"(,"country":"KR"})"},
+        {R"({"SelectedCountryCode":""})", "US", R"(,"country":"US"})"},
+        {R"({"SelectedCountryCode":{}})", "AA", R"(,"country":"KR"})"},
+        {"FR", "US", R"(,"country":"US"})"},
+        {"", std::nullopt, "}"},
+    };
+    const auto file = homeloom::desktop::dataFolder() / "Country";
+    desk.agent.fault(kCatalog, Fault::answer(-5));
+    for (const auto& row : cases) {
+        std::filesystem::remove(file);
+        if (row.file) {
+            std::ofstream(file) << *row.file;
+        }
+        row.setting ? settings::setString(kCountryKey, *row.setting) : settings::unset(kCountryKey);
+        Ask();
+        EXPECT_THAT(desk.agent.calls().at(kCatalog).arguments,
+                    ElementsAre(R"({"appType":"serviceApp","visibility":"public")" + std::string(row.country)));
+    }
+}
+
+TEST_F(ServiceApp, TheDashboardWouldBeAskedForInTheTvsLanguageAndZone) {
+    const struct {
+        const char *zone, *offset;
+    } cases[] = {{"UTC0", "UTC+00:00"}, {"KST-9", "UTC+09:00"}, {"IST-5:30", "UTC+05:00"}, {"NST3:30", "UTC-03:00"}};
+    settings::setString("db/menu_widget/language", "pt_BR.utf8");
+    homeloom::desktop::system::setAppVersion("1.2.3");
+    Start(HomeWith(kApp));
+    for (const auto& [zone, offset] : cases) {
+        setenv("TZ", zone, 1);
+        tzset();
+        Ask();
+        EXPECT_TRUE(desk.log.contains(
+            R"(service: PUBLIC_DR, body : {"client":{"os":"solenneTV","version":"1.2.3","language":"pt",)"
+            R"("timeZoneOffset":")" +
+            std::string(offset) + R"(","supportedTemplates":["BASIC_V5","BASIC_V6"]}})"))
+            << zone;
+    }
+}
+
+// The request's thread and the event's read the catalog at the same time, and now and then in vain.
+TEST_F(ServiceApp, ManyMayAskAtOnce) {
+    Start();
+    desk.agent.fault(kCatalog, Fault::answer(-5).times(20));
+    for (int i = 0; i < 50; ++i) {
+        framework::request(kRequest, {{"location_id", "home"}});
+        desk.agent.sendEvent(kInstalledAppEvent, R"({"locationId":"home","lifecycle":"CREATE"})");
+    }
+    desk.settle();
+    EXPECT_EQ(desk.lines().size(), 100u);
+    EXPECT_THAT(desk.lines().back(), testing::HasSubstr("installed-savings"));
+}
