@@ -59,7 +59,8 @@ private:
 
 }  // namespace
 
-CallbackText::CallbackText(const std::string& text) : _text(strdup(text.c_str())), _size(text.size()) {}
+// What is behind a NUL in the text never reaches the callback, nor this copy.
+CallbackText::CallbackText(const std::string& text) : _text(strdup(text.c_str())), _size(std::strlen(_text)) {}
 
 CallbackText::~CallbackText() {
     std::memset(_text, '?', _size);

@@ -57,7 +57,8 @@ TEST_F(AgentSession, AHandleIsUsedAgainAfterItsConnectionWasLost) {
     EXPECT_EQ(client, same);
     agent.waitIdle();
     agent.sendEvent(1, "{}");
-    EXPECT_THAT(taken(), ElementsAre("connection 0 0", "event 1 {}"));
+    agent.sendEvent(1, std::string("cut\0short", 9));
+    EXPECT_THAT(taken(), ElementsAre("connection 0 0", "event 1 {}", "event 1 cut"));
 }
 
 TEST_F(AgentSession, TheServiceManagerTakesTheAgentAwayAndBringsItBack) {
