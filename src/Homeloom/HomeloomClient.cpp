@@ -182,6 +182,8 @@ void HomeloomClient::deinitClient() {
         if (const auto device = _deviceHandler.Get()) {
             device->ClearTimers();
         }
+        // With the devices go the requests that still wait for an event.
+        _deviceHandler.Reset();
         Metadata::GetInstance().StopLanguageWatch();
         HL_LOGI("deinitClient End");
     } catch (const std::exception& e) {
