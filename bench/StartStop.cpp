@@ -1,10 +1,12 @@
-// How long the plug-in takes to show the apartment, and to go when a thousand jobs still wait.
+// How long the plug-in takes to show the apartment, to let go of it and take it up again when the agent is updated, and
+// to go when a thousand jobs still wait.
 #include <vector>
 
 #include <VMFramework/JsonValue.h>
 #include <desktop/Framework.h>
 #include <simulator/Agent.h>
 #include <simulator/HomeLoader.h>
+#include <simulator/ServiceManager.h>
 
 #include "support/Desk.h"
 #include "support/Figures.h"
@@ -34,7 +36,8 @@ bench::Seconds timeOfParsing(const simulator::Home& home) {
     });
 }
 
-void measureStart(bench::Seconds parsing) {
+/// Returns the time to the second list.
+bench::Seconds measureStart(bench::Seconds parsing) {
     std::vector<bench::Seconds> first;
     std::vector<bench::Seconds> second;
     for (int round = 0; round < kRounds; ++round) {
@@ -53,6 +56,32 @@ void measureStart(bench::Seconds parsing) {
     const bench::Seconds toSecond = bench::median(second);
     bench::print({"CreatePlugin to the apartment's second list", bench::text(toSecond), "parsing its models' documents",
                   bench::text(parsing), toSecond / parsing, "", true});
+    return toSecond;
+}
+
+void measureUpdate(bench::Seconds start) {
+    auto& manager = simulator::ServiceManager::instance();
+    bench::Desk desk(apartment());
+    desk.show();
+    std::vector<bench::Seconds> ends;
+    std::vector<bench::Seconds> cycles;
+    for (int round = 0; round < kRounds; ++round) {
+        const auto begin = bench::Clock::now();
+        manager.startUpdate();
+        manager.waitIdle();
+        ends.push_back(bench::Clock::now() - begin);
+        desk.forgetLists();
+        manager.endUpdate();
+        desk.waitForLists(2);
+        cycles.push_back(bench::Clock::now() - begin);
+        simulator::Agent::instance().waitIdle();
+    }
+    const auto print = [start](const char* name, bench::Seconds time) {
+        bench::print(
+            {name, bench::text(time), "CreatePlugin to the second list", bench::text(start), time / start, "", true});
+    };
+    print("agent's update, letting go of the apartment", bench::median(ends));
+    print("agent's update, to the second list after it", bench::median(cycles));
 }
 
 bench::Seconds timeOfStop(int jobs) {
@@ -79,7 +108,7 @@ bench::Seconds timeOfStop(int jobs) {
 }  // namespace
 
 int main() {
-    measureStart(timeOfParsing(apartment()));
+    measureUpdate(measureStart(timeOfParsing(apartment())));
     const bench::Seconds idle = timeOfStop(0);
     const bench::Seconds busy = timeOfStop(kJobs);
     bench::print({"DestroyPlugin while 1,000 jobs wait", bench::text(busy), "DestroyPlugin while none does",

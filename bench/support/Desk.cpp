@@ -55,7 +55,7 @@ Desk::~Desk() {
 
 void Desk::create() {
     _isRunning = true;
-    _lists = 0;
+    forgetLists();
     _createPlugin();
 }
 
@@ -83,6 +83,11 @@ void Desk::waitForLists(int count) {
     if (!_listArrived.wait_for(lock, kLimit, [&] { return _lists >= count; })) {
         fail("the home was not reported");
     }
+}
+
+void Desk::forgetLists() {
+    const std::lock_guard<std::mutex> lock(_mutex);
+    _lists = 0;
 }
 
 void fail(const std::string& reason) {

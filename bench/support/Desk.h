@@ -25,8 +25,10 @@ public:
     void destroy();
     /// create(), and waits until the home was reported with all its state texts.
     void show();
-    /// Waits until that many device lists were reported since create(). Ends the program if they don't come.
+    /// Waits until that many device lists were reported since create() or forgetLists(). Ends the program if they
+    /// don't come.
     void waitForLists(int count);
+    void forgetLists();
     /// destroy(), and closes the library: nothing of the plug-in is left.
     void close();
 
