@@ -1,0 +1,213 @@
+// The pages for UI developers say what the plug-in does.
+
+#include <dlfcn.h>
+
+#include <algorithm>
+#include <mutex>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <vmf_property.h>
+
+#include "Page.h"
+#include "RequestTable.h"
+#include "Words.h"
+#include "desktop/Records.h"
+#include "support/Desk.h"
+
+namespace framework = homeloom::desktop::framework;
+using homeloom::tv::RequestSpec;
+using testing::Contains;
+using testing::ElementsAreArray;
+using testing::UnorderedElementsAreArray;
+
+// ---- What the plug-in reads of a request: these take the place of the framework's own functions ----
+
+namespace {
+
+std::mutex readMutex;
+std::map<std::string, std::set<DocumentedField>> readFields;  // by request
+thread_local std::pair<std::string, std::string> lastFound;   // request and key
+
+template <typename Value>
+vmf_error_e Read(const char* name, const char* type, vmf_property_h property, Value value) {
+    {
+        const std::lock_guard<std::mutex> lock(readMutex);
+        readFields[lastFound.first].insert({lastFound.second, type});
+    }
+    using Function = vmf_error_e(vmf_property_h, Value);
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name))(property, value);
+}
+
+}  // namespace
+
+vmf_property_h vmf_property_list_find(vmf_property_list_h list, const char* key) {
+    const char* const name = vmf_property_list_get_name(list);
+    lastFound = {name != nullptr ? name : "", key};
+    using Function = vmf_property_h(vmf_property_list_h, const char*);
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, "vmf_property_list_find"))(list, key);
+}
+vmf_error_e vmf_property_get_string(vmf_property_h property, const char** value) {
+    return Read("vmf_property_get_string", "text", property, value);
+}
+vmf_error_e vmf_property_get_int(vmf_property_h property, int* value) {
+    return Read("vmf_property_get_int", "int", property, value);
+}
+vmf_error_e vmf_property_get_bool(vmf_property_h property, bool* value) {
+    return Read("vmf_property_get_bool", "bool", property, value);
+}
+
+namespace {
+
+std::string TypeOf(const homeloom::desktop::Value& value) {
+    return std::holds_alternative<bool>(value) ? "bool" : std::holds_alternative<int>(value) ? "int" : "text";
+}
+
+std::string TypeOf(RequestSpec::Type type) {
+    return type == RequestSpec::Type::Flag ? "bool" : type == RequestSpec::Type::Number ? "int" : "text";
+}
+
+/// The constants of the vocabulary below a comment, up to the next empty line.
+std::vector<std::string> NamesBelow(const std::string& comment) {
+    std::vector<std::string> names;
+    bool isInside = false;
+    for (const auto& line : linesOf("src/Common/HLNames.h")) {
+        if (line == comment) {
+            isInside = true;
+        } else if (isInside && line.empty()) {
+            break;
+        } else if (isInside) {
+            const auto begin = line.find('"') + 1;
+            names.push_back(line.substr(begin, line.rfind('"') - begin));
+        }
+    }
+    return names;
+}
+
+std::vector<std::string> NamesOf(const std::vector<DocumentedRequest>& requests, bool overtaking) {
+    std::vector<std::string> names;
+    for (const auto& request : requests) {
+        if (request.overtakes == overtaking) {
+            names.push_back(request.name);
+        }
+    }
+    return names;
+}
+
+homeloom::desktop::Fields ArgumentsOf(const std::string& example) {
+    auto words = homeloom::tv::splitWords(example);
+    const auto* const spec = homeloom::tv::findRequest(words.at(1));
+    return homeloom::tv::typedArguments(*spec, {words.begin() + 2, words.end()});
+}
+
+}  // namespace
+
+TEST(Pages, TheRequestsAreThoseOfTheTables) {
+    const auto documented = documentedRequests();
+    EXPECT_THAT(NamesOf(documented, false), UnorderedElementsAreArray(NamesBelow("// Requests")));
+    EXPECT_THAT(NamesOf(documented, true),
+                UnorderedElementsAreArray(NamesBelow("// Requests that overtake the others")));
+    EXPECT_EQ(documented.size(), homeloom::tv::requestTable().size());
+    for (const auto& request : documented) {
+        const auto* const spec = homeloom::tv::findRequest(request.name);
+        ASSERT_NE(spec, nullptr) << request.name;
+        DocumentedFields arguments;
+        for (const auto& [key, type] : spec->arguments) {
+            arguments.push_back({key, TypeOf(type)});
+        }
+        EXPECT_EQ(request.arguments, arguments) << request.name;
+        EXPECT_EQ(request.example, "request " + request.name + (spec->example.empty() ? "" : " " + spec->example));
+        EXPECT_EQ(request.overtakes, spec->overtakes) << request.name;
+        EXPECT_NO_THROW(ArgumentsOf(request.example)) << request.example;
+    }
+}
+
+TEST(Pages, TheNotifiesAreThoseOfTheVocabulary) {
+    const auto documented = documentedNotifies();
+    for (const auto& name : NamesBelow("// Notifies")) {
+        EXPECT_EQ(documented.count(name), 1u) << name;
+    }
+}
+
+TEST(Pages, ARequestThatNeedsSomethingIsNotAnsweredWithoutIt) {
+    Desk desk(Desk::apartmentWith({}));
+    desk.setDisclaimer(0);  // neither connected nor signed in
+    desk.start();
+    std::map<std::string, framework::TransactionId> sent;
+    for (const auto& request : documentedRequests()) {
+        sent[request.name] = framework::request(request.name, ArgumentsOf(request.example));
+    }
+    framework::waitIdle();
+    desk.settle();
+    for (const auto& request : documentedRequests()) {
+        EXPECT_TRUE(request.needsNothing || !desk.isAnswered(sent[request.name])) << request.name;
+        EXPECT_FALSE(desk.log.contains("[Normal][" + request.name + "] exception from job : bad_function_call"));
+        const char* const way = request.overtakes ? "prior request for " : "normal request for ";
+        EXPECT_TRUE(desk.log.contains(way + request.name)) << request.name;
+    }
+}
+
+TEST(Pages, WhatIsReadAndReportedStandsThere) {
+    Desk desk;
+    desk.startAndShow();
+    desk.settle();
+    desk.mark();
+    const auto requests = documentedRequests();
+    std::map<framework::TransactionId, DocumentedRequest> sent;
+    for (const auto& request : requests) {
+        auto arguments = ArgumentsOf(request.example);
+        sent[framework::request(request.name, arguments)] = request;
+        if (arguments.has("device_type")) {
+            arguments.set("device_type", std::string("oic.d.airconditioner"));
+            sent[framework::request(request.name, arguments)] = request;
+        }
+        desk.settle();
+    }
+    for (const char* lifecycle : {"CREATE", "UPDATE", "DELETE"}) {
+        for (const int kind : {0x100, 0x800, 0x1000, 0x8000, 0x40000}) {
+            desk.agent.sendEvent(kind, R"({"locationId":"home","sceneId":"movie-time","ruleId":"night-watch",)"
+                                       R"("name":"HomeLoomEnergy","installedAppId":"installed-energy","lifecycle":")" +
+                                           std::string(lifecycle) + "\"}");
+        }
+    }
+    desk.agent.set("hub-contact", "/capability/contactSensor/main/0", "contact", "open");
+    desk.settle();
+
+    for (const auto& request : requests) {
+        DocumentedFields read(readFields[request.name].begin(), readFields[request.name].end());
+        EXPECT_THAT(read, UnorderedElementsAreArray(request.arguments)) << request.name;
+    }
+
+    const auto notifies = documentedNotifies();
+    const auto endpointFields = documentedEndpointFields();
+    std::set<std::string> answered;
+    for (const auto& report : framework::reports()) {
+        const auto request = sent.find(report->transaction);
+        DocumentedFields documented;
+        if (request != sent.end()) {
+            const bool isResult = report->kind == framework::Report::Kind::Result;
+            EXPECT_EQ(request->second.answer, (isResult ? "result " : "notify ") + report->name);
+            documented = request->second.answerFields;
+            answered.insert(request->second.name);
+        } else if (report->kind == framework::Report::Kind::Notify) {
+            ASSERT_EQ(notifies.count(report->name), 1u) << report->name;
+            documented = notifies.at(report->name);
+        }
+        for (const auto& [key, value] : report->properties) {
+            EXPECT_THAT(documented, Contains(DocumentedField{key, TypeOf(value)})) << report->name;
+        }
+        for (const auto& endpoint : report->endpoints) {
+            for (const auto& [key, value] : endpoint.extraData) {
+                EXPECT_THAT(endpointFields, Contains(DocumentedField{key, TypeOf(value)}));
+            }
+        }
+    }
+    // The examples fit the apartment: nearly all of them are answered. Those of a camera wait for the camera.
+    for (const auto& request : requests) {
+        EXPECT_TRUE(request.answer.empty() || answered.count(request.name) != 0 || request.name == "execute_command")
+            << request.name;
+    }
+}
