@@ -1,0 +1,32 @@
+// The texts of the settings that the plug-in reads.
+
+#include <stdexcept>
+
+#include <desktop/Settings.h>
+
+#include "Common/CHLUtil.h"
+#include "Homeloom/Devices/DeviceHandler.h"
+#include "Homeloom/Tessel/CServerEnvMgr.h"
+#include "Homeloom/UIMeta/Metadata.h"
+#include "support/Input.h"
+
+using namespace VMFramework::HomeLoom;
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string text = fuzz::text(data, size);
+    for (const char* key :
+         {"db/es_master/signup_info", "db/homeloom/server/env", "db/menu_widget/language", "db/comss/countrycode"}) {
+        homeloom::desktop::settings::setString(key, text);
+    }
+    DeviceHandler().IsMyTV("this-tv");
+    CHLUtil::GetHLHubCountryCode();
+    Metadata::GetInstance().StartLanguageWatch();
+    Metadata::GetInstance().StopLanguageWatch();
+    try {
+        CServerEnvMgr().GetIoTCloudServerEnv();
+        CServerEnvMgr().GetUImetaServerEnv();
+    } catch (const std::exception&) {
+        // Who asks is told so.
+    }
+    return 0;
+}

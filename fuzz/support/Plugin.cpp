@@ -1,0 +1,80 @@
+#include "support/Plugin.h"
+
+#include <algorithm>
+#include <future>
+#include <memory>
+
+#include <desktop/Framework.h>
+#include <desktop/Guard.h>
+#include <desktop/Settings.h>
+#include <simulator/HomeLoader.h>
+
+#include "Homeloom/Common/MsgDispatcher.h"
+#include "plugin_interface.h"
+#include "support/Input.h"
+
+namespace fuzz {
+
+namespace framework = homeloom::desktop::framework;
+using framework::Report;
+
+namespace {
+
+constexpr std::chrono::minutes kLimit(1);  // what takes longer hangs
+
+simulator::Home smallHome() {
+    const std::vector<std::string> kept{"washer",        "aircon",     "fridge",   "ceiling-light",
+                                        "living-camera", "hub-button", "hub-plug", "tv-hub"};
+    simulator::Home home = simulator::loadHome(HOMELOOM_HOMES_DIR "/apartment.json");
+    const auto isUnwanted = [&kept](const simulator::Device& device) {
+        return std::find(kept.begin(), kept.end(), device.id) == kept.end();
+    };
+    home.devices.erase(std::remove_if(home.devices.begin(), home.devices.end(), isUnwanted), home.devices.end());
+    return home;
+}
+
+}  // namespace
+
+Plugin& Plugin::running() {
+    static Plugin plugin;
+    return plugin;
+}
+
+Plugin::Plugin() : home(smallHome()) {
+    homeloom::desktop::settings::setInt("db/menu/glade_deck/homedatacontrol/defaultdisclaimeragree", 1);
+    agent.load(home);
+    require(CreatePlugin(), "the plug-in starts");
+    int lists = 0;
+    require(framework::waitFor(
+                [&lists](const Report& report) { return report.kind == Report::Kind::DeviceList && ++lists == 2; },
+                kLimit) != nullptr,
+            "the home is shown");
+    waitForEvents();
+    framework::keepReports(100);
+}
+
+Plugin::~Plugin() {
+    DestroyPlugin();
+    require(homeloom::desktop::pluginExceptions().empty(), "no exception leaves the plug-in");
+    require(agent.escapedExceptions().empty(), "no exception reaches the agent");
+    require(agent.holdings().total() == 0, "nothing of the agent's is kept");
+}
+
+void Plugin::waitForEvents() {
+    require(agent.waitIdle(kLimit), "the agent's callbacks return");
+    const auto done = std::make_shared<std::promise<void>>();
+    const auto future = done->get_future();
+    VMFramework::HomeLoom::EnqueueOnScheduler([done] { done->set_value(); }, "fuzz");
+    require(future.wait_for(kLimit) == std::future_status::ready, "an event is handled");
+}
+
+void Plugin::waitForRequests() {
+    // One on each of the two threads, that is answered whatever happens.
+    for (const char* name : {"hl_change_device_name", "get_third_party_notification_status"}) {
+        const auto id = framework::request(name);
+        require(framework::waitFor([id](const Report& report) { return report.transaction == id; }, kLimit) != nullptr,
+                "a request is handled");
+    }
+}
+
+}  // namespace fuzz
