@@ -21,9 +21,10 @@ void failConnect(int code);
 /// The same for rpc_port_parcel_send.
 void failSend(int code);
 
-/// Proxies that were not destroyed, and parcels.
+/// Proxies and parcels that were not destroyed, and connections that stand or are opened.
 struct Holdings {
     int proxies = 0;
+    int connections = 0;
     int parcels = 0;
 };
 Holdings holdings();

@@ -1,0 +1,138 @@
+#include "Port.h"
+
+#include <glib-unix.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/time.h>
+
+#include <cerrno>
+#include <utility>
+
+#include "Controls.h"
+#include "Parcel.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using std::chrono::microseconds;
+using std::chrono::milliseconds;
+
+constexpr std::size_t kReadSize = 16 * 1024;
+
+}  // namespace
+
+using homeloom::desktop::rpc::timeLimit;
+
+// The descriptor blocks, so that waiting for an answer is one call of the system. All else says that it must not.
+rpc_port_s::rpc_port_s(Descriptor socket) : _socket(std::move(socket)) {
+    g_unix_set_fd_nonblocking(descriptor(), FALSE, nullptr);
+}
+
+rpc_port_s::~rpc_port_s() = default;
+
+bool rpc_port_s::send(std::string_view bytes) {
+    const std::lock_guard<std::mutex> lock(_sendMutex);
+    const auto end = Clock::now() + timeLimit();
+    while (true) {
+        const ssize_t sent = ::send(descriptor(), bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+        bytes.remove_prefix(sent > 0 ? static_cast<std::size_t>(sent) : 0);
+        if (bytes.empty()) {
+            return true;
+        }
+        const auto left = std::chrono::duration_cast<milliseconds>(end - Clock::now());
+        if ((sent < 0 && errno != EAGAIN && errno != EINTR) || left.count() <= 0) {
+            shutDown();  // the rest of a parcel can't be told from the beginning of another
+            return false;
+        }
+        pollfd writable{descriptor(), POLLOUT, 0};
+        poll(&writable, 1, static_cast<int>(left.count()));
+    }
+}
+
+rpc_port_s::ParcelPtr rpc_port_s::receive() {
+    const std::lock_guard<std::mutex> lock(_readMutex);
+    const auto end = Clock::now() + timeLimit();
+    ParcelPtr parcel = cutParcel();
+    for (auto left = microseconds(timeLimit()); !parcel && left.count() > 0;
+         left = std::chrono::duration_cast<microseconds>(end - Clock::now())) {
+        setReadLimit(left);
+        if (read(0) == Came::End) {
+            return nullptr;
+        }
+        parcel = cutParcel();
+    }
+    return parcel;
+}
+
+void rpc_port_s::setReadLimit(microseconds limit) {
+    if (limit == _readLimit) {
+        return;
+    }
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(limit);
+    timeval time{};
+    time.tv_sec = static_cast<decltype(time.tv_sec)>(seconds.count());
+    time.tv_usec = static_cast<decltype(time.tv_usec)>((limit - seconds).count());
+    setsockopt(descriptor(), SOL_SOCKET, SO_RCVTIMEO, &time, sizeof time);
+    _readLimit = limit;
+}
+
+// Called with the mutex held.
+rpc_port_s::Came rpc_port_s::read(int flags) {
+    _in.erase(0, _cut);
+    _cut = 0;
+    char bytes[kReadSize];
+    const ssize_t size = recv(descriptor(), bytes, sizeof bytes, flags);
+    if (size > 0) {
+        _in.append(bytes, static_cast<std::size_t>(size));
+        return Came::Something;
+    }
+    if (size < 0 && (errno == EAGAIN || errno == EINTR)) {
+        return Came::Nothing;
+    }
+    shutDown();
+    return Came::End;
+}
+
+// Called with the mutex held.
+rpc_port_s::ParcelPtr rpc_port_s::cutParcel() {
+    const std::string_view rest = std::string_view(_in).substr(_cut);
+    constexpr std::size_t kHeaderSize = rpc_port_parcel_s::kHeaderSize;
+    if (rest.size() < kHeaderSize) {
+        return nullptr;
+    }
+    const std::size_t length = rpc_port_parcel_s::lengthIn(rest.data());
+    if (length > RPC_PORT_PARCEL_MAX) {
+        shutDown();
+        return nullptr;
+    }
+    if (rest.size() - kHeaderSize < length) {
+        return nullptr;
+    }
+    auto parcel = std::make_unique<rpc_port_parcel_s>(rest.substr(kHeaderSize, length));
+    _cut += kHeaderSize + length;
+    return parcel;
+}
+
+rpc_port_s::Came rpc_port_s::fill() {
+    const std::lock_guard<std::mutex> lock(_readMutex);
+    return read(MSG_DONTWAIT);
+}
+
+rpc_port_s::ParcelPtr rpc_port_s::next() {
+    const std::lock_guard<std::mutex> lock(_readMutex);
+    return cutParcel();
+}
+
+void rpc_port_s::offer(ParcelPtr parcel) {
+    const std::lock_guard<std::mutex> lock(_offerMutex);
+    _offered = std::move(parcel);
+}
+
+rpc_port_s::ParcelPtr rpc_port_s::takeOffered() {
+    const std::lock_guard<std::mutex> lock(_offerMutex);
+    return std::move(_offered);
+}
+
+void rpc_port_s::shutDown() {
+    shutdown(descriptor(), SHUT_RDWR);
+}
