@@ -10,11 +10,12 @@ if(NOT HOMELOOM_DESK)
 endif()
 
 install(TARGETS homeloom-platform homeloom-agent LIBRARY DESTINATION ${HOMELOOM_PRIVATE_DIR})
+install(TARGETS homeloom-hub-app RUNTIME DESTINATION ${HOMELOOM_PRIVATE_DIR})
 install(TARGETS homeloom-tv RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(DIRECTORY homes/ DESTINATION ${HOMELOOM_DATA_DIR}/homes FILES_MATCHING PATTERN *.json)
 install(FILES README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN *.md)
-set_target_properties(homeloom homeloom-platform homeloom-agent PROPERTIES INSTALL_RPATH "$ORIGIN")
+set_target_properties(homeloom homeloom-platform homeloom-agent homeloom-hub-app PROPERTIES INSTALL_RPATH "$ORIGIN")
 set_target_properties(homeloom-tv PROPERTIES INSTALL_RPATH "$ORIGIN/../${HOMELOOM_PRIVATE_DIR}")
 
 # cpack -G DEB --config build/release/CPackConfig.cmake

@@ -12,8 +12,10 @@
 #include <fstream>
 #include <future>
 #include <iostream>
+#include <iterator>
 #include <memory>
 #include <stdexcept>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -21,6 +23,7 @@
 
 #include "desktop/Guard.h"
 #include "plugin_interface.h"
+#include "simulator/HubApp.h"
 #include "simulator/ServiceManager.h"
 
 namespace framework = homeloom::desktop::framework;
@@ -51,18 +54,26 @@ std::vector<GSource*> timers() {
     return found;
 }
 
-// How often each of the other threads has run; empty unless all of them sleep. Told twice the same, nobody has run in
-// between, and nobody is left who could wake another.
+// How often each of the other threads has run, those of the hub control application too; empty unless all of them
+// sleep. Told twice the same, nobody has run in between, and nobody is left who could wake another.
 std::string turnsOfSleepingThreads() {
     const std::string self = std::to_string(gettid());
+    std::vector<std::filesystem::path> tasks;
+    for (const std::string& process :
+         {std::string("self"), std::to_string(simulator::HubApp::instance().processId())}) {
+        std::error_code isNotThere;
+        const std::filesystem::directory_iterator entries("/proc/" + process + "/task", isNotThere);
+        std::copy(begin(entries), end(entries), std::back_inserter(tasks));
+    }
     std::string turns;
-    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
-        if (task.path().filename() == self) {
+    for (const auto& task : tasks) {
+        if (task.filename() == self) {
             continue;
         }
-        std::ifstream status(task.path() / "status");
+        std::ifstream status(task / "status");
         for (std::string line; std::getline(status, line);) {
-            if (line.rfind("State:", 0) == 0 && line.find("S (") == std::string::npos) {
+            if (line.rfind("State:", 0) == 0 && line.find("S (") == std::string::npos &&
+                line.find("T (") == std::string::npos) {
                 return "";
             }
             if (line.find("ctxt_switches:") != std::string::npos) {
