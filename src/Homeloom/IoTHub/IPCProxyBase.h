@@ -99,7 +99,6 @@ public:
     void DisposeCallback(const std::string& tag);
 
 private:
-    enum class Method : int;
     class Parcel;
 
     static void OnConnectedCB(const char* endpoint, const char* portName, rpc_port_h port, void* userData);
@@ -107,21 +106,25 @@ private:
     static void OnRejectedCB(const char* endpoint, const char* portName, void* userData);
     static void OnReceivedCB(const char* endpoint, const char* portName, void* userData);
 
-    void CheckConnection();
-    void CallWithDelegate(Parcel& parcel, std::unique_ptr<OnEvent> callback);
+    void CheckConnection() const;
+    void Call(const Parcel& call);
+    void CallWithDelegate(const Parcel& call, std::unique_ptr<OnEvent> callback);
     /// With the mutex held.
-    void Send(Parcel& parcel);
+    void Send(const Parcel& call);
     Parcel ConsumeCommand();
-    void ProcessReceivedEvent(Parcel& parcel);
+    void ProcessReceivedEvent(const Parcel& parcel);
 
-    rpc_port_h _port = nullptr;          // not null: connected
-    rpc_port_h _callbackPort = nullptr;  // of type 1
+    std::atomic<rpc_port_h> _port{nullptr};  // not null: connected
+    std::atomic<rpc_port_h> _callbackPort{nullptr};
     rpc_port_proxy_h _proxy = nullptr;
     std::atomic<IEventListener*> _listener;
-    std::recursive_mutex _mutex;  // over the ports, a send, and a send with its answer; never over a delegate's call
-    std::mutex _delegatesMutex;   // a leaf, so that an event need not wait for another thread's answer
+    // Over a change of the ports, a send, and a send with its answer; never over a call of delegate or listener.
+    std::recursive_mutex _mutex;
+    // A leaf of its own, so that no event waits on the main loop for the answer that another thread waits for.
+    std::mutex _delegatesMutex;
     std::list<std::shared_ptr<CallbackBase>> _delegates;
-    int _abandonedAnswers = 0;  // answers that nobody waited for to the end: they carry no number, and come first
+    // Answers carry no number. Those for which nobody waits any more come before the next one.
+    int _abandonedAnswers = 0;
     const std::string _targetAppId;
 };
 
