@@ -175,6 +175,35 @@ TEST(Program, PlaysTheOtherSide) {
     EXPECT_THAT(result.output, Not(HasSubstr("left behind")));
 }
 
+TEST(Program, WorksTheHubControlApplication) {
+    const std::pair<const char*, const char*> steps[] = {
+        {"sim hub info", R"({"hub_di":"","user_id":""})"},
+        {"sim hub info {\"hub_di\":\"h\"}", ""},
+        {"sim hub event x", "failed: usage: sim hub "},
+        {"sim hub dance", "failed: usage: sim hub "},
+        {"sim hub onboarding sometimes", "failed: usage: sim hub "},
+        {"sim hub pace 5 6", "failed: usage: sim hub "},
+        {"sim hub kill", ""},
+        {"sim hub event 0 42", "failed: the hub control application doesn't run"},
+        {"sim hub reject", ""},
+        {"sim hub start", ""},
+        {"sim hub  info", R"({"hub_di":"h"})"},
+        {"sim hub event 0 43", "failed: nobody has given a delegate for such an event"},
+        {"sim hub pause", ""},
+        {"sim hub requests", "failed: the hub control application is paused"},
+        {"sim hub resume", ""},
+    };
+    std::vector<std::string> commands;
+    for (const auto& [command, outcome] : steps) {
+        commands.emplace_back(command);
+    }
+    const Finished result = runCommands(commands);
+    for (const auto& [command, outcome] : steps) {
+        EXPECT_THAT(saidBy(result, command), HasSubstr(outcome)) << command;
+    }
+    EXPECT_THAT(runCommands({"sim hub info"}, {"--hub", "off"}).output, HasSubstr("doesn't run"));
+}
+
 TEST(Program, TellsWhatAPluginLeavesBehind) {
     const Finished result = run({"--plugin", HOMELOOM_LEAKY_PLUGIN, "--exec", "stats", "--exec", "scan"});
     EXPECT_EQ(result.status, 1);

@@ -23,6 +23,7 @@ std::string checkDuration(const std::string& text) {
 std::variant<Arguments, int> parseArguments(int argc, char** argv) {
     Arguments arguments;
     std::string disclaimer = "on";
+    std::string hub = "on";
     std::string level;
     std::string limit;
 
@@ -47,6 +48,10 @@ std::variant<Arguments, int> parseArguments(int argc, char** argv) {
     app.add_option("--disclaimer", disclaimer, "Whether the disclaimer is accepted at the start")
         ->type_name("on|off")
         ->check(CLI::IsMember({"on", "off"}));
+    app.add_option("--hub", hub,
+                   "Whether this TV can be a hub (on if not given), and lacks only the hub control application")
+        ->type_name("on|uninstalled|off")
+        ->check(CLI::IsMember({"on", "uninstalled", "off"}));
     app.add_option("--limit", limit, "How long a command waits for what it caused; 5s if not given")
         ->type_name("TIME")
         ->check(CLI::Validator(checkDuration, ""));
@@ -61,6 +66,9 @@ std::variant<Arguments, int> parseArguments(int argc, char** argv) {
         return app.exit(e) == 0 ? kExitSuccess : kExitUsage;
     }
     arguments.disclaimer = disclaimer == "on";
+    arguments.hub = hub == "on"            ? Arguments::Hub::On
+                    : hub == "uninstalled" ? Arguments::Hub::Uninstalled
+                                           : Arguments::Hub::Off;
     if (!limit.empty()) {
         arguments.limit = parseDuration(limit).value();
     }

@@ -23,6 +23,8 @@ struct Arguments {
     bool json = false;
     bool settled = false;
     bool disclaimer = true;
+    enum class Hub { On, Uninstalled, Off };
+    Hub hub = Hub::On;
     std::optional<log_priority> log;
     std::string plugin;  // file; empty: the one beside the program
     std::chrono::milliseconds limit{5000};

@@ -16,7 +16,7 @@ namespace {
 std::vector<Command> makeTable() {
     std::vector<Command> table;
     for (const auto& family : {viewCommands, requestCommands, deskCommands, simDeviceCommands, simHomeCommands,
-                               simSessionCommands, simFaultCommands, simWebCommands}) {
+                               simSessionCommands, simFaultCommands, simWebCommands, simHubCommands}) {
         std::vector<Command> commands = family();
         std::move(commands.begin(), commands.end(), std::back_inserter(table));
     }

@@ -8,6 +8,8 @@
 #include <system_error>
 #include <utility>
 
+#include <simulator/HubApp.h>
+
 namespace homeloom::tv {
 
 namespace {
@@ -25,10 +27,10 @@ bool isBusy(const std::filesystem::path& task) {
     return state == 'R' || state == 'D';
 }
 
-bool othersRest() {
+bool othersRest(const std::string& process) {
     const std::string self = std::to_string(gettid());
     std::error_code error;
-    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task", error)) {
+    for (const auto& task : std::filesystem::directory_iterator("/proc/" + process + "/task", error)) {
         if (task.path().filename() != self && isBusy(task.path())) {
             return false;
         }
@@ -47,7 +49,9 @@ void Idleness::restart() {
 }
 
 std::chrono::milliseconds Idleness::restingFor() {
-    const bool rests = othersRest();
+    // The hub control application works for the same commands.
+    const int hub = simulator::HubApp::instance().processId();
+    const bool rests = othersRest("self") && (hub == 0 || othersRest(std::to_string(hub)));
     const std::uint64_t activity = _activity();
     const Clock::time_point now = Clock::now();
     if (!rests || activity != _lastActivity) {

@@ -7,8 +7,9 @@
 
 namespace homeloom::tv {
 
-/// Tells when the program has come to rest: all its threads but the caller's sleep, and nothing happened meanwhile. A
-/// guess by time alone would be wrong on a busy machine, where a thread that has work may wait long for its turn.
+/// Tells when the program has come to rest: all its threads but the caller's sleep, those of the hub control
+/// application too, and nothing happened meanwhile. A guess by time alone would be wrong on a busy machine, where a
+/// thread that has work may wait long for its turn.
 ///
 /// Work that a timer will begin doesn't count.
 class Idleness {

@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstring>
 #include <filesystem>
+#include <optional>
 #include <stdexcept>
 #include <thread>
 #include <variant>
@@ -20,6 +21,7 @@
 #include "Console.h"
 #include "Desk.h"
 #include "DeskSettings.h"
+#include "HubHost.h"
 #include "Inbox.h"
 #include "Output.h"
 #include "PluginHost.h"
@@ -111,6 +113,10 @@ int run(const Arguments& arguments) {
     }
     PluginHost plugin(arguments.plugin.empty() ? findPlugin(programPath()) : std::filesystem::path(arguments.plugin));
     applyDeskSettings(chosen.home.account, arguments.disclaimer);
+    std::optional<HubHost> hub;
+    if (arguments.hub != Arguments::Hub::Off) {
+        hub.emplace(chosen.home, arguments.hub == Arguments::Hub::On);
+    }
     simulator::Agent::instance().load(std::move(chosen.home));
     const CloudHost cloud;
 
