@@ -290,10 +290,13 @@ TEST_F(RpcPort, LengthsThatNoParcelHasEndTheConnection) {
     for (const auto port : {RPC_PORT_PORT_CALLBACK, RPC_PORT_PORT_MAIN}) {
         startApplication();
         connect();
+        std::promise<void> isReceived;
+        duringDisconnected = [&] { isReceived.get_future().wait(); };  // the port goes with the callback's end
         ASSERT_TRUE(sendBytes(port, "\xff\xff\xff\xff" + std::string(1000, 'x')));
         if (port == RPC_PORT_PORT_MAIN) {
             EXPECT_EQ(Parcel(mainPort).result, RPC_PORT_ERROR_IO_ERROR);
         }
+        isReceived.set_value();
         EXPECT_TRUE(waitFor("disconnected"));
         EXPECT_TRUE(waitFor("client gone"));
         takeEvents();

@@ -38,8 +38,10 @@ public:
     bool sendBytes(ClientId client, rpc_port_port_type_e port, std::string_view bytes);
     void disconnect(ClientId client);
 
-    /// A parcel as it travels.
+    /// A parcel as it travels: the length of the values in four bytes, and the values.
     static std::string bytesOf(rpc_port_parcel_h parcel);
+    /// The parcel that came when these values did. The caller destroys it.
+    static rpc_port_parcel_h parcelOf(std::string_view values);
 
 private:
     class Listener;

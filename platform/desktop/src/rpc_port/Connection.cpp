@@ -1,7 +1,6 @@
 #include "Connection.h"
 
 #include <sys/socket.h>
-#include <sys/un.h>
 
 #include <cerrno>
 #include <cstring>
@@ -73,16 +72,24 @@ void Connection::shutDown() {
     callback.shutDown();
 }
 
-std::variant<std::shared_ptr<Connection>, int> connectTo(const std::string& path) {
+std::optional<sockaddr_un> addressOf(const std::string& path) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     if (path.size() >= sizeof address.sun_path) {
-        return RPC_PORT_ERROR_IO_ERROR;
+        return std::nullopt;
     }
     path.copy(address.sun_path, path.size());
+    return address;
+}
+
+std::variant<std::shared_ptr<Connection>, int> connectTo(const std::string& path) {
+    const auto address = addressOf(path);
+    if (!address) {
+        return RPC_PORT_ERROR_IO_ERROR;
+    }
     // Nobody waits for an application that takes no connections.
     Descriptor mainSocket(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-    if (connect(mainSocket.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+    if (connect(mainSocket.number(), reinterpret_cast<const sockaddr*>(&*address), sizeof *address) != 0) {
         return errno == EACCES || errno == EPERM ? RPC_PORT_ERROR_PERMISSION_DENIED : RPC_PORT_ERROR_IO_ERROR;
     }
     int ends[2];

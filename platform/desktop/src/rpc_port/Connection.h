@@ -1,7 +1,10 @@
 #ifndef HOMELOOM_DESKTOP_RPC_PORT_CONNECTION_H
 #define HOMELOOM_DESKTOP_RPC_PORT_CONNECTION_H
 
+#include <sys/un.h>
+
 #include <memory>
+#include <optional>
 #include <string>
 #include <variant>
 
@@ -27,6 +30,9 @@ struct Connection {
     rpc_port_s main;
     rpc_port_s callback;
 };
+
+/// None for a path that no socket can have.
+std::optional<sockaddr_un> addressOf(const std::string& path);
 
 /// The proxy's side, without the answer; or the code of the failure.
 std::variant<std::shared_ptr<Connection>, int> connectTo(const std::string& path);

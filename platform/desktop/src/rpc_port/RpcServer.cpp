@@ -1,16 +1,17 @@
 #include "desktop/RpcServer.h"
 
-#include <fcntl.h>
-#include <gio/gunixsocketaddress.h>
 #include <glib-unix.h>
-#include <glib/gstdio.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
+#include <cerrno>
+#include <cstring>
 #include <map>
 #include <stdexcept>
 #include <utility>
 
 #include "Connection.h"
-#include "GObjectPtr.h"
+#include "Descriptor.h"
 #include "Parcel.h"
 
 namespace homeloom::desktop::rpc {
@@ -44,23 +45,15 @@ private:
 
 constexpr int kBacklog = 16;
 
-ObjectPtr<GSocket> listenAt(const std::string& path) {
-    g_unlink(path.c_str());  // what one that was killed has left
-    const ObjectPtr<GSocketAddress> address(g_unix_socket_address_new(path.c_str()));
-    GError* error = nullptr;
-    ObjectPtr<GSocket> socket(
-        g_socket_new(G_SOCKET_FAMILY_UNIX, G_SOCKET_TYPE_STREAM, G_SOCKET_PROTOCOL_DEFAULT, &error));
-    if (socket) {
-        g_socket_set_listen_backlog(socket.get(), kBacklog);
-        g_socket_set_blocking(socket.get(), FALSE);
+Descriptor listenAt(const std::string& path) {
+    unlink(path.c_str());  // what one that was killed has left
+    const auto address = addressOf(path);
+    Descriptor listener(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    if (!address || bind(listener.number(), reinterpret_cast<const sockaddr*>(&*address), sizeof *address) != 0 ||
+        listen(listener.number(), kBacklog) != 0) {
+        throw std::runtime_error(path + ": " + std::strerror(address ? errno : ENAMETOOLONG));
     }
-    if (!socket || !g_socket_bind(socket.get(), address.get(), FALSE, &error) ||
-        !g_socket_listen(socket.get(), &error)) {
-        const std::string reason = error->message;
-        g_error_free(error);
-        throw std::runtime_error(path + ": " + reason);
-    }
-    return socket;
+    return listener;
 }
 
 }  // namespace
@@ -71,9 +64,9 @@ public:
         : _path(std::move(path)),
           _events(std::move(events)),
           _socket(listenAt(_path)),
-          _readable(g_socket_get_fd(_socket.get()), [this] { accept(); }) {}
+          _readable(_socket.number(), [this] { accept(); }) {}
 
-    ~Listener() { g_unlink(_path.c_str()); }
+    ~Listener() { unlink(_path.c_str()); }
 
     int connections() const {
         int count = 0;
@@ -106,19 +99,18 @@ public:
 
 private:
     struct Client {
-        ObjectPtr<GSocket> socket;
-        std::shared_ptr<Connection> connection;  // none until the client has introduced itself
+        Descriptor socket;                       // until the client has introduced itself
+        std::shared_ptr<Connection> connection;  // from then on
         std::unique_ptr<Readable> readable;
     };
 
     void accept() {
-        ObjectPtr<GSocket> socket(g_socket_accept(_socket.get(), nullptr, nullptr));
+        Descriptor socket(accept4(_socket.number(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
         if (!socket) {
             return;
         }
         const ClientId id = ++_lastId;
-        g_socket_set_blocking(socket.get(), FALSE);
-        auto readable = std::make_unique<Readable>(g_socket_get_fd(socket.get()), [this, id] { read(id); });
+        auto readable = std::make_unique<Readable>(socket.number(), [this, id] { read(id); });
         _clients[id] = Client{std::move(socket), nullptr, std::move(readable)};
     }
 
@@ -134,7 +126,7 @@ private:
     }
 
     bool introduce(Client& client) const {
-        const auto connection = acceptFrom(Descriptor(fcntl(g_socket_get_fd(client.socket.get()), F_DUPFD_CLOEXEC, 0)));
+        const auto connection = acceptFrom(std::move(client.socket));
         if (!connection) {
             return false;
         }
@@ -163,7 +155,7 @@ private:
 
     const std::string _path;
     const Events _events;
-    const ObjectPtr<GSocket> _socket;
+    const Descriptor _socket;
     ClientId _lastId = 0;
     std::map<ClientId, Client> _clients;
     const Readable _readable;
@@ -188,6 +180,10 @@ bool RpcServer::sendBytes(ClientId client, rpc_port_port_type_e port, std::strin
 
 void RpcServer::disconnect(ClientId client) {
     _listener->disconnect(client);
+}
+
+rpc_port_parcel_h RpcServer::parcelOf(std::string_view values) {
+    return new rpc_port_parcel_s(values);
 }
 
 std::string RpcServer::bytesOf(rpc_port_parcel_h parcel) {
