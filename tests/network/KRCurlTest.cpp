@@ -144,6 +144,11 @@ TEST_F(KRCurl_, PostsWhatItWasGivenAndReadsNoInput) {
 TEST_F(KRCurl_, ReadsNothingBehindTheFields) {
     EXPECT_TRUE(easy.setOption(KRCURL_OPTION_POSTFIELDSIZE, 100L));
     EXPECT_FALSE(easy.setOption(KRCURL_OPTION_POSTFIELDS, std::string("short")));
+    EXPECT_TRUE(easy.setOption(KRCURL_OPTION_POSTFIELDSIZE, 64L));
+    EXPECT_TRUE(easy.setOption(KRCURL_OPTION_POSTFIELDS, std::string(64, 'x')));
+    EXPECT_FALSE(easy.setOption(KRCURL_OPTION_POSTFIELDS, std::string("short")));
+    EXPECT_TRUE(easy.send());
+    EXPECT_EQ(cloud.requests().back().body, std::string(64, 'x'));
     easy.reset();
     EXPECT_TRUE(easy.setOption(KRCURL_OPTION_COPYPOSTFIELDS, std::string("short")));
     EXPECT_FALSE(easy.setOption(KRCURL_OPTION_POSTFIELDSIZE, 6L));

@@ -4,10 +4,9 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstring>
 #include <exception>
-#include <functional>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 #include "curl/WebState.h"
@@ -24,7 +23,8 @@ constexpr char kProtocols[] = "http,https";
 
 // Texts, header lines included, end at a NUL for the transfer; a line break in a header line would begin another one.
 bool isOneLine(const std::string& text) {
-    return text.find_first_of(std::string("\0\r\n", 3)) == std::string::npos;
+    constexpr std::string_view kBreaks("\0\r\n", 3);
+    return text.find_first_of(kBreaks) == std::string::npos;
 }
 
 bool initializeLibrary() {
@@ -84,6 +84,7 @@ private:
         return curl_easy_setopt(_curl.get(), option, value) == CURLE_OK;
     }
     bool setBasics();
+    bool holdsFieldSize(const std::string& text) const;
     bool setFields(CURLoption option, const std::string& text);
     bool setSurroundings();
 
@@ -134,21 +135,25 @@ bool KRCurlEasy::Handle::set(KRCURL_OPTION_TYPE option, const std::string& value
         case KRCURL_OPTION_CUSTOMREQUEST:
             return isOneLine(value) && setCurl(CURLOPT_CUSTOMREQUEST, value.c_str());
         case KRCURL_OPTION_POSTFIELDS:
+            if (!holdsFieldSize(value)) {
+                return false;
+            }
             _fields = value;
             return setFields(CURLOPT_POSTFIELDS, _fields);
         case KRCURL_OPTION_COPYPOSTFIELDS:
-            return setFields(CURLOPT_COPYPOSTFIELDS, value);
+            return holdsFieldSize(value) && setFields(CURLOPT_COPYPOSTFIELDS, value);
         default:
             return false;
     }
 }
 
+// Or curl would read on behind the text.
+bool KRCurlEasy::Handle::holdsFieldSize(const std::string& text) const {
+    return _fieldSize.value_or(-1) <= static_cast<long>(text.size());
+}
+
 bool KRCurlEasy::Handle::setFields(CURLoption option, const std::string& text) {
-    const auto length = static_cast<long>(text.size());
-    if (_fieldSize && *_fieldSize > length) {
-        return false;  // curl would read on behind the text
-    }
-    _fieldsLength = length;
+    _fieldsLength = static_cast<long>(text.size());
     return setCurl(CURLOPT_POSTFIELDSIZE, _fieldSize.value_or(-1)) && setCurl(option, text.c_str());
 }
 
