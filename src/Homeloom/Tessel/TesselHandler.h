@@ -2,11 +2,11 @@
 #define HOMELOOM_HOMELOOM_TESSEL_TESSELHANDLER_H
 
 #include <atomic>
-#include <mutex>
 #include <string>
 #include <vector>
 
 #include "Common/CSingleton.h"
+#include "Homeloom/Common/FairMutex.h"
 #include "Homeloom/Network/CRestHandler.h"
 #include "Homeloom/Tessel/ITesselHandler.h"
 
@@ -260,7 +260,7 @@ private:
 
     // Written under the mutex only; atomic for GetHandle.
     std::atomic<homeloom_client_h> _clientHandle{nullptr};
-    std::mutex _mutex;
+    FairMutex _mutex;
     // What blocking operations wait under. Written without the mutex, or nobody could end a wait.
     std::atomic<bool> _contextRunning{true};
     std::string _accessToken;
