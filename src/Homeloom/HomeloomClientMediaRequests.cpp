@@ -12,30 +12,46 @@
 
 namespace VMFramework::HomeLoom {
 
+namespace {
+
+std::string vidOf(const Device& device) {
+    const auto lock = device.Lock();
+    return device.GetVid();
+}
+
+bool supportsInnerView(const Device& device) {
+    const auto lock = device.Lock();
+    return device.IsSupportInnerView();
+}
+
+}  // namespace
+
 template <typename Kind>
 std::shared_ptr<Kind> HomeloomClient::findDeviceOf(const std::string& deviceId) const {
     const auto devices = _deviceHandler.Get();
     return devices ? std::dynamic_pointer_cast<Kind>(devices->FindDevice(deviceId)) : nullptr;
 }
 
-// The three stream URLs. Nothing asks a camera for its stream yet, so each gets the empty URL that tells the screens
-// that there is none.
-
 void HomeloomClient::GetAvpCameraUrl(const Transaction& transaction, const std::string& deviceId) {
     requireClientAvailable();
+    const std::string accessToken = GetAccessToken();
     if (const auto camera = findCamera(deviceId)) {
-        tryGetMetadata(camera->GetVid());
+        tryGetMetadata(vidOf(*camera));
+        camera->GetAvpUrl(transaction, camera, accessToken);
+        return;
     }
     GetAvpCameraUrlParam param(transaction);
     param.deviceId = deviceId;
-    param.accessToken = GetAccessToken();
+    param.accessToken = accessToken;
     Reporter::Report(param);
 }
 
 void HomeloomClient::GetNoneAvpCameraUrl(const Transaction& transaction, const std::string& deviceId) {
     requireClientAvailable();
     if (const auto camera = findCamera(deviceId)) {
-        tryGetMetadata(camera->GetVid());
+        tryGetMetadata(vidOf(*camera));
+        camera->GetNoneAvpUrl(transaction, camera);
+        return;
     }
     GetNoneAvpCameraUrlParam param(transaction);
     param.deviceId = deviceId;
@@ -47,7 +63,9 @@ void HomeloomClient::GetRingDoorBellUrl(const Transaction& transaction, const st
     if (const auto camera = findCamera(deviceId)) {
         // This one takes the list and group callbacks away until they are next registered.
         deregisterOCFCallback();
-        tryGetMetadata(camera->GetVid());
+        tryGetMetadata(vidOf(*camera));
+        camera->GetRingDoorBellUrl(transaction);
+        return;
     }
     GetRingDoorbellUrlParam param(transaction);
     param.deviceId = deviceId;
@@ -105,10 +123,13 @@ void HomeloomClient::RequestGetStatusOfCapability(const Transaction& transaction
 
 void HomeloomClient::GetRefrigeratorInnerviewUrl(const Transaction& transaction, const std::string& deviceId) {
     requireClientAvailable();
-    GetRefrigeratorInnerViewUrlParam param(transaction);
-    if (!findDeviceOf<RefrigeratorDevice>(deviceId)) {
-        HL_LOGI("device is NULL or device_id[%s] is not support innerview", deviceId.c_str());
+    const auto refrigerator = findDeviceOf<RefrigeratorDevice>(deviceId);
+    if (refrigerator && supportsInnerView(*refrigerator)) {
+        refrigerator->GetInnerviewUrl(transaction, deviceId, GetAccessToken());
+        return;
     }
+    HL_LOGI("device is NULL or device_id[%s] is not support innerview", deviceId.c_str());
+    GetRefrigeratorInnerViewUrlParam param(transaction);
     Reporter::Report(param);
 }
 

@@ -22,6 +22,7 @@
 #include <gmock/gmock.h>
 
 #include "desktop/Guard.h"
+#include "desktop/Web.h"
 #include "plugin_interface.h"
 #include "simulator/HubApp.h"
 #include "simulator/ServiceManager.h"
@@ -103,6 +104,7 @@ Desk::~Desk() {
         stop();
     }
     homeloom::desktop::log::setTraceSink(nullptr);
+    simulator::Cloud::instance().stop();
     expectNothingLeft();
 }
 
@@ -151,6 +153,14 @@ void Desk::runWithLimit(const std::string& what, const std::function<void()>& fu
 
 void Desk::setDisclaimer(int value) {
     settings::setInt(kDisclaimerKey, value);
+}
+
+simulator::Cloud& Desk::startCloud() {
+    simulator::Cloud& cloud = simulator::Cloud::instance();
+    cloud.start();
+    homeloom::desktop::web::routeOtherHosts(cloud.port());
+    homeloom::desktop::web::trust(cloud.caFile());
+    return cloud;
 }
 
 void Desk::expectNothingLeft() {
@@ -268,7 +278,7 @@ bool Desk::isAnswered(framework::TransactionId request) const {
 
 void Desk::settle() const {
     std::string before;
-    poll("peace", [&] {
+    waitUntil("peace", [&] {
         std::string now = turnsOfSleepingThreads();
         const bool isQuiet = !now.empty() && now == before;
         before = std::move(now);
@@ -276,7 +286,7 @@ void Desk::settle() const {
     });
 }
 
-void Desk::poll(const std::string& what, const std::function<bool()>& test) const {
+void Desk::waitUntil(const std::string& what, const std::function<bool()>& test) const {
     const auto limit = std::chrono::steady_clock::now() + kLimit;
     while (!test()) {
         if (std::chrono::steady_clock::now() > limit) {
@@ -287,14 +297,14 @@ void Desk::poll(const std::string& what, const std::function<bool()>& test) cons
 }
 
 void Desk::waitForLateCall() const {
-    poll("a call of the agent that is answered late", [this] {
+    waitUntil("a call of the agent that is answered late", [this] {
         agent.waitIdle();
         return agent.holdings().pendingCalls > 0;
     });
 }
 
 void Desk::hurryUntil(const std::string& what, const std::function<bool(const Screen&)>& test) const {
-    poll(what, [&] {
+    waitUntil(what, [&] {
         agent.hurry();
         return test(screen());
     });
@@ -316,7 +326,7 @@ int Desk::armedTimers() {
 }
 
 void Desk::fireTimer() {
-    poll("a timer", [this] {
+    waitUntil("a timer", [this] {
         bool isFired = false;
         loop.call([&] {
             for (GSource* source : timers()) {

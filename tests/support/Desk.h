@@ -10,6 +10,7 @@
 #include "desktop/MainLoop.h"
 #include "desktop/Settings.h"
 #include "simulator/Agent.h"
+#include "simulator/Cloud.h"
 #include "simulator/HomeLoader.h"
 #include "support/Screen.h"
 
@@ -45,6 +46,8 @@ public:
     void stopOnMainLoop();
 
     void setDisclaimer(int value);
+    /// All the hosts that the plug-in knows are the simulated cloud's from here on. To be called before start().
+    simulator::Cloud& startCloud();
 
     // ---- What the plug-in reported ----
 
@@ -66,6 +69,8 @@ public:
     /// Sends a request and waits for what answers it.
     ReportPtr ask(const std::string& name, const Fields& arguments) const;
     bool isAnswered(homeloom::desktop::framework::TransactionId request) const;
+    /// Asks again and again until the test passes.
+    void waitUntil(const std::string& what, const std::function<bool()>& test) const;
     /// Waits until every other thread of the process sleeps and none will wake another: what was caused has happened.
     void settle() const;
     /// Waits until a call stands out whose answer the agent keeps back: Agent::hurry() brings it.
@@ -88,7 +93,6 @@ public:
     simulator::Agent& agent = simulator::Agent::instance();
 
 private:
-    void poll(const std::string& what, const std::function<bool()>& test) const;
     void runWithLimit(const std::string& what, const std::function<void()>& function) const;
     void expectNothingLeft();
     std::string story() const;

@@ -1,7 +1,9 @@
 #ifndef HOMELOOM_HOMELOOM_DEVICES_CAMERADEVICE_H
 #define HOMELOOM_HOMELOOM_DEVICES_CAMERADEVICE_H
 
+#include <atomic>
 #include <bitset>
+#include <chrono>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -10,6 +12,8 @@
 #include <homeloom_client.h>
 
 #include "Homeloom/Devices/Device.h"
+#include "Homeloom/Network/CAVPCameraStreamRequester.h"
+#include "Homeloom/Network/CNoneAVPCameraStreamRequester.h"
 
 namespace VMFramework::HomeLoom {
 
@@ -29,6 +33,9 @@ enum CameraNotificationList : int {
 };
 
 /// A camera or a doorbell.
+///
+/// Locks. The device mutex is held through the stream requests, a web request included, and takes the devices' own and
+/// the facade's; nothing that holds either of these may take it. The commands' is a leaf.
 class CameraDevice : public Device {
 public:
     using Device::Device;
@@ -47,6 +54,16 @@ public:
 
     bool IsSupport2WayTalk() const;
 
+    // The three ways to a stream. Each reports an address; an empty one says that there is none.
+
+    /// Asks the platform's service, on the caller's thread. For cameras of the audio-video platform.
+    void GetAvpUrl(const std::shared_ptr<CTransaction>& transaction, const std::shared_ptr<Device>& device,
+                   const std::string& accessToken);
+    /// These have the camera start its stream and report the address that it then tells; should it never tell one,
+    /// there is no report. A second request before that takes the first one's answer.
+    void GetNoneAvpUrl(const std::shared_ptr<CTransaction>& transaction, const std::shared_ptr<Device>& device);
+    void GetRingDoorBellUrl(const std::shared_ptr<CTransaction>& transaction);
+
     /// Switches one kind of notification on or off, by the first bit set of the mask above, and reports the outcome.
     /// Blocks for as long as the agent takes.
     void SetCameraNotification(const std::shared_ptr<CTransaction>& transaction, int type);
@@ -63,6 +80,39 @@ public:
                                       const std::string& capability);
 
 private:
+    using StartTime = std::atomic<std::chrono::system_clock::rep>;
+    using FinishStream = void (CameraDevice::*)(const std::string& deviceId, const std::string& url);
+
+    // What the agent calls back for a stream.
+    static void _HomeLoomClientNoneAVPCameraSubscribeChanged(const char* deviceId, const char* uri,
+                                                             const char* representation, const char* resDataType,
+                                                             const char* ocfErrorCode, const char* reserved,
+                                                             void* userData);
+    static void _HomeLoomClientRingDoorbellSubscribeChanged(const char* deviceId, const char* uri,
+                                                            const char* representation, const char* resDataType,
+                                                            const char* ocfErrorCode, const char* reserved,
+                                                            void* userData);
+    static void _HomeLoomClientNoneAVPCameraRemoteRepresentationChanged(int result, const char* deviceId,
+                                                                        const char* attributes, const char* uri,
+                                                                        const char* resDataType, void* userData);
+    static void onStreamEvent(const char* deviceId, const char* representation, void* userData, const char* jobName,
+                              FinishStream finish);
+
+    std::string getAvpUrl(const std::shared_ptr<Device>& device, const std::string& accessToken);
+    std::string requestStreamUrlToAVP(const std::string& accessToken, const std::string& streamUri);
+    bool requestNoneAvpUrl(const std::shared_ptr<CTransaction>& transaction, const std::shared_ptr<Device>& device);
+    bool requestRingDoorbellUrl(const std::shared_ptr<CTransaction>& transaction);
+    bool subscribeResourceUriWithNoneAVPCamera(const std::string& deviceId);
+    void unsubscribeResourceUriWithNoneAVPCamera(const std::string& deviceId);
+    std::string getJsonUrifromDevIDWithNoneAVPCamera(const std::string& deviceId, bool& found) const;
+    bool startStream(const std::shared_ptr<CTransaction>& transaction, const std::string& deviceId,
+                     const std::string& uri, const std::string& rcp);
+    void finishNoneAvpStream(const std::string& deviceId, const std::string& url);
+    void finishRingDoorbellStream(const std::string& deviceId, const std::string& url);
+    void stopStream(const std::string& deviceId);
+    std::shared_ptr<CTransaction> takeStreamTransaction(const std::string& deviceId, const std::string& url);
+    void setStreamTransaction(const std::shared_ptr<CTransaction>& transaction);
+
     using ConditionAction = int (TesselHandler::*)(homeloom_client_app_launch_condition_h);
 
     bool changeCameraNotification(int type, ConditionAction action) const;
@@ -77,6 +127,13 @@ private:
                                    const std::string& uri);
     static std::string makeCameraNotiBundle(const std::string& deviceId, const std::string& uri);
     static bool isAddedCameraNotification(const std::string& deviceId, const std::string& uri, bool& exist);
+
+    std::recursive_mutex _deviceMutex;                 // guards the AVP requester and the next one
+    std::shared_ptr<CTransaction> _streamTransaction;  // the stream request that waits for its event
+    StartTime _subscribeStartTime{0};
+    StartTime _setAttributeStartTime{0};
+    CAVPCameraStreamRequester _avpRequester;
+    CNoneAVPCameraStreamRequester _noneAvpRequester;  // used by the scheduler's jobs alone
 
     std::mutex _commandMutex;                           // a leaf
     std::shared_ptr<CTransaction> _commandTransaction;  // the command that waits for its event

@@ -8,6 +8,7 @@
 #include <VMFramework/JsonValue.h>
 
 #include "Common/HLLog.h"
+#include "Homeloom/Common/CallbackTokens.h"
 #include "Homeloom/Devices/Property.h"
 #include "Homeloom/Devices/Resource.h"
 
@@ -28,9 +29,22 @@ void Device::TimerSourceDeleter::operator()(_GSource* source) const {
 
 Device::Device() = default;
 
-Device::Device(const _deviceInfo& info) : _info(info) {}
+Device::Device(const _deviceInfo& info) : _id(info.device_id), _info(info) {}
 
-Device::~Device() = default;
+Device::~Device() {
+    if (_token != nullptr) {
+        CallbackTokens::Unwatch(_token);
+    }
+}
+
+void* Device::CallbackToken() {
+    std::call_once(_tokenOnce, [this] { _token = CallbackTokens::Watch(weak_from_this()); });
+    return _token;
+}
+
+std::shared_ptr<Device> Device::findByToken(void* token) {
+    return CallbackTokens::Find<Device>(token);
+}
 
 // Each evaluation sets it once for each argument, mostly to what it was; only what goes out needs the text.
 void Device::SetDeviceOperationalContext(device_context_struct context) {
@@ -75,7 +89,7 @@ bool Device::IsAVPSupportedCamera() const {
     if (_info.vid.find(kAvPlatform) == std::string::npos) {
         return false;
     }
-    HL_LOGI("vid[%s] This Camera is HL Camera, device id : %s", _info.vid.c_str(), _info.device_id.c_str());
+    HL_LOGI("vid[%s] This Camera is HL Camera, device id : %s", _info.vid.c_str(), _id.c_str());
     return true;
 }
 
@@ -135,7 +149,7 @@ std::string Device::GetValue(const std::string& uri, const std::string& property
 }
 
 void Device::UpdateValue(const device_resource_info_struct& info) {
-    if (info.device_id != _info.device_id) {
+    if (info.device_id != _id) {
         return;
     }
     const auto resource = _resources.find(info.uri);
@@ -175,8 +189,8 @@ void Device::ApplyChanges(const std::shared_ptr<Device>& other) {
     if (!other) {
         return;
     }
-    if (other->_info.device_id != _info.device_id) {
-        HL_LOGE("different device Id: %s  :%s", _info.device_id.c_str(), other->_info.device_id.c_str());
+    if (other->_id != _id) {
+        HL_LOGE("different device Id: %s  :%s", _id.c_str(), other->_id.c_str());
         return;
     }
     // The whole of what the cloud tells, the id being equal.

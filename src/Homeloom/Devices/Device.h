@@ -7,6 +7,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "Homeloom/Devices/DeviceInfoStructs.h"
 
@@ -19,8 +20,9 @@ class Resource;
 /// The record of one device of the user's home: identity and placement as the cloud gives them, the values of its
 /// resources, and what the plug-in has worked out about it.
 ///
-/// A device has no lock of its own but for its timer: everything else is read and written under the mutex of the
-/// DeviceHandler that holds it (DeviceHandler::Lock). Devices are made by DeviceFactory and held by shared ownership.
+/// A device has no lock of its own but for its timer: everything but the id is read and written under the mutex of the
+/// DeviceHandler that holds it (DeviceHandler::Lock, or the device's own Lock). Devices are made by DeviceFactory and
+/// held by shared ownership.
 class Device : public std::enable_shared_from_this<Device> {
 public:
     /// The resource by which a refrigerator shows its inside.
@@ -58,8 +60,15 @@ public:
     Device(const Device&) = delete;
     Device& operator=(const Device&) = delete;
 
-    std::string GetId() const { return _info.device_id; }
-    void SetId(const std::string& id) { _info.device_id = id; }
+    using ValuesLock = std::unique_lock<std::recursive_mutex>;
+    /// Holds the handler's mutex, for a device that reads its own values outside the handler's operations.
+    ValuesLock Lock() const { return _valuesMutex ? ValuesLock(*_valuesMutex) : ValuesLock(); }
+    /// Set by the handler before anybody else knows of the device.
+    void SetValuesMutex(std::shared_ptr<std::recursive_mutex> mutex) { _valuesMutex = std::move(mutex); }
+
+    /// Never changes once others know of the device.
+    std::string GetId() const { return _id; }
+    void SetId(const std::string& id) { _id = id; }
     std::string GetName() const { return _info.device_name; }
     std::string GetNickName() const { return _info.nick_name; }
     std::string GetVid() const { return _info.vid; }
@@ -135,15 +144,27 @@ public:
     /// with a lock held that such a callback takes.
     static void WaitForTimerCallbacks();
 
+protected:
+    /// What the agent gets as user data in place of this device.
+    void* CallbackToken();
+    /// The device of that token; null when it has gone. Kind is its class.
+    template <typename Kind>
+    static std::shared_ptr<Kind> FindByToken(void* token) {
+        return std::static_pointer_cast<Kind>(findByToken(token));
+    }
+
 private:
     struct TimerSourceDeleter {
         void operator()(_GSource* source) const;
     };
     using TimerSource = std::unique_ptr<_GSource, TimerSourceDeleter>;
 
+    static std::shared_ptr<Device> findByToken(void* token);
     static int _TimerCallback(void* userData);
     void _RunTimerCallback();
 
+    std::string _id;
+    std::shared_ptr<std::recursive_mutex> _valuesMutex;
     _deviceInfo _info;
     std::string _stateText;
     std::string _subDeviceCardJsonInfo;
@@ -154,6 +175,9 @@ private:
     bool _isControllable = false;
     std::optional<device_context_struct> _operationalContext;
     mutable std::string _operationalContextText;  // made when it is first asked for
+
+    std::once_flag _tokenOnce;
+    void* _token = nullptr;
 
     std::mutex _timerMutex;  // a leaf: guards the next two
     std::function<void()> _timerCallback;

@@ -153,6 +153,7 @@ void DeviceHandler::AddDevice(const std::shared_ptr<Device>& device) {
     }
     const std::string id = device->GetId();
     const auto lock = Lock();
+    device->SetValuesMutex(_mutex);
     if (_deviceMap.emplace(id, device).second) {
         HL_LOGI("added device id : %s to device map", id.c_str());
     }

@@ -58,7 +58,7 @@ public:
     void ClearTimers();
 
     /// Holds the mutex, for whoever reads or writes the values of a device.
-    DeviceLock Lock() const { return DeviceLock(_mutex); }
+    DeviceLock Lock() const { return DeviceLock(*_mutex); }
 
     // The device map
 
@@ -175,7 +175,9 @@ private:
     mutable std::string _myTvId;
     void* _subscriptionToken = nullptr;
 
-    mutable std::recursive_mutex _mutex;  // guards all that follows but the dispatchers
+    // Guards all that follows but the dispatchers. Shared with the devices, some of which outlive their handler for the
+    // length of a job.
+    const std::shared_ptr<std::recursive_mutex> _mutex = std::make_shared<std::recursive_mutex>();
     std::map<std::string, int> _deviceTypeMap;
     DeviceMap _deviceMap;
     std::unordered_map<std::string, std::unordered_set<std::string>> _vidDevicesMap;

@@ -1,0 +1,179 @@
+#include "Homeloom/Devices/RefrigeratorDevice.h"
+
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+#include <VMFramework/JsonValue.h>
+
+#include "Common/CReporter.h"
+#include "Common/HLLog.h"
+#include "Homeloom/Common/MsgDispatcher.h"
+#include "Homeloom/Tessel/TesselHandler.h"
+
+namespace VMFramework::HomeLoom {
+
+namespace {
+
+std::string InsideViewUris() {
+    HL_LOGI("need add refrigerator inner content resource uri : %s", Device::kInsideViewUri);
+    auto uris = json::JsonValue::CreateArray();
+    uris.append(Device::kInsideViewUri);
+    return uris.toString();
+}
+
+}  // namespace
+
+void RefrigeratorDevice::GetInnerviewUrl(const std::shared_ptr<CTransaction>& transaction, const std::string& deviceId,
+                                         const std::string& accessToken) {
+    HL_LOGI("GetInnerviewUrl device id : %s", deviceId.c_str());
+    {
+        const std::lock_guard<std::mutex> lock(_requestMutex);
+        _accessToken = accessToken;
+        _retryCount = 1;
+    }
+    if (!requestRefrigeratorInnerviewUrl(transaction, deviceId)) {
+        onGetInsideViewUrlEvent(transaction, false, "", "");
+    }
+}
+
+bool RefrigeratorDevice::requestRefrigeratorInnerviewUrl(const std::shared_ptr<CTransaction>& transaction,
+                                                         const std::string& deviceId) {
+    std::string rcp;
+    if (!_insideView.RequestValueRefresh(kInsideViewUri, rcp)) {
+        HL_LOGE("didn't get rcp string, do not proceed");
+        return false;
+    }
+    if (rcp.empty()) {
+        HL_LOGE("res_rep is empty!");
+        return false;
+    }
+    HL_LOGI("Refrigerator innerview Device Id: %s resource uri: %s rcp str : %s", deviceId.c_str(), kInsideViewUri,
+            rcp.c_str());
+    if (!subscribeResourceUriWithRefrigeratorInsideView(transaction, deviceId)) {
+        HL_LOGE("fail to subscribe resource uri");
+        return false;
+    }
+    const int ret = TesselHandler::GetInstance().SetRemoteRepresentation(deviceId, kInsideViewUri, rcp,
+                                                                         onSetRemoteRepresentation, CallbackToken());
+    if (ret != 0) {
+        HL_LOGE("fail to set remote representation");
+        // The subscription stays, and the next request replaces it. Nobody is answered twice.
+        return !forget(transaction);
+    }
+    return true;
+}
+
+// Pending before it subscribes: the event may come before the call returns.
+bool RefrigeratorDevice::subscribeResourceUriWithRefrigeratorInsideView(
+    const std::shared_ptr<CTransaction>& transaction, const std::string& deviceId) {
+    if (deviceId.empty()) {
+        HL_LOGE("device id is empty!");
+        return false;
+    }
+    const std::string uris = InsideViewUris();
+    if (uris.empty()) {
+        HL_LOGE("jsonResUri is empty!");
+        return false;
+    }
+    {
+        const std::lock_guard<std::mutex> lock(_requestMutex);
+        _pending.push_back(transaction);
+    }
+    const int ret =
+        TesselHandler::GetInstance().Subscribe(deviceId, uris, _RefrigeratorInnerViewSubscribeChanged, CallbackToken());
+    if (ret != 0) {
+        HL_LOGE("ret: %d", ret);
+        return !forget(transaction);
+    }
+    return true;
+}
+
+void RefrigeratorDevice::unsubscribeResourceUriWithRefrigeratorInsideView(const std::string& deviceId) {
+    const int ret = TesselHandler::GetInstance().Unsubscribe(deviceId, InsideViewUris());
+    if (ret != 0) {
+        HL_LOGE("ret: %d", ret);
+    }
+}
+
+void RefrigeratorDevice::onSetRemoteRepresentation(int result, const char*, const char*, const char*, const char*,
+                                                   void*) {
+    HL_LOGI("result : %d", result);
+}
+
+void RefrigeratorDevice::_RefrigeratorInnerViewSubscribeChanged(const char* deviceId, const char*,
+                                                                const char* representation, const char*, const char*,
+                                                                const char*, void* userData) {
+    try {
+        const auto refrigerator = FindByToken<RefrigeratorDevice>(userData);
+        if (!refrigerator) {
+            return;
+        }
+        std::string text = representation != nullptr ? representation : "";
+        if (refrigerator->isAnswer(text)) {
+            EnqueueOnScheduler([refrigerator, id = std::string(deviceId != nullptr ? deviceId : ""),
+                                text = std::move(text)] { refrigerator->answer(id, text); },
+                               "_RefrigeratorInnerViewSubscribeChanged");
+        }
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+    }
+}
+
+// The first event may be the echo of the command, without contents. The next one counts, whatever it holds.
+bool RefrigeratorDevice::isAnswer(const std::string& representation) {
+    const auto document = json::JsonValue::Create(representation);
+    const bool hasContents = !document[RefrigeratorInsideView::kContents].isNull();
+    const std::lock_guard<std::mutex> lock(_requestMutex);
+    HL_LOGI("_RefrigeratorInnerViewSubscribeChanged() retry : %d", _retryCount);
+    if (!hasContents && _retryCount <= 1) {
+        HL_LOGI("contents value is not in resource data, do not proceed");
+        ++_retryCount;
+        return false;
+    }
+    return true;
+}
+
+// Answers all requests that wait: they share one subscription, which ends here, so none of them would see another event.
+// Without all pictures this ends by an exception, in the dispatcher, and nobody is answered.
+void RefrigeratorDevice::answer(const std::string& deviceId, const std::string& representation) {
+    unsubscribeResourceUriWithRefrigeratorInsideView(deviceId);
+    HL_LOGI("_RefrigeratorInnerViewSubscribeChanged(): Device id: %s, Rcs_rep: %s", deviceId.c_str(),
+            representation.c_str());
+    Transactions pending;
+    std::string accessToken;
+    {
+        const std::lock_guard<std::mutex> lock(_requestMutex);
+        pending.swap(_pending);
+        accessToken = _accessToken;
+    }
+    if (pending.empty()) {
+        return;
+    }
+    const InsideViewUrls view = _insideView.RequestImageUrls(deviceId, representation, accessToken);
+    for (const auto& transaction : pending) {
+        onGetInsideViewUrlEvent(transaction, true, view.urls, view.dateTime);
+    }
+}
+
+void RefrigeratorDevice::onGetInsideViewUrlEvent(const std::shared_ptr<CTransaction>& transaction, bool isSuccess,
+                                                 const std::string& urls, const std::string& dateTime) {
+    GetRefrigeratorInnerViewUrlParam param(transaction);
+    param.isSuccess = isSuccess;
+    param.innerViewUrl = urls;
+    param.datetime = dateTime;
+    Reporter::Report(param);
+}
+
+// False for a request that an event has answered meanwhile.
+bool RefrigeratorDevice::forget(const std::shared_ptr<CTransaction>& transaction) {
+    const std::lock_guard<std::mutex> lock(_requestMutex);
+    const auto found = std::find(_pending.begin(), _pending.end(), transaction);
+    if (found == _pending.end()) {
+        return false;
+    }
+    _pending.erase(found);
+    return true;
+}
+
+}  // namespace VMFramework::HomeLoom

@@ -1,0 +1,109 @@
+#include "Homeloom/Network/CAVPCameraStreamRequester.h"
+
+#include <exception>
+#include <utility>
+
+#include <KRCurl/KRCurlUtility.h>
+#include <VMFramework/JsonValue.h>
+
+#include "Common/CException.h"
+#include "Common/HLLog.h"
+#include "Homeloom/Network/ServiceHosts.h"
+#include "Homeloom/Tessel/CServerEnvMgr.h"
+
+namespace VMFramework::HomeLoom {
+
+namespace {
+
+constexpr char kStreamPath[] = "/v1/stream";
+
+}  // namespace
+
+bool CAVPCameraStreamRequester::RequestStreamUrl(const std::string& accessToken, const std::string& deviceId,
+                                                 std::string& streamUrlJson) {
+    HL_LOGI("device id[%s]", deviceId.c_str());
+    if (accessToken.empty() || deviceId.empty()) {
+        HL_LOGE("access_token or device_id is empty");
+        return false;
+    }
+    try {
+        const std::list<std::string> headers = _GetHeaderList(accessToken);
+        HL_LOGI("set option for request, authorization[%s]", headers.front().c_str());
+        _SetHeaderList(headers);
+        _SetMethod(HttpMethod::Post);
+        const std::string uri = _GetRequestUri(deviceId);
+        HL_LOGI("Request Url for camera stream[%s]", uri.c_str());
+        _SetUrl(uri);
+        _SetBody("");
+        _SetDataBody("");
+        std::string response;
+        const long code = _RequestHttp(response);
+        HL_LOGI("HttpError: %ld, responseBody: %s", code, response.c_str());
+        // Whatever the code: a body without a stream is what fails.
+        streamUrlJson = _GetStreamUrlJson(response);
+        return true;
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+        return false;
+    }
+}
+
+std::list<std::string> CAVPCameraStreamRequester::_GetHeaderList(const std::string& accessToken) {
+    return {"Authorization:Bearer " + accessToken};
+}
+
+// Staging and development share the staging host here; other services have other tables.
+std::string CAVPCameraStreamRequester::_GetAvpServerUrl() {
+    const char* host = ServiceHosts::kAvProduction;
+    switch (CServerEnvMgr::GetInstance().GetIoTCloudServerEnv()) {
+        case SERVER_ENV_PROD:
+            break;
+        case SERVER_ENV_ACC:
+            host = ServiceHosts::kAvAcceptance;
+            break;
+        case SERVER_ENV_STG:
+        case SERVER_ENV_DEV:
+            host = ServiceHosts::kAvStaging;
+            break;
+    }
+    return std::string(host) + kStreamPath;
+}
+
+std::string CAVPCameraStreamRequester::_GetRequestUri(const std::string& deviceId) {
+    std::string query;
+    KRCurl::KRCurlUtility::makeQueryString(query, "source_id", deviceId);
+    return _GetAvpServerUrl() + query;
+}
+
+std::string CAVPCameraStreamRequester::_GetStreamUrlJson(const std::string& response) {
+    std::string sourceId;
+    std::string gatewayUrl;
+    _GetStreamUrl(response, sourceId, gatewayUrl);
+    return _MakeJsonStreamUrl(gatewayUrl);
+}
+
+// An empty stream object gives empty texts, which count as an address.
+void CAVPCameraStreamRequester::_GetStreamUrl(const std::string& response, std::string& sourceId,
+                                              std::string& gatewayUrl) {
+    HL_LOGI("response[%s]", response.c_str());
+    const auto document = json::JsonValue::Create(response);
+    const auto stream = document["stream"];
+    if (stream.isNull()) {
+        throw CException("no stream obj!", kErrorFailed);
+    }
+    gatewayUrl = stream["gateway_url"].asString();
+    sourceId = stream["source_id"].asString();
+    HL_LOGI("Device Id is %s, Stream URL is %s", sourceId.c_str(), gatewayUrl.c_str());
+}
+
+// The form in which other cameras publish their addresses themselves.
+std::string CAVPCameraStreamRequester::_MakeJsonStreamUrl(const std::string& url) {
+    auto object = json::JsonValue::CreateObject();
+    object.set("InHomeURL", url);
+    object.set("OutHomeURL", url);
+    std::string text = object.toString();
+    HL_LOGI("json_url : %s", text.c_str());
+    return text;
+}
+
+}  // namespace VMFramework::HomeLoom

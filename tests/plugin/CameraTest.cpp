@@ -1,0 +1,340 @@
+// Cameras: addresses of streams by all three ways, notifications, commands.
+
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "desktop/Framework.h"
+#include "desktop/Settings.h"
+#include "desktop/Web.h"
+#include "support/Desk.h"
+
+namespace framework = homeloom::desktop::framework;
+namespace settings = homeloom::desktop::settings;
+namespace web = homeloom::desktop::web;
+using namespace std::chrono_literals;
+using simulator::CloudFault;
+using simulator::Fault;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+namespace {
+
+constexpr char kStreamUri[] = "/capability/videoStream/main/0";
+constexpr char kStop[] =
+    R"({"commands":[{"component":"main","capability":"videoStream","command":"stopStream","arguments":[]}]})";
+
+struct Way {
+    const char* request;
+    const char* device;
+};
+const Way kOwnWays[] = {{"hl_get_none_avp_camera_url", "porch-camera"}, {"hl_get_ring_doorbell_url", "doorbell"}};
+
+std::string told(const std::string& url) {
+    return R"({"stream":"{\"InHomeURL\":\")" + url + R"(\"}"})";
+}
+
+}  // namespace
+
+class Camera : public testing::Test {
+protected:
+    Camera() {
+        desk.startAndShow();
+        desk.waitForState("porch-camera", "Watching");
+        desk.settle();
+        desk.mark();
+    }
+
+    std::string UrlOf(const std::string& request, const std::string& device) {
+        return desk.ask(request, {{"device_id", device}})->properties.text("camera_stream_url");
+    }
+
+    /// The device tells its stream by sendUpdate() alone from here on.
+    void Silence(const std::string& device) {
+        const simulator::Home home = desk.agent.home();
+        simulator::Model model = *home.model(home.device(device)->vid);
+        model.reactions.clear();
+        desk.agent.setModel(model);
+    }
+
+    framework::TransactionId Begin(const Way& way) {
+        desk.agent.resetCalls();
+        const auto request = framework::request(way.request, {{"device_id", way.device}});
+        desk.waitUntil("the write", [this] { return Count("set_remote_attributes") > 0; });
+        return request;
+    }
+
+    void Tell(const std::string& device, const std::string& representation) {
+        desk.agent.sendUpdate(device, kStreamUri, representation, "{}");
+        desk.agent.waitIdle();
+    }
+
+    /// Tells it until it is late enough after the subscription for an event to count, which a line of the log shows.
+    void TellUntilLogged(const std::string& device, const std::string& representation, const std::string& line) {
+        const int before = desk.log.count(line);
+        desk.waitUntil(line, [&] {
+            Tell(device, representation);
+            return desk.log.count(line) > before;
+        });
+    }
+
+    int Count(const std::string& function) { return desk.agent.callCount("homeloom_client_" + function); }
+
+    std::vector<std::string> Conditions() {
+        std::vector<std::string> lines;
+        for (const auto& condition : desk.agent.conditions()) {
+            lines.push_back(condition.uri + " " + condition.property + " " + condition.type + " " + condition.value);
+        }
+        return lines;
+    }
+
+    Desk desk{Desk::apartmentWith({"living-camera", "porch-camera", "doorbell", "washer"})};
+    simulator::Cloud& cloud = desk.startCloud();
+};
+
+TEST_F(Camera, TellsItsStreamByEachWay) {
+    EXPECT_EQ(toText(*desk.ask("hl_get_avp_camera_url", {{"device_id", "living-camera"}})),
+              R"(notify hl_get_avp_camera_url device_id='living-camera' camera_stream_url=)"
+              R"('{"InHomeURL":"rtsps://streams.home.example/living-camera",)"
+              R"("OutHomeURL":"rtsps://streams.home.example/living-camera"}' access_token='token-of-mina')");
+    auto requests = cloud.requests();
+    ASSERT_EQ(requests.size(), 1u);
+    EXPECT_EQ(requests[0].host, "av.homeloom.example");
+    EXPECT_EQ(requests[0].target, "/v1/stream?source_id=living-camera");
+    EXPECT_EQ(requests[0].header("Authorization"), "Bearer token-of-mina");
+    EXPECT_EQ(requests[0].header("Content-Length"), "0");
+
+    settings::setString("db/homeloom/server/env", R"({"IoTCloud":"DEV","UiMeta":"PROD"})");
+    for (const auto& [request, device] : kOwnWays) {
+        const std::size_t subscriptions = desk.agent.subscriptions().size();
+        cloud.resetRequests();
+        EXPECT_EQ(toText(*desk.ask(request, {{"device_id", device}})),
+                  "notify " + std::string(request) + " device_id='" + device +
+                      "' camera_stream_url='rtsp://192.0.2.40/live'");
+        // Stopped before it was told, and always by way of production.
+        requests = cloud.requests();
+        ASSERT_EQ(requests.size(), 1u) << request;
+        EXPECT_EQ(requests[0].host, "api.homeloom.example");
+        EXPECT_EQ(requests[0].target, "/v1/devices/" + std::string(device) + "/commands");
+        EXPECT_EQ(requests[0].header("Authorization"), "Bearer token-of-mina");
+        EXPECT_EQ(requests[0].body, kStop);
+        EXPECT_EQ(desk.agent.value(device, kStreamUri, "liveStream"), "false");
+        EXPECT_EQ(desk.agent.subscriptions().size(), subscriptions);
+    }
+    // The doorbell's request takes the list callbacks away.
+    EXPECT_GT(Count("unset_device_list_updated_cb"), 0);
+}
+
+TEST_F(Camera, AsksTheServiceOfItsEnvironment) {
+    const struct {
+        const char* setting;
+        const char* host;
+    } cases[] = {
+        {R"({"IoTCloud":"PROD"})", "av.homeloom.example"},    {R"({"IoTCloud":"ACC"})", "av.acc.homeloom.example"},
+        {R"({"IoTCloud":"STG"})", "av.stg.homeloom.example"}, {R"({"IoTCloud":"DEV"})", "av.stg.homeloom.example"},
+        {R"({"IoTCloud":"?"})", "av.homeloom.example"},       {"no JSON", "av.homeloom.example"}};
+    for (const auto& [setting, host] : cases) {
+        settings::setString("db/homeloom/server/env", setting);
+        EXPECT_THAT(UrlOf("hl_get_avp_camera_url", "living-camera"), HasSubstr("rtsps://"));
+        EXPECT_EQ(cloud.requests().back().host, host) << setting;
+    }
+}
+
+TEST_F(Camera, WithoutAStreamAnswersAnEmptyAddress) {
+    EXPECT_EQ(UrlOf("hl_get_none_avp_camera_url", "living-camera"), "");
+    EXPECT_EQ(UrlOf("hl_get_avp_camera_url", "porch-camera"), "");
+    EXPECT_EQ(UrlOf("hl_get_avp_camera_url", "washer"), "");
+    EXPECT_THAT(cloud.requests(), IsEmpty());
+    for (const auto& [request, device] : kOwnWays) {
+        for (const char* function : {"homeloom_client_subscribe", "homeloom_client_set_remote_attributes"}) {
+            desk.agent.fault(function, Fault::fail(-5).times(1));
+            EXPECT_EQ(UrlOf(request, device), "") << request << " " << function;
+        }
+    }
+}
+
+TEST_F(Camera, SurvivesWhateverTheServiceAnswers) {
+    web::setSecond(10ms);
+    const struct {
+        CloudFault fault;
+        const char* url;
+    } cases[] = {{CloudFault::status(401), ""},
+                 {CloudFault::body("no JSON"), ""},
+                 {CloudFault::body(R"({"stream":null})"), ""},
+                 {CloudFault::body(R"({"stream":{"gateway_url":{"no":"text"}}})"), ""},
+                 {CloudFault::body(R"({"stream":{}})"), R"({"InHomeURL":"","OutHomeURL":""})"},
+                 {CloudFault::body("\xff\xfe{}"), ""},
+                 {CloudFault::chunks(), ""},  // the last piece counts
+                 {CloudFault::cut(), ""},
+                 {CloudFault::huge(), ""},
+                 {CloudFault::endless(), ""},
+                 {CloudFault::never(), ""},
+                 {CloudFault::redirectLoop(), ""}};
+    for (const auto& [fault, url] : cases) {
+        cloud.fault("stream", fault);
+        EXPECT_EQ(UrlOf("hl_get_avp_camera_url", "living-camera"), url) << static_cast<int>(fault.kind);
+    }
+    cloud.clearFaults();
+    cloud.setForeignCertificates(true);
+    EXPECT_EQ(UrlOf("hl_get_avp_camera_url", "living-camera"), "");
+    cloud.setForeignCertificates(false);
+    for (const char* step : {"Initialize", "POST", "HTTPHEADER", "TIMEOUT", "send"}) {
+        web::fail(step, homeloom::desktop::firstCalls(1));
+        EXPECT_EQ(UrlOf("hl_get_avp_camera_url", "living-camera"), "") << step;
+    }
+    web::setSecond(1s);
+    EXPECT_THAT(UrlOf("hl_get_avp_camera_url", "living-camera"), HasSubstr("rtsps://"));
+}
+
+TEST_F(Camera, AnswersAlsoWhenItsStreamDoesNotStop) {
+    for (const auto& fault : {CloudFault::status(500), CloudFault::body(R"({"results":[{"status":"COMPLETED"}]})"),
+                              CloudFault::body("[]")}) {
+        cloud.fault("commands", fault);
+        EXPECT_EQ(UrlOf("hl_get_ring_doorbell_url", "doorbell"), "rtsp://192.0.2.40/live");
+    }
+    EXPECT_TRUE(desk.log.contains("status = COMPLETED"));
+    EXPECT_TRUE(desk.log.contains("request failed"));
+}
+
+// An address that comes less than 100 ms after the subscription is that of an earlier stream.
+TEST_F(Camera, PassesOverAnAddressThatComesTooSoon) {
+    for (const auto& way : kOwnWays) {
+        Silence(way.device);
+        const auto request = Begin(way);
+        const int before = desk.log.count("clock count is under 100msec, do not proceed");
+        Tell(way.device, told("rtsp://old"));
+        // Only a machine that stood still in between has let it through.
+        const bool isSoon = desk.log.count("clock count is under 100msec, do not proceed") > before;
+        desk.waitUntil("the answer", [&] {
+            Tell(way.device, told("rtsp://new"));
+            return desk.isAnswered(request);
+        });
+        EXPECT_EQ(desk.waitForNotify(way.request, way.device)->properties.text("camera_stream_url"),
+                  isSoon ? "rtsp://new" : "rtsp://old");
+    }
+}
+
+TEST_F(Camera, WaitsForAnEventWithAnAddress) {
+    for (const auto& way : kOwnWays) {
+        Silence(way.device);
+        const auto request = Begin(way);
+        TellUntilLogged(way.device, R"({"stream":{"InHomeURL":"rtsp://object"}})",
+                        "stream_value is not string data type");
+        for (const char* useless : {"", "no JSON", "[]", "{}", R"({"stream":"no JSON"})", R"({"stream":"{}"})",
+                                    R"({"stream":"{\"InHomeURL\":{}}"})", R"({"stream":""})"}) {
+            Tell(way.device, useless);
+        }
+        desk.settle();
+        EXPECT_FALSE(desk.isAnswered(request)) << way.request;
+        // A second request takes the first one's answer.
+        const auto second = Begin(way);
+        desk.waitUntil("the answer", [&] {
+            Tell(way.device, told("rtsp://good"));
+            return desk.isAnswered(second);
+        });
+        desk.settle();
+        EXPECT_FALSE(desk.isAnswered(request)) << way.request;
+    }
+}
+
+TEST_F(Camera, MayGoWhileItsStreamIsAwaited) {
+    for (const auto& way : kOwnWays) {
+        Silence(way.device);
+        Begin(way);
+    }
+    desk.agent.removeDevice("porch-camera");
+    desk.waitFor("the list without it", [](const Screen& shown) { return !shown.has("porch-camera"); });
+    desk.settle();
+    Tell("porch-camera", told("rtsp://late"));
+    desk.agent.signOut();
+    desk.settle();
+    Tell("doorbell", told("rtsp://late"));
+    desk.settle();
+    EXPECT_THAT(desk.lines(), testing::Not(testing::Contains(HasSubstr("rtsp://late"))));
+}
+
+TEST_F(Camera, NotifiesOfOneKindAtATime) {
+    const auto change = [this](const char* request, const char* device, int type) {
+        return desk.ask(request, {{"device_id", device}, {"camera_notification_type", type}});
+    };
+    const struct {
+        int type;
+        const char* kind;
+        const char* rest;
+        const char* bundle;
+    } cases[] = {{1, "motionSensor", " value Boolean true", "MOTION"},
+                 {3, "motionSensor", " value Boolean true", "MOTION"},
+                 {2, "soundSensor", " value Boolean true", "SOUND"},
+                 {4, "objectDetection", " value String human", "HUMAN"},
+                 {8, "button", " button String pushed", "BELL"}};
+    for (const auto& [type, kind, rest, bundle] : cases) {
+        const std::string uri = "/capability/" + std::string(kind);
+        EXPECT_TRUE(change("hl_set_camera_notification", "doorbell", type)->properties.flag("result"));
+        EXPECT_THAT(Conditions(), ElementsAre(uri + "/0" + rest, uri + "/main/0" + rest)) << type;
+        const auto condition = desk.agent.conditions().front();
+        EXPECT_EQ(condition.appId, "com.norvane.tv.iot-service-notification-v2");
+        EXPECT_EQ(condition.deviceId, "doorbell");
+        EXPECT_EQ(condition.bundle, R"([{"key":"ServiceId","data":"VideoNotification"},{"key":"Type","data":")" +
+                                        std::string(bundle) + R"("},{"key":"Id","data":"doorbell"}])");
+        const auto unset = change("hl_unset_camera_notification", "doorbell", type);
+        EXPECT_TRUE(unset->properties.flag("result"));
+        EXPECT_EQ(unset->properties.number("camera_notification_type"), type);
+        EXPECT_THAT(Conditions(), IsEmpty());
+    }
+    desk.agent.resetCalls();
+    EXPECT_FALSE(change("hl_set_camera_notification", "doorbell", 16)->properties.flag("result"));
+    EXPECT_EQ(Count("app_launch_condition_create"), 0);
+    for (const char* function :
+         {"app_launch_condition_create", "app_launch_condition_set_string", "add_app_launch_condition"}) {
+        desk.agent.resetCalls();
+        desk.agent.fault("homeloom_client_" + std::string(function), Fault::fail(-5).times(1));
+        EXPECT_FALSE(change("hl_set_camera_notification", "doorbell", 1)->properties.flag("result")) << function;
+        EXPECT_EQ(Count("app_launch_condition_create"), 1) << "the twin is not tried";
+    }
+}
+
+TEST_F(Camera, ShowsWhichNotificationsAreOn) {
+    desk.ask("hl_set_camera_notification", {{"device_id", "living-camera"}, {"camera_notification_type", 4}});
+    desk.ask("hl_set_camera_notification", {{"device_id", "living-camera"}, {"camera_notification_type", 1}});
+    desk.agent.renameDevice("living-camera", "Cam");
+    const Screen shown =
+        desk.waitFor("the new name", [](const Screen& now) { return now.text("living-camera", "nick") == "Cam"; });
+    EXPECT_EQ(shown.number("living-camera", "camera_notification_type"), 1 + 2 + 4);
+    EXPECT_EQ(shown.number("living-camera", "camera_notification_value"), 1 + 4);
+    EXPECT_EQ(shown.number("doorbell", "camera_notification_type"), 1 + 8);
+    EXPECT_EQ(shown.number("doorbell", "camera_notification_value"), 0);
+    EXPECT_EQ(shown.number("doorbell", "2waytalk_support"), 1);
+    EXPECT_FALSE(shown.endpoints.at("porch-camera").has("2waytalk_support"));
+}
+
+TEST_F(Camera, AnswersACommandByTheEventThatFollows) {
+    const auto command = [](const char* name, const char* arguments) {
+        return Desk::Fields{{"device_id", "living-camera"},
+                            {"component", "main"},
+                            {"capability", "webrtc"},
+                            {"command", name},
+                            {"argument", arguments}};
+    };
+    const auto answer = desk.ask("execute_command", command("sdpOffer", "a,,b,"))->properties;
+    EXPECT_TRUE(answer.flag("result"));
+    EXPECT_THAT(answer.text("data"), HasSubstr(R"("attribute":"sdpAnswer","value":"v=0 answer of the camera")"));
+    EXPECT_THAT(desk.agent.calls().at("homeloom_core_execute_device").arguments,
+                testing::Contains(R"({"commands":[{"component":"main","capability":"webrtc","command":"sdpOffer",)"
+                                  R"("arguments":["a","","b"]}]})"));
+    EXPECT_FALSE(desk.ask("execute_command", command("unknown", "a"))->properties.flag("result"));
+
+    // "end" makes no event; what comes next goes to the later request. Other attributes answer nothing.
+    const auto unanswered = framework::request("execute_command", command("end", "a"));
+    const auto kept = framework::request("execute_command", command("end", ""));
+    desk.settle();
+    desk.agent.sendEvent(0x1, R"({"deviceId":"living-camera","capability":"webrtc","attribute":"other"})");
+    desk.settle();
+    EXPECT_FALSE(desk.isAnswered(kept));
+    desk.agent.sendEvent(0x1, R"({"deviceId":"living-camera","capability":"webrtc","attribute":"sdpAnswer"})");
+    desk.waitUntil("the answer", [&] { return desk.isAnswered(kept); });
+    EXPECT_FALSE(desk.isAnswered(unanswered));
+    EXPECT_TRUE(desk.log.contains("command argument string is empty!(error:4)"));
+}
