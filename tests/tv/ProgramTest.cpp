@@ -309,6 +309,25 @@ TEST(Program, ComparesSettledRuns) {
     EXPECT_THAT(first, HasSubstr(R"("id":"washer","name":"Washer","nick":"Washer","type":"oic.d.washer",)"));
 }
 
+TEST(Program, LetsTheCloudMisbehave) {
+    // The same request, told apart by its blanks.
+    const std::string failing = "request hl_get_avp_camera_url device_id=living-camera";
+    const std::string refused = "request  hl_get_avp_camera_url device_id=living-camera";
+    const std::string good = "request   hl_get_avp_camera_url device_id=living-camera";
+    const Finished result =
+        runCommands({"sim cloud fail stream:living 500 1", "sim cloud faults", failing, "sim cloud requests reset",
+                     "sim cloud down", refused, "sim cloud up", good, "sim cloud requests", "sim cloud cut strem",
+                     "sim cloud fail stream 200", "sim cloud delay stream"});
+    EXPECT_THAT(saidBy(result, "sim cloud faults"), HasSubstr("stream:living  fails with 500  for 1 request"));
+    EXPECT_THAT(saidBy(result, failing), HasSubstr("failed: "));
+    EXPECT_THAT(saidBy(result, refused), HasSubstr("failed: "));
+    EXPECT_THAT(saidBy(result, good), HasSubstr("rtsps://"));
+    EXPECT_EQ(saidBy(result, "sim cloud requests"), "POST  av.homeloom.example/v1/stream?source_id=living-camera");
+    EXPECT_THAT(saidBy(result, "sim cloud cut strem"), HasSubstr("no endpoint strem; there are commands, devices"));
+    EXPECT_THAT(saidBy(result, "sim cloud fail stream 200"), HasSubstr("\"200\" is no code of a failure"));
+    EXPECT_THAT(saidBy(result, "sim cloud delay stream"), HasSubstr("usage: sim cloud fail"));
+}
+
 TEST(Program, SendsEveryRequestByItsName) {
     std::vector<std::string> commands;
     for (const RequestSpec& spec : requestTable()) {

@@ -6,15 +6,23 @@
 namespace homeloom::tv {
 
 CloudHost::CloudHost() {
+    up();
+}
+
+CloudHost::~CloudHost() {
+    down();
+    desktop::web::reset();
+}
+
+void CloudHost::up() {
     auto& cloud = simulator::Cloud::instance();
     cloud.start();
     desktop::web::routeOtherHosts(cloud.port());
     desktop::web::trust(cloud.caFile());
 }
 
-CloudHost::~CloudHost() {
+void CloudHost::down() {
     simulator::Cloud::instance().stop();
-    desktop::web::reset();
 }
 
 }  // namespace homeloom::tv

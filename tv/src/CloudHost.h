@@ -10,6 +10,10 @@ public:
     ~CloudHost();
     CloudHost(const CloudHost&) = delete;
     CloudHost& operator=(const CloudHost&) = delete;
+
+    /// The cloud is there, and all web requests go to it; or it is gone, and they are refused.
+    static void up();
+    static void down();
 };
 
 }  // namespace homeloom::tv

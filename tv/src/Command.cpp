@@ -15,8 +15,9 @@ namespace {
 
 std::vector<Command> makeTable() {
     std::vector<Command> table;
-    for (const auto& family : {viewCommands, requestCommands, deskCommands, simDeviceCommands, simHomeCommands,
-                               simSessionCommands, simFaultCommands, simWebCommands, simHubCommands}) {
+    for (const auto& family :
+         {viewCommands, requestCommands, deskCommands, simDeviceCommands, simHomeCommands, simSessionCommands,
+          simFaultCommands, simWebCommands, simCloudCommands, simHubCommands}) {
         std::vector<Command> commands = family();
         std::move(commands.begin(), commands.end(), std::back_inserter(table));
     }

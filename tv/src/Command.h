@@ -50,6 +50,7 @@ std::vector<Command> simDeviceCommands();
 std::vector<Command> simSessionCommands();
 std::vector<Command> simFaultCommands();
 std::vector<Command> simWebCommands();
+std::vector<Command> simCloudCommands();
 std::vector<Command> simHubCommands();
 
 }  // namespace homeloom::tv

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 #include <simulator/Agent.h>
+#include <simulator/Cloud.h>
 
 #include "Command.h"
 #include "CommandError.h"
@@ -131,6 +132,7 @@ void hurry(Desk& desk, const Words& words) {
     }
     desk.pump();
     agent().hurry();
+    simulator::Cloud::instance().hurry();
     desk.settleOrSay();
 }
 
@@ -160,7 +162,12 @@ void conditions(Desk& desk, const Words& words) {
     }
     Table table;
     for (const auto& condition : agent().conditions()) {
-        table.add({condition.appId, condition.deviceId, condition.uri, condition.property, condition.value});
+        table.add({condition.deviceId,
+                   condition.uri,
+                   condition.property,
+                   condition.type,
+                   condition.value,
+                   {condition.appId + " " + condition.bundle, Tone::Dim}});
     }
     desk.out().say(table);
 }
