@@ -143,6 +143,22 @@ TEST_F(Camera, AsksTheServiceOfItsEnvironment) {
     }
 }
 
+TEST_F(Camera, AsksForWhateverIdWithWhateverToken) {
+    simulator::Account account = desk.agent.home().account;
+    account.accessToken = "t~;=\"'\\,\xc3\xa9/+";
+    desk.agent.signIn(account);
+    desk.waitUntil("the new token", [&] {
+        return desk.ask("hl_get_accesstoken_uid", {})->properties.text("access_token") == account.accessToken;
+    });
+    simulator::Device camera = *desk.agent.device("living-camera");
+    camera.id = "cam 1&x=?#\xc3\xa9";
+    desk.agent.addDevice(camera);
+    desk.waitFor("the new camera", [&](const Screen& now) { return now.has(camera.id); });
+    EXPECT_THAT(UrlOf("hl_get_avp_camera_url", camera.id), HasSubstr("rtsps://"));
+    EXPECT_EQ(cloud.requests().back().target, "/v1/stream?source_id=cam%201%26x%3D%3F%23%C3%A9");
+    EXPECT_EQ(cloud.requests().back().header("Authorization"), "Bearer " + account.accessToken);
+}
+
 TEST_F(Camera, WithoutAStreamAnswersAnEmptyAddress) {
     EXPECT_EQ(UrlOf("hl_get_none_avp_camera_url", "living-camera"), "");
     EXPECT_EQ(UrlOf("hl_get_avp_camera_url", "porch-camera"), "");

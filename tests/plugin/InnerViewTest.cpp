@@ -238,6 +238,15 @@ TEST_F(InnerView, MayGoWhileItsPicturesAreAwaited) {
     EXPECT_THAT(cloud.requests(), IsEmpty());
 }
 
+TEST_F(InnerView, IsFinishedBeforeThePluginEnds) {
+    cloud.fault("file_links", CloudFault::never());
+    framework::request(kRequest, {{"device_id", "fridge"}});
+    desk.waitUntil("all requests", [this] { return cloud.pendingRequests() == 8; });
+    desk.atLogLine("deinitClient Start", [this] { cloud.clearFaults(); });
+    desk.stop();
+    EXPECT_EQ(cloud.pendingRequests(), 0);
+}
+
 TEST_F(InnerView, TellsTheTimeOfTheTv) {
     Silence();
     const struct {
