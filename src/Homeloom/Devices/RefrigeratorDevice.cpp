@@ -134,8 +134,8 @@ bool RefrigeratorDevice::isAnswer(const std::string& representation) {
     return true;
 }
 
-// Answers all requests that wait: they share one subscription, which ends here, so none of them would see another event.
-// Without all pictures this ends by an exception, in the dispatcher, and nobody is answered.
+// Answers all requests that wait: they share one subscription, which ends here, so none of them would see another
+// event. Without all pictures this ends by an exception, in the dispatcher, and nobody is answered.
 void RefrigeratorDevice::answer(const std::string& deviceId, const std::string& representation) {
     unsubscribeResourceUriWithRefrigeratorInsideView(deviceId);
     HL_LOGI("_RefrigeratorInnerViewSubscribeChanged(): Device id: %s, Rcs_rep: %s", deviceId.c_str(),
