@@ -11,6 +11,7 @@
 #include <app_common.h>
 #include <dlog.h>
 #include <gmock/gmock.h>
+#include <system_info.h>
 #include <unistd.h>
 #include <vconf.h>
 
@@ -212,6 +213,17 @@ TEST(System, TellsTheFactsThatTheDeskSets) {
     EXPECT_EQ(takeText(text), "9.9");
     system::setAppName(std::nullopt);
     EXPECT_NE(app_get_name(&text), 0);
+
+    ASSERT_EQ(system_info_get_platform_string(SYSTEM_INFO_PLATFORM_VERSION, &text), 0);
+    EXPECT_EQ(takeText(text), "9.0");
+    system::setPlatformText(SYSTEM_INFO_PLATFORM_VERSION, std::nullopt);
+    EXPECT_NE(system_info_get_platform_string(SYSTEM_INFO_PLATFORM_VERSION, &text), 0);
+    bool isSupported = true;
+    EXPECT_NE(system_info_get_custom_bool("hub", &isSupported), 0);
+    EXPECT_TRUE(isSupported);
+    system::setFeature("hub", false);
+    EXPECT_EQ(system_info_get_custom_bool("hub", &isSupported), 0);
+    EXPECT_FALSE(isSupported);
 }
 
 }  // namespace
