@@ -463,7 +463,7 @@ void HomeloomClient::onConnectionStateChanged(homeloom_client_error_e result,
 }
 
 void HomeloomClient::handleAgentConnected() {
-    const std::lock_guard<std::recursive_mutex> lock(_sessionMutex);
+    std::unique_lock<std::recursive_mutex> lock(_sessionMutex);
     if (_isTerminating) {
         throw CException("plugin already deinit!", kErrorFailed);
     }
@@ -496,7 +496,7 @@ void HomeloomClient::handleAgentConnected() {
         HL_LOGI(
             "after tessel client connection failed, then tessel client connection success, need to get device detail "
             "list");
-        buildNewDeviceMap();
+        buildNewDeviceMap(std::move(lock));
     }
     _retryCounter.Reset();
 }

@@ -237,7 +237,8 @@ private:
 
     // ---- Device list (HomeloomClientDeviceList.cpp) ----
 
-    void buildNewDeviceMap();
+    /// Takes over the session's lock, and gives it up when the devices are there: the cloud may be asked then.
+    void buildNewDeviceMap(std::unique_lock<std::recursive_mutex> sessionLock);
     void buildDeviceDetailList(homeloom_client_device_detail_h* list, int count);
     /// False for a record that is to be skipped.
     bool readDeviceDetail(homeloom_client_device_detail_h detail, Device::_deviceInfo& info,

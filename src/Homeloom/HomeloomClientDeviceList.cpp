@@ -84,7 +84,7 @@ void SetCoreFields(Device::_deviceInfo& info, const std::unordered_map<std::stri
 
 // ---- Building ----
 
-void HomeloomClient::buildNewDeviceMap() {
+void HomeloomClient::buildNewDeviceMap(std::unique_lock<std::recursive_mutex> sessionLock) {
     requireClientAvailable();
     HL_LOGI("start build devices");
     if (const auto devices = _deviceHandler.Get()) {
@@ -95,6 +95,7 @@ void HomeloomClient::buildNewDeviceMap() {
     }
     // Again: a build that was abandoned half-way lacks devices, and the user's hub must not be reset for that.
     requireClientAvailable();
+    sessionLock.unlock();
     if (NeedHubReset()) {
         HL_LOGI("hub is deleted, go to reset hub");
         RequestResetHub(nullptr);
@@ -371,10 +372,10 @@ void HomeloomClient::StartScan() {
     requireClientAvailable();
     CHLUtil::PrintTimeStamp("SCAN REQUEST");
     HL_LOGI("status: %d", getConnectionStatus());
-    const std::lock_guard<std::recursive_mutex> lock(_sessionMutex);
+    std::unique_lock<std::recursive_mutex> lock(_sessionMutex);
     const auto devices = _deviceHandler.Get();
     if (!devices || devices->GetDeviceMapSize() == 0) {
-        buildNewDeviceMap();
+        buildNewDeviceMap(std::move(lock));
         return;
     }
     devices->UpdateStateText();
@@ -415,10 +416,14 @@ bool HomeloomClient::NeedHubReset() {
     if (!checkHubResetPreCondition(hubId)) {
         return false;
     }
-    const auto devices = _deviceHandler.Get();
-    if (!devices || devices->FindDevice(hubId)) {
-        HL_LOGI("hub device is exist in device handler map, do not delete");
-        return false;
+    {
+        // A list that is being built ends first: half of it may lack the hub. The cloud is asked without the lock.
+        const std::lock_guard<std::recursive_mutex> lock(_sessionMutex);
+        const auto devices = _deviceHandler.Get();
+        if (!devices || devices->FindDevice(hubId)) {
+            HL_LOGI("hub device is exist in device handler map, do not delete");
+            return false;
+        }
     }
     if (requestIsHubExist(hubId)) {
         HL_LOGI("hub device is exist on cloud, do not delete");
