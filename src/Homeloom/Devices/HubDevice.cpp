@@ -1,0 +1,9 @@
+#include "Homeloom/Devices/HubDevice.h"
+
+namespace VMFramework::HomeLoom {
+
+bool HubDevice::RequestIsHubExist(const std::string& accessToken) {
+    return _requester.RequestIsHubExist(accessToken, GetId());
+}
+
+}  // namespace VMFramework::HomeLoom
