@@ -185,6 +185,7 @@ void HomeloomClient::deinitClient() {
         // With the devices go the requests that still wait for an event.
         _deviceHandler.Reset();
         Metadata::GetInstance().StopLanguageWatch();
+        _hubHandler->Stop();
         HL_LOGI("deinitClient End");
     } catch (const std::exception& e) {
         HL_LOG_EXCEPTION(e);

@@ -22,6 +22,8 @@
 #include <gmock/gmock.h>
 
 #include "desktop/Guard.h"
+#include "desktop/Packages.h"
+#include "desktop/RpcPort.h"
 #include "desktop/Web.h"
 #include "plugin_interface.h"
 #include "simulator/HubApp.h"
@@ -179,6 +181,10 @@ void Desk::expectNothingLeft() {
     EXPECT_EQ(handles.transactions, 0u);
     EXPECT_EQ(settings::watchCount(), 0);
     EXPECT_FALSE(simulator::ServiceManager::instance().isWatched());
+    EXPECT_EQ(homeloom::desktop::packages::managerCount(), 0);
+    EXPECT_EQ(homeloom::desktop::packages::appInfoCount(), 0);
+    EXPECT_EQ(homeloom::desktop::rpc::holdings().proxies, 0);
+    EXPECT_EQ(homeloom::desktop::rpc::holdings().parcels, 0);
     EXPECT_EQ(armedTimers(), 0);
     EXPECT_THAT(agent.escapedExceptions(), testing::IsEmpty());
     // A request that comes while the plug-in ends is refused so; nothing else may get out of it.

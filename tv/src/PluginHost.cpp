@@ -6,6 +6,8 @@
 
 #include <desktop/Framework.h>
 #include <desktop/Guard.h>
+#include <desktop/Packages.h>
+#include <desktop/RpcPort.h>
 #include <desktop/Settings.h>
 #include <fmt/format.h>
 #include <simulator/Agent.h>
@@ -41,6 +43,9 @@ std::vector<std::string> leftovers() {
     addCount(left, held.pendingCalls, "call of the agent under way");
     addCount(left, simulator::ServiceManager::instance().isWatched() ? 1 : 0, "watch of the agent's updates");
     addCount(left, desktop::settings::watchCount(), "watch of a setting");
+    addCount(left, desktop::packages::managerCount(), "watch of the packages");
+    addCount(left, desktop::rpc::holdings().proxies, "connection to an application");
+    addCount(left, desktop::rpc::holdings().parcels, "parcel");
     const auto handles = desktop::framework::liveHandles();
     addCount(left, handles.properties, "property");
     addCount(left, handles.propertyLists, "property list");

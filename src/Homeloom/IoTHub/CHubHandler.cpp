@@ -4,9 +4,22 @@
 
 #include "Common/CReporter.h"
 #include "Common/HLLog.h"
+#include "Homeloom/IoTHub/HubIPCProxy.h"
 #include "Homeloom/Tessel/TesselHandler.h"
 
 namespace VMFramework::HomeLoom {
+
+CHubHandler::CHubHandler() {
+    HubIPCProxy::GetInstance().Start();
+}
+
+CHubHandler::~CHubHandler() {
+    Stop();
+}
+
+void CHubHandler::Stop() {
+    HubIPCProxy::GetInstance().Stop();
+}
 
 void CHubHandler::CreateLocalHubDevicesSet() {
     std::set<std::string> ids;
@@ -28,42 +41,32 @@ bool CHubHandler::IsLocalHubConnectedDevice(const std::string& deviceId) const {
 }
 
 std::string CHubHandler::GetLoginIDHubOnboarded() const {
-    return {};
+    return HubIPCProxy::GetInstance().GetLoginIDHubOnboarded();
 }
 
 std::string CHubHandler::GetHubDeviceID() const {
-    return {};
+    return HubIPCProxy::GetInstance().GetHubDeviceID();
 }
 
-void CHubHandler::StartHubOnboarding(const std::shared_ptr<CTransaction>& transaction, const std::string&,
-                                     const std::string&, const std::string&) {
-    StartHubOnboardingParam param(transaction);
-    reportUnconnected(param);
+void CHubHandler::StartHubOnboarding(const std::shared_ptr<CTransaction>& transaction, const std::string& accessToken,
+                                     const std::string& locationId, const std::string& roomId) {
+    HubIPCProxy::GetInstance().StartOnboarding(transaction, accessToken, locationId, roomId);
 }
 
 void CHubHandler::StopHubOnboarding(const std::shared_ptr<CTransaction>& transaction) {
-    StopHubOnboardingParam param(transaction);
-    reportUnconnected(param);
+    HubIPCProxy::GetInstance().StopOnboarding(transaction);
 }
 
 void CHubHandler::ResetHub(const std::shared_ptr<CTransaction>& transaction) {
-    ResetHubParam param(transaction);
-    reportUnconnected(param);
+    HubIPCProxy::GetInstance().ResetHub(transaction);
 }
 
 void CHubHandler::ResetDongle(const std::shared_ptr<CTransaction>& transaction) {
-    ResetDongleParam param(transaction);
-    reportUnconnected(param);
+    HubIPCProxy::GetInstance().ResetDongle(transaction);
 }
 
 void CHubHandler::GetHubInfo(const std::shared_ptr<CTransaction>& transaction) {
-    GetHubInfoParam param(transaction);
-    reportUnconnected(param);
-}
-
-void CHubHandler::reportUnconnected(ReportParam& param) {
-    HL_LOGI("hub control app is not connected, do not proceed.");
-    Reporter::Report(param);
+    HubIPCProxy::GetInstance().GetHubInfo(transaction);
 }
 
 void CHubHandler::StartHubDeviceDiscovery(const std::shared_ptr<CTransaction>& transaction, const std::string&,

@@ -9,11 +9,19 @@
 namespace VMFramework::HomeLoom {
 
 class CTransaction;
-struct ReportParam;
 
-/// The TV as a hub: which devices its own hub serves, and the search for new ones.
+/// The TV as a hub: which devices its own hub serves, the search for new ones, and the hub control application.
 class CHubHandler {
 public:
+    /// Starts the connection to the hub control application.
+    CHubHandler();
+    ~CHubHandler();
+    CHubHandler(const CHubHandler&) = delete;
+    CHubHandler& operator=(const CHubHandler&) = delete;
+
+    /// Nothing of the hub control application comes any more, and nothing reaches it. Any number of times.
+    void Stop();
+
     /// Reads the set anew. It is filled aside and swapped in; a failed read keeps what there was.
     void CreateLocalHubDevicesSet();
     /// Takes a leaf lock only: it is asked on the agent's threads.
@@ -23,7 +31,8 @@ public:
     std::string GetLoginIDHubOnboarded() const;
     std::string GetHubDeviceID() const;
 
-    /// Requests to the hub control application. Without a connection to it they are acknowledged as they stand.
+    /// Requests to the hub control application. Without a connection to it they are acknowledged as they stand; what
+    /// comes of them comes as notifications.
     void StartHubOnboarding(const std::shared_ptr<CTransaction>& transaction, const std::string& accessToken,
                             const std::string& locationId, const std::string& roomId);
     void StopHubOnboarding(const std::shared_ptr<CTransaction>& transaction);
@@ -39,8 +48,6 @@ public:
                                 const std::string& hubId);
 
 private:
-    static void reportUnconnected(ReportParam& param);
-
     mutable std::mutex _mutex;  // a leaf
     std::unordered_set<std::string> _localHubDevices;
 };

@@ -1,0 +1,120 @@
+#ifndef HOMELOOM_HOMELOOM_IOTHUB_HUBIPCPROXY_H
+#define HOMELOOM_HOMELOOM_IOTHUB_HUBIPCPROXY_H
+
+#include <package_manager.h>
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <shared_mutex>
+#include <string>
+
+#include "Common/CSingleton.h"
+#include "Homeloom/IoTHub/HUBEventListener.h"
+
+namespace VMFramework::HomeLoom {
+
+class CTransaction;
+struct ReportParam;
+
+/// The connection to the hub control application: makes and keeps it, passes requests on, and turns the hub's events
+/// into notifications. It keeps no state of an onboarding: the hub decides, and each event stands for itself.
+///
+/// Requests come on job threads, everything of the connection on the main loop. Nothing is thrown but what a bad
+/// event's data throws, to be logged by the platform. What fails without a connection is acknowledged all the same.
+class HubIPCProxy : public CSingleton<HubIPCProxy> {
+public:
+    /// On a TV that can be a hub: waits for the hub control application to be installed, or connects to it.
+    void Start();
+    /// Lets go of the application, its package and the timer, and waits for a callback that is running. Any number of
+    /// times; until the next Start() the hub counts as unconnected.
+    void Stop();
+
+    void StartOnboarding(const std::shared_ptr<CTransaction>& transaction, const std::string& accessToken,
+                         const std::string& locationId, const std::string& roomId);
+    void StopOnboarding(const std::shared_ptr<CTransaction>& transaction);
+    void ResetHub(const std::shared_ptr<CTransaction>& transaction);
+    void ResetDongle(const std::shared_ptr<CTransaction>& transaction);
+    void GetHubInfo(const std::shared_ptr<CTransaction>& transaction);
+
+    /// Whose hub this TV is, and its device id; empty when it is nobody's.
+    std::string GetLoginIDHubOnboarded() const;
+    std::string GetHubDeviceID() const;
+
+    // ---- For the listener and the event handlers ----
+
+    void SetHubControlEnable(bool isConnected);
+    void SetEventCallback();
+    void GetAndSaveHubInfo();
+    void HandleHubConnection();
+    void HandleDisconnectedHub();
+    void SendEvent(int event, const std::string& data);
+
+private:
+    using IHubControl = rpc_port::IPCProxyBase::proxy::IHubControl;
+
+    friend class CSingleton<HubIPCProxy>;
+    HubIPCProxy() = default;
+    ~HubIPCProxy() = default;
+
+    static bool isHubSupport();
+    static bool isInstalledHubApp();
+    bool makeHubControl();
+    void setPackageManagerEvent();
+    void unsetPackageManagerEvent();
+    static void onPackageEventHandler(const char* type, const char* package, package_manager_event_type_e eventType,
+                                      package_manager_event_state_e eventState, int progress,
+                                      package_manager_error_e error, void* userData);
+    void ConnectHub();
+    static int onHubConnectionTimerCallback(void* data);
+    void stopHubConnectionTimer();
+    void waitForTimerCallback();
+    void resetRetries();
+
+    /// Runs the call with the hub control; its failures are logged. False if it failed, or there is none.
+    template <typename Call>
+    bool callHub(const Call& call);
+    /// Answers the request when it is false.
+    bool isHubIPCConnected(ReportParam& param) const;
+    std::string getHubInfo();
+    void saveHubInfo(const std::string& info);
+    static void sendHubInfo(const std::shared_ptr<CTransaction>& transaction, const std::string& info);
+    void setIds(const std::string& loginId, const std::string& hubDeviceId);
+
+    static void onHubOnboardingChanged(const std::string& data);
+    void onHubOnboardingSuccess(const std::string& data);
+    static void onHubOnboardingFailed();
+    void onHubResetResult(int event);
+    static void onHubAgentInstallStarted();
+    void onHubDongleStatusChanged(const std::string& data);
+
+    // Shared over each call, so that Stop() takes it away from under nobody; never held over a report. A call for the
+    // hub info may keep Stop() waiting, for as long as the IPC lets an answer be late.
+    std::shared_mutex _hubControlMutex;
+    HUBEventListener _listener;
+    std::unique_ptr<IHubControl> _hubControl;
+    std::atomic<bool> _isConnected{false};
+
+    mutable std::mutex _idMutex;  // a leaf: guards the next two
+    std::string _hubDeviceId;
+    std::string _loginIdHubOnboarded;
+
+    package_manager_h _packageManager = nullptr;  // touched by Start() and Stop() only
+
+    mutable std::mutex _retryMutex;  // a leaf: guards all that follows
+    bool _isStarted = false;
+    unsigned _timerId = 0;
+    // The timer's callback has not begun. The id alone doesn't tell: it stays when the callback reconnects.
+    bool _isTimerPending = false;
+    int _connectionInterval = kConnectionIntervalMs;
+    int _retryCount = 0;
+
+    // Held by the timer's callback, so that Stop() can wait for it.
+    std::recursive_mutex _timerCallbackMutex;
+
+    static constexpr int kConnectionIntervalMs = 5000;
+};
+
+}  // namespace VMFramework::HomeLoom
+
+#endif
