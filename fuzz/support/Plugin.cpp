@@ -54,6 +54,7 @@ Plugin::Plugin() : home(smallHome()) {
 }
 
 Plugin::~Plugin() {
+    agent.clearFaults();
     DestroyPlugin();
     require(homeloom::desktop::pluginExceptions().empty(), "no exception leaves the plug-in");
     require(agent.escapedExceptions().empty(), "no exception reaches the agent");

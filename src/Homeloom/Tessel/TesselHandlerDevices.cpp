@@ -130,6 +130,7 @@ int TesselHandler::MoveDevicesToOtherRoom(const std::string& deviceIds, int coun
                                           void* userData) {
     std::vector<std::string> texts = SplitDeviceIds(deviceIds, count);
     std::vector<char*> ids;
+    ids.reserve(texts.size());
     for (std::string& text : texts) {
         ids.push_back(text.data());
     }

@@ -16,6 +16,7 @@ int TesselHandler::SetThirdPartyNotification(const std::string& provider, const 
 int TesselHandler::SetThirdPartyNotificationStatus(const std::vector<std::string>& deviceIds,
                                                    homeloom_client_third_party_notification_cb cb, void* userData) {
     std::vector<const char*> ids;
+    ids.reserve(deviceIds.size());
     for (const std::string& id : deviceIds) {
         ids.push_back(id.c_str());
     }
