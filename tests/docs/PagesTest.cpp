@@ -165,6 +165,8 @@ TEST(Pages, WhatIsReadAndReportedStandsThere) {
             sent[framework::request(request.name, arguments)] = request;
         }
         desk.settle();
+        desk.agent.hurry();  // what devices do after a while
+        desk.settle();
     }
     for (const char* lifecycle : {"CREATE", "UPDATE", "DELETE"}) {
         for (const int kind : {0x100, 0x800, 0x1000, 0x8000, 0x40000}) {
@@ -205,9 +207,12 @@ TEST(Pages, WhatIsReadAndReportedStandsThere) {
             }
         }
     }
-    // The examples fit the apartment: nearly all of them are answered. Those of a camera wait for the camera.
+    // The examples fit the apartment. A talk waits for the camera's word, pictures and streams for the cloud, which
+    // isn't there.
+    const std::set<std::string> waiting{"execute_command", "hl_get_none_avp_camera_url", "hl_get_ring_doorbell_url",
+                                        "hl_get_refrigerator_innerview_url"};
     for (const auto& request : requests) {
-        EXPECT_TRUE(request.answer.empty() || answered.count(request.name) != 0 || request.name == "execute_command")
+        EXPECT_TRUE(request.answer.empty() || answered.count(request.name) + waiting.count(request.name) > 0)
             << request.name;
     }
 }
