@@ -203,6 +203,15 @@ void Function::hold(const Hit& hit) {
     }
 }
 
+int Function::enterAndHold(std::vector<std::string> arguments) {
+    const auto fault = enter(std::move(arguments));
+    if (!fault) {
+        return 0;
+    }
+    hold(*fault);
+    return fault->code;
+}
+
 void Function::setFault(const Fault& fault) {
     const std::lock_guard<std::mutex> lock(_mutex);
     _fault = fault;

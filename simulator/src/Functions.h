@@ -32,6 +32,8 @@ public:
     std::optional<Hit> enter(std::vector<std::string> arguments = {});
     /// Keeps the caller of a function that has no callback waiting, as Late or Never say.
     void hold(const Hit& hit);
+    /// Both, for a function without a callback: gives the code with which the call ends, or 0 for one that goes on.
+    int enterAndHold(std::vector<std::string> arguments = {});
 
     void setFault(const Fault& fault);
     void clearFault();

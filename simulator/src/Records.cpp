@@ -21,16 +21,6 @@ auto* findField(const Fields& fields, int number) {
     return static_cast<decltype(&fields.front().second)>(nullptr);
 }
 
-/// The code of the fault that hits a call without a callback; 0 for none.
-int faultCode(Function& function) {
-    const auto fault = function.enter();
-    if (!fault) {
-        return HOMELOOM_CLIENT_ERROR_NONE;
-    }
-    function.hold(*fault);
-    return fault->code;
-}
-
 }  // namespace
 
 LiveRecord::LiveRecord(SharedRecord record) : _record(std::move(record)) {
@@ -103,7 +93,7 @@ char** handOut(const std::vector<std::string>& texts) {
 }
 
 int getText(Function& function, const LiveRecord* record, int field, char** value) {
-    if (const int code = faultCode(function)) {
+    if (const int code = function.enterAndHold()) {
         return code;
     }
     if (record == nullptr || value == nullptr) {
@@ -118,7 +108,7 @@ int getText(Function& function, const LiveRecord* record, int field, char** valu
 }
 
 int getNumber(Function& function, const LiveRecord* record, int field, int* value) {
-    if (const int code = faultCode(function)) {
+    if (const int code = function.enterAndHold()) {
         return code;
     }
     if (record == nullptr || value == nullptr) {
@@ -133,7 +123,7 @@ int getNumber(Function& function, const LiveRecord* record, int field, int* valu
 }
 
 int getList(Function& function, const LiveRecord* record, int field, char*** values, int* count) {
-    if (const int code = faultCode(function)) {
+    if (const int code = function.enterAndHold()) {
         return code;
     }
     if (record == nullptr || values == nullptr || count == nullptr) {
@@ -150,7 +140,7 @@ int getList(Function& function, const LiveRecord* record, int field, char*** val
 
 template <class Handle>
 int destroy(Function& function, Handle record) {
-    if (const int code = faultCode(function)) {
+    if (const int code = function.enterAndHold()) {
         return code;
     }
     if (record == nullptr) {

@@ -86,23 +86,9 @@ void ServiceManager::waitIdle() {
 
 using namespace simulator;
 
-namespace {
-
-/// The code of the fault that hits the call; 0 for none.
-int faultCode(Function& function, std::vector<std::string> arguments) {
-    const auto fault = function.enter(std::move(arguments));
-    if (!fault) {
-        return 0;
-    }
-    function.hold(*fault);
-    return fault->code;
-}
-
-}  // namespace
-
 int norvane_svcmgr_set_update_status_cb(norvane_svcmgr_update_status_cb callback, void* user_data) {
     static Function& function = functionNamed(__func__);
-    if (const int code = faultCode(function, {})) {
+    if (const int code = function.enterAndHold()) {
         return code;
     }
     if (callback == nullptr) {
@@ -115,7 +101,7 @@ int norvane_svcmgr_set_update_status_cb(norvane_svcmgr_update_status_cb callback
 
 int norvane_svcmgr_unset_update_status_cb(void) {
     static Function& function = functionNamed(__func__);
-    if (const int code = faultCode(function, {})) {
+    if (const int code = function.enterAndHold()) {
         return code;
     }
     {
@@ -128,7 +114,7 @@ int norvane_svcmgr_unset_update_status_cb(void) {
 
 int norvane_svcmgr_request_boost(const char* app_id, int caller_pid, const norvane_svcmgr_boost_request_s* request) {
     static Function& function = functionNamed(__func__);
-    if (const int code = faultCode(function, {app_id == nullptr ? "" : app_id, std::to_string(caller_pid)})) {
+    if (const int code = function.enterAndHold({app_id == nullptr ? "" : app_id, std::to_string(caller_pid)})) {
         return code;
     }
     if (app_id == nullptr || request == nullptr) {

@@ -75,9 +75,8 @@ int homeloom_client_app_launch_condition_create(homeloom_client_h client,
 int homeloom_client_app_launch_condition_set_string(homeloom_client_app_launch_condition_h condition, int property_id,
                                                     const char* value) {
     static Function& function = functionNamed(__func__);
-    if (const auto fault = function.enter({std::to_string(property_id), Argument(value).text()})) {
-        function.hold(*fault);
-        return fault->code;
+    if (const int code = function.enterAndHold({std::to_string(property_id), Argument(value).text()})) {
+        return code;
     }
     std::string* field = condition == nullptr ? nullptr : fieldOf(condition->values, property_id);
     if (field == nullptr || value == nullptr) {
@@ -124,9 +123,8 @@ int homeloom_client_is_app_launch_condition_added(homeloom_client_h client,
 
 int homeloom_client_app_launch_condition_destroy(homeloom_client_app_launch_condition_h condition) {
     static Function& function = functionNamed(__func__);
-    if (const auto fault = function.enter()) {
-        function.hold(*fault);
-        return fault->code;
+    if (const int code = function.enterAndHold()) {
+        return code;
     }
     if (condition == nullptr) {
         return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
