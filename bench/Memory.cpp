@@ -1,10 +1,7 @@
 // What the plug-in keeps in memory for each device of a home of ten thousand. The floor is what the agent told of a
 // device: the texts alone, without anything around them.
-#include <malloc.h>
-#include <chrono>
 #include <cstdio>
 #include <string>
-#include <thread>
 
 #include <desktop/Framework.h>
 #include <simulator/Agent.h>
@@ -12,28 +9,13 @@
 
 #include "support/Desk.h"
 #include "support/Figures.h"
+#include "support/Heap.h"
 
 namespace framework = homeloom::desktop::framework;
 
 namespace {
 
 constexpr int kDevices = 10000;
-
-double heapInUse() {
-    const struct mallinfo2 info = mallinfo2();
-    return static_cast<double>(info.uordblks + info.hblkhd);
-}
-
-/// When nobody is working any more.
-double heapAtRest() {
-    double heap = heapInUse();
-    for (double last = -1; heap != last;) {
-        last = heap;
-        std::this_thread::sleep_for(std::chrono::milliseconds(200));
-        heap = heapInUse();
-    }
-    return heap;
-}
 
 std::size_t lengthOfTexts(const simulator::Device& device) {
     std::size_t length = device.id.size() + device.name.size() + device.nick.size() + device.prefix.size() +
@@ -69,15 +51,15 @@ int main() {
     bench::Desk desk(home);
     desk.show();
     framework::keepReports(0);
-    const double whole = heapAtRest();
+    const double whole = bench::heapAtRest();
     double agents = 0;
     {
         // The simulated agent keeps the subscriptions' texts; a copy of them is as large.
         const auto subscriptions = simulator::Agent::instance().subscriptions();
-        agents = heapInUse() - whole;
+        agents = bench::heapInUse() - whole;
     }
     desk.close();
-    const double perDevice = (whole - agents - heapAtRest()) / kDevices;
+    const double perDevice = (whole - agents - bench::heapAtRest()) / kDevices;
     bench::print({"heap for each of 10,000 devices", bytes(perDevice), "the texts that the agent told of it",
                   bytes(texts), perDevice / texts, "", true});
     return bench::exitStatus();

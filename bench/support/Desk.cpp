@@ -1,12 +1,16 @@
 #include "support/Desk.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <thread>
 #include <utility>
 
 #include <desktop/Settings.h>
 #include <simulator/Agent.h>
+
+#include "support/Figures.h"
 
 namespace bench {
 
@@ -88,6 +92,21 @@ void Desk::waitForLists(int count) {
 void Desk::forgetLists() {
     const std::lock_guard<std::mutex> lock(_mutex);
     _lists = 0;
+}
+
+void Desk::waitForSubscription(const std::string& deviceId) {
+    const auto isSubscribed = [&] {
+        const auto subscriptions = simulator::Agent::instance().subscriptions();
+        return std::any_of(subscriptions.begin(), subscriptions.end(),
+                           [&](const auto& subscription) { return subscription.deviceId == deviceId; });
+    };
+    const auto limit = Clock::now() + kLimit;
+    while (!isSubscribed()) {
+        if (Clock::now() > limit) {
+            fail(deviceId + " was not subscribed");
+        }
+        std::this_thread::yield();
+    }
 }
 
 void fail(const std::string& reason) {

@@ -29,6 +29,9 @@ public:
     /// don't come.
     void waitForLists(int count);
     void forgetLists();
+    /// Waits until the agent tells the plug-in of the device's changes. Lists don't wait for that: a device is
+    /// subscribed after its metadata was parsed, on a thread of its own.
+    void waitForSubscription(const std::string& deviceId);
     /// destroy(), and closes the library: nothing of the plug-in is left.
     void close();
 
