@@ -184,9 +184,7 @@ vmf_error_e vmf_endpoint_list_destroy(vmf_endpoint_list_h list) {
     if (ended == nullptr) {
         return VMF_ERROR_INVALID_PARAMETER;
     }
-    for (std::size_t i = ended->first; i < ended->endpoints.size(); ++i) {
-        endpoints().remove(ended->endpoints[i]->handle);
-    }
+    endpoints().endAll(ended->endpoints.begin() + static_cast<std::ptrdiff_t>(ended->first), ended->endpoints.end());
     return VMF_ERROR_NONE;
 }
 

@@ -44,7 +44,7 @@ public:
         Slot& slot = *slotAt(index);
         const Handle handle = encode(index, slot.use);
         object->handle = handle;
-        slot.object = object.release();
+        slot.object.store(object.release(), std::memory_order_relaxed);  // the handle's store publishes it
         slot.handle.store(handle, std::memory_order_release);
         ++_live;
         return handle;
@@ -64,12 +64,25 @@ public:
             return nullptr;
         }
         std::unique_ptr<Object> object(slot->object.load());
-        slot->handle = nullptr;
-        slot->object = nullptr;
-        slot->use = (slot->use + 1) & kMaxUse;
-        _free.push_back(indexOf(handle));
-        --_live;
+        vacate(*slot, handle);
         return object;
+    }
+
+    /// Ends live objects, which the iterators point at.
+    template <typename Iterator>
+    void endAll(Iterator first, Iterator last) {
+        {
+            const std::lock_guard<std::mutex> lock(_mutex);
+            for (Iterator each = first; each != last; ++each) {
+                const void* const handle = (*each)->handle;
+                if (Slot* const slot = find(handle)) {
+                    vacate(*slot, handle);
+                }
+            }
+        }
+        for (; first != last; ++first) {
+            std::unique_ptr<Object>(*first).reset();
+        }
     }
 
     std::size_t live() const {
@@ -114,6 +127,15 @@ private:
     Slot* find(const void* handle) const {
         Slot* const slot = handle != nullptr ? slotAt(indexOf(handle)) : nullptr;
         return slot != nullptr && slot->handle.load(std::memory_order_acquire) == handle ? slot : nullptr;
+    }
+
+    // Called with the mutex held.
+    void vacate(Slot& slot, const void* handle) {
+        slot.handle.store(nullptr, std::memory_order_relaxed);
+        slot.object.store(nullptr, std::memory_order_relaxed);
+        slot.use = (slot.use + 1) & kMaxUse;
+        _free.push_back(indexOf(handle));
+        --_live;
     }
 
     // Called with the mutex held.

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <vmf_endpoint.h>
@@ -19,6 +20,8 @@ struct PropertyList;
 struct EndpointList;
 
 struct Property {
+    Property(std::string name, Value data) : key(std::move(name)), value(std::move(data)) {}
+
     vmf_property_h handle = nullptr;
     std::string key;
     Value value;

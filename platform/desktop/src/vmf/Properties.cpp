@@ -35,10 +35,7 @@ vmf_property_h makeProperty(const char* function, const char* key, Value value, 
     if (*error != VMF_ERROR_NONE) {
         return nullptr;
     }
-    auto property = std::make_unique<Property>();
-    property->key = key;
-    property->value = std::move(value);
-    const vmf_property_h handle = properties().add(std::move(property));
+    const vmf_property_h handle = properties().add(std::make_unique<Property>(key, std::move(value)));
     if (handle == nullptr) {
         *error = VMF_ERROR_OUT_OF_MEMORY;
     }
@@ -70,10 +67,7 @@ void append(PropertyList& list, Property& property) {
 
 bool addCopies(PropertyList& list, const Fields& fields) {
     for (const Fields::Field& field : fields) {
-        auto property = std::make_unique<Property>();
-        property->key = field.key;
-        property->value = field.value;
-        const vmf_property_h handle = properties().add(std::move(property));
+        const vmf_property_h handle = properties().add(std::make_unique<Property>(field.key, field.value));
         if (handle == nullptr) {
             return false;
         }
@@ -88,9 +82,7 @@ void* cursorTo(const PropertyList& list, std::size_t position) {
 
 void endPropertyList(vmf_property_list_h handle) {
     if (const auto list = propertyLists().remove(handle)) {
-        for (const Property* property : list->properties) {
-            properties().remove(property->handle);
-        }
+        properties().endAll(list->properties.begin(), list->properties.end());
     }
 }
 
