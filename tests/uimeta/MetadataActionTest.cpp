@@ -163,6 +163,9 @@ TEST_F(MetadataActionTest, CardIsDrawnByTheDecidingAction) {
         EXPECT_EQ(metadata.GetDeviceMainActionControlType(device), each.control_type);
         EXPECT_EQ(metadata.ActionIcon(device), each.icon);
         EXPECT_EQ(metadata.ActionUrl(device), each.url);
+        const auto presentation = metadata.GetPresentation(device);
+        EXPECT_EQ(presentation.control_type + presentation.action_state + presentation.action_url,
+                  each.control_type + each.icon + each.url);
     }
     EXPECT_EQ(
         metadata.GetDeviceMainActionControlType(nullptr) + metadata.ActionIcon(nullptr) + metadata.ActionUrl(nullptr),
@@ -187,6 +190,7 @@ TEST_F(MetadataActionTest, InactiveDevicesShowNoAction) {
         const auto device = MakeDevice({{"/a", "p", "on"}}, each.type, each.status);
         device->SetIsInactive(each.inactive);
         EXPECT_EQ(metadata.ActionIcon(device), each.icon) << each.type << each.status;
+        EXPECT_EQ(metadata.GetPresentation(device).action_state, each.icon) << each.type << each.status;
     }
 }
 
@@ -245,6 +249,12 @@ TEST_F(MetadataActionTest, SubDeviceCardsComeFromTheGroups) {
         EXPECT_EQ(device->GetSubDeviceCardJsonInfo(), Json("[" + each.cards + "," + title + "]"))
             << each.low << each.rule << each.type << each.status;
     }
+    const auto washer = MakeDevice({});
+    EXPECT_TRUE(metadata.hasSubDeviceCard(washer));
+    EXPECT_TRUE(metadata.GetPresentation(washer).has_cards);
+    EXPECT_EQ(metadata.GetPresentation(washer).card_count, 3);
+    EXPECT_NE(washer->GetSubDeviceCardJsonInfo(), "");
+
     Load("'ms':[{'group':'default','label':{'label':'Plain'}}]");
     const auto device = MakeDevice({});
     device->SetSubDeviceCardJsonInfo("stale");

@@ -93,7 +93,7 @@ std::unordered_map<std::string, int> DeviceHandler::readCameraNotificationValues
 
 void DeviceHandler::fillEndpoint(IEndpointHelper& endpoint, const std::shared_ptr<Device>& device,
                                  int cameraNotificationValue) const {
-    const auto& metadata = Metadata::GetInstance();
+    const auto presentation = Metadata::GetInstance().GetPresentation(device);
     const std::string id = device->GetId();
     const std::string vid = device->GetVid();
     const std::string type = device->GetDeviceType();
@@ -118,10 +118,10 @@ void DeviceHandler::fillEndpoint(IEndpointHelper& endpoint, const std::shared_pt
     endpoint.SetExtraDataBool(Names::RUNNING_STATE, device->GetRunningState());
     endpoint.SetExtraDataInt(Names::CONTROLLABLE, device->IsControllableDevice() ? 1 : 0);
 
-    endpoint.SetExtraData(Names::CONTROL_TYPE, metadata.GetDeviceMainActionControlType(device));
-    endpoint.SetExtraData(Names::SOLENNE_SERVER_DP_URI, metadata.GetSolenneServerDpUri(vid));
-    endpoint.SetExtraData(Names::ACTION_STATE, metadata.ActionIcon(device));
-    endpoint.SetExtraData(Names::ACTION_URL, metadata.ActionUrl(device));
+    endpoint.SetExtraData(Names::CONTROL_TYPE, presentation.control_type);
+    endpoint.SetExtraData(Names::SOLENNE_SERVER_DP_URI, presentation.solenne_server_dp_uri);
+    endpoint.SetExtraData(Names::ACTION_STATE, presentation.action_state);
+    endpoint.SetExtraData(Names::ACTION_URL, presentation.action_url);
     endpoint.SetExtraData(Names::CONTEXT_VALUE, device->GetDeviceOperationalContext());
     endpoint.SetExtraData(Names::ICON_URL, device->GetIconUrl());
 
@@ -142,13 +142,11 @@ void DeviceHandler::fillEndpoint(IEndpointHelper& endpoint, const std::shared_pt
     }
     endpoint.SetExtraDataInt(Names::WEBRTC_SUPPORT, device->HasDeviceUri(kWebrtcUri) ? 1 : 0);
 
-    int cardCount = 0;
-    if (metadata.NumOfMainStates(vid) > 0) {
-        cardCount = metadata.SetSubDeviceCardList(device);
+    if (presentation.has_cards) {
         endpoint.SetExtraData(Names::SUB_DEVICE_CARD_LIST_INFO, device->GetSubDeviceCardJsonInfo());
     }
-    endpoint.SetExtraDataInt(Names::NUM_OF_SUB_DEVICE_CARDS, cardCount);
-    HL_LOGI("device id : %s, valid_num_of_sub_device_cards : %d", id.c_str(), cardCount);
+    endpoint.SetExtraDataInt(Names::NUM_OF_SUB_DEVICE_CARDS, presentation.card_count);
+    HL_LOGI("device id : %s, valid_num_of_sub_device_cards : %d", id.c_str(), presentation.card_count);
 
     endpoint.SetExtraData(Names::CORE_DEVICE_TYPE, device->GetCoreDeviceType());
     endpoint.SetExtraData(Names::CORE_DEVICE_NETWORK_TYPE, device->GetCoreDeviceNetworkType());

@@ -216,6 +216,7 @@ bool DeviceHandler::BuildResourceData(const std::string& deviceId, const std::st
         throw CException("representation is no object", kErrorFailed);
     }
     const std::string type = device->GetDeviceType();
+    properties.reserve(names.size());
     for (std::size_t i = 0; i < names.size(); ++i) {
         const std::string& name = names[i];
         HL_LOGI("[%d] property_name: %s", static_cast<int>(i), name.c_str());
@@ -280,13 +281,9 @@ void DeviceHandler::OnResourceUpdateEvent(const device_resource_info_struct& inf
 
 // A notification of the same name, with fewer fields, goes out for events of hub devices. Receivers know both.
 void DeviceHandler::notifyDeviceState(const std::shared_ptr<Device>& device, const std::string& oldStateText) const {
-    const auto& metadata = Metadata::GetInstance();
     const std::string vid = device->GetVid();
     const std::string type = device->GetDeviceType();
-    const std::string controlType = metadata.GetDeviceMainActionControlType(device);
-    const std::string actionState = metadata.ActionIcon(device);
-    const std::string actionUrl = metadata.ActionUrl(device);
-    const std::string serverDpUri = metadata.GetSolenneServerDpUri(vid);
+    const auto presentation = Metadata::GetInstance().GetPresentation(device);
     const int status = GetDeviceStatus(device);
 
     const auto list = IPropertyListHelper::Create();
@@ -296,21 +293,19 @@ void DeviceHandler::notifyDeviceState(const std::shared_ptr<Device>& device, con
     list->PushStringData(Names::STATE_TEXT, device->GetStateText());
     list->PushStringData(Names::CONTEXT_VALUE, device->GetDeviceOperationalContext());
     list->PushStringData(Names::ICON_URL, device->GetIconUrl());
-    list->PushStringData(Names::CONTROL_TYPE, controlType);
+    list->PushStringData(Names::CONTROL_TYPE, presentation.control_type);
     list->PushIntData(Names::ACTIVE_STATE, device->IsInactive() ? 0 : 1);
     list->PushBooleanData(Names::RUNNING_STATE, device->GetRunningState());
     list->PushIntData(Names::SUBDEVTYPE_ENUM, SubDeviceType(type));
     list->PushIntData(Names::CONTROLLABLE, device->IsControllableDevice() ? 1 : 0);
-    list->PushStringData(Names::ACTION_STATE, actionState);
-    list->PushStringData(Names::ACTION_URL, actionUrl);
+    list->PushStringData(Names::ACTION_STATE, presentation.action_state);
+    list->PushStringData(Names::ACTION_URL, presentation.action_url);
     list->PushIntData(Names::CLOUD_DEVICE_STATUS, status);
-    list->PushStringData(Names::SOLENNE_SERVER_DP_URI, serverDpUri);
-    int cardCount = 0;
-    if (metadata.NumOfMainStates(vid) > 0) {
-        cardCount = metadata.SetSubDeviceCardList(device);
+    list->PushStringData(Names::SOLENNE_SERVER_DP_URI, presentation.solenne_server_dp_uri);
+    if (presentation.has_cards) {
         list->PushStringData(Names::SUB_DEVICE_CARD_LIST_INFO, device->GetSubDeviceCardJsonInfo());
     }
-    list->PushIntData(Names::NUM_OF_SUB_DEVICE_CARDS, cardCount);
+    list->PushIntData(Names::NUM_OF_SUB_DEVICE_CARDS, presentation.card_count);
     const std::string cameraUrl = GetCameraUrl(device);
     if (!cameraUrl.empty()) {
         list->PushStringData(Names::CAMERA_STREAM_URL, cameraUrl);
@@ -326,10 +321,11 @@ void DeviceHandler::notifyDeviceState(const std::shared_ptr<Device>& device, con
         "DisconnectedUrl:%s",
         device->GetName().c_str(), device->GetId().c_str(), oldStateText.c_str(), device->GetStateText().c_str(),
         vid.c_str(), type.c_str(), status, !device->IsInactive(), device->GetRunningState(),
-        device->IsControllableDevice(), controlType.c_str(), serverDpUri.c_str(), actionState.c_str(),
-        actionUrl.c_str(), device->GetCoreDeviceIconKey().c_str(), device->GetCoreDeviceIconDate().c_str(),
-        device->GetCoreDeviceAnimationIconUrl().c_str(), device->GetCoreDeviceActivatedIconUrl().c_str(),
-        device->GetCoreDeviceInactivatedIconUrl().c_str(), device->GetCoreDeviceDisconnectedIconUrl().c_str());
+        device->IsControllableDevice(), presentation.control_type.c_str(), presentation.solenne_server_dp_uri.c_str(),
+        presentation.action_state.c_str(), presentation.action_url.c_str(), device->GetCoreDeviceIconKey().c_str(),
+        device->GetCoreDeviceIconDate().c_str(), device->GetCoreDeviceAnimationIconUrl().c_str(),
+        device->GetCoreDeviceActivatedIconUrl().c_str(), device->GetCoreDeviceInactivatedIconUrl().c_str(),
+        device->GetCoreDeviceDisconnectedIconUrl().c_str());
     CPluginMgr::GetInstance().ReportServiceNotify(list);
 }
 

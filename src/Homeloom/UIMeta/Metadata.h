@@ -83,6 +83,9 @@ public:
     std::string ActionUrl(const DevicePtr& device) const;
     /// How the main action is to be drawn: its state, or its icon if it is a push button.
     std::string ActionIcon(const DevicePtr& device) const;
+    /// All of this with the metadata looked up once, and SetSubDeviceCardList() if the model has main states: what
+    /// list entries and notifications are made of.
+    device_presentation_struct GetPresentation(const DevicePtr& device) const;
 
     void UpdateDeviceIconUrl(const DevicePtr& device) const;
     /// The resource that tells a camera's stream.
@@ -104,6 +107,7 @@ private:
     void addParsedMetadata(const std::string& vid, UiMetadata meta);
 
     // Main state (MetadataState.cpp)
+    void evaluateStateText(Device& device, const device_ui_metadata_struct* meta) const;
     void getDeviceStateLable(Device& device, const device_ui_metadata_struct& meta, std::string& text,
                              bool& inactive) const;
     void getGenericStateLabel(Device& device, const device_ui_metadata_struct& meta, std::string& text,
@@ -133,6 +137,8 @@ private:
     static json::JsonValue parseList(const std::string& value);
 
     // Sub device cards (MetadataCard.cpp)
+    static bool hasSubDeviceCard(const device_ui_metadata_struct& meta) { return !meta.main_states.empty(); }
+    int setSubDeviceCards(Device& device, const device_ui_metadata_struct& meta) const;
     bool makeSubDeviceCard(Device& device, const device_ui_metadata_struct& meta, const std::string& group,
                            bool& inactive, json::JsonValue& card) const;
     static std::string getActionUrl(const Device& device, const device_ui_metadata_struct& meta,
@@ -142,7 +148,10 @@ private:
     static std::string getActionState(const Device& device, const device_ui_metadata_struct& meta,
                                       const std::string& group);
 
-    // Main action (MetadataAction.cpp)
+    // Main action (MetadataAction.cpp). Without metadata `meta` is null.
+    static std::string mainActionControlType(const Device& device, const device_ui_metadata_struct& meta);
+    static std::string mainActionUrl(const Device& device, const device_ui_metadata_struct& meta);
+    static std::string mainActionIcon(const Device& device, const device_ui_metadata_struct* meta);
     static bool getGenericMainAction(const Device& device, const device_ui_metadata_struct& meta, std::string& uri,
                                      std::string& property, std::string& value);
     static bool getGenericActionKeyValue(const Device& device, const std::vector<std::string>& keys,

@@ -127,15 +127,13 @@ bool Metadata::isDecidingAction(const Device& device, const device_ui_metadata_s
 }
 
 std::string Metadata::GetDeviceMainActionControlType(const DevicePtr& device) const {
-    if (!device) {
-        return {};
-    }
-    const UiMetadata meta = FindUiMetadata(device->GetVid());
-    if (!meta) {
-        return {};
-    }
-    for (const device_action_struct& action : meta->main_actions) {
-        if (UIMetadataParser::isDefaultMainGroup(action.group) && isDecidingAction(*device, *meta, action)) {
+    const UiMetadata meta = device ? FindUiMetadata(device->GetVid()) : nullptr;
+    return meta ? mainActionControlType(*device, *meta) : std::string();
+}
+
+std::string Metadata::mainActionControlType(const Device& device, const device_ui_metadata_struct& meta) {
+    for (const device_action_struct& action : meta.main_actions) {
+        if (UIMetadataParser::isDefaultMainGroup(action.group) && isDecidingAction(device, meta, action)) {
             return action.control_type;
         }
     }
@@ -143,16 +141,14 @@ std::string Metadata::GetDeviceMainActionControlType(const DevicePtr& device) co
 }
 
 std::string Metadata::ActionUrl(const DevicePtr& device) const {
-    if (!device) {
-        return {};
-    }
-    const UiMetadata meta = FindUiMetadata(device->GetVid());
-    if (!meta) {
-        return {};
-    }
+    const UiMetadata meta = device ? FindUiMetadata(device->GetVid()) : nullptr;
+    return meta ? mainActionUrl(*device, *meta) : std::string();
+}
+
+std::string Metadata::mainActionUrl(const Device& device, const device_ui_metadata_struct& meta) {
     // Unlike control type and icon, the url takes actions of every group.
-    for (const device_action_struct& action : meta->main_actions) {
-        if (meta->is_generic || isMainActionVisible(*device, action)) {
+    for (const device_action_struct& action : meta.main_actions) {
+        if (meta.is_generic || isMainActionVisible(device, action)) {
             return action.href;
         }
     }
@@ -160,18 +156,15 @@ std::string Metadata::ActionUrl(const DevicePtr& device) const {
 }
 
 std::string Metadata::ActionIcon(const DevicePtr& device) const {
-    if (!device) {
-        return {};
-    }
+    return device ? mainActionIcon(*device, FindUiMetadata(device->GetVid()).get()) : std::string();
+}
+
+std::string Metadata::mainActionIcon(const Device& device, const device_ui_metadata_struct* meta) {
     try {
-        if (device->IsInactive()) {
-            return CHLUtil::IsDeviceTypeTVForActionState(device->GetDeviceType()) ? "inactive" : "";
+        if (device.IsInactive()) {
+            return CHLUtil::IsDeviceTypeTVForActionState(device.GetDeviceType()) ? "inactive" : "";
         }
-        if (device->GetStatus() != DEVICE_STATUS_CONNECTED) {
-            return {};
-        }
-        const UiMetadata meta = FindUiMetadata(device->GetVid());
-        if (!meta) {
+        if (device.GetStatus() != DEVICE_STATUS_CONNECTED || meta == nullptr) {
             return {};
         }
         for (const device_action_struct& action : meta->main_actions) {
@@ -180,8 +173,8 @@ std::string Metadata::ActionIcon(const DevicePtr& device) const {
             }
             HL_LOGI("ma.action_link: %s, generic_subscribe_uri: %s", action.href.c_str(),
                     meta->generic_subscribe_uri.c_str());
-            if (isDecidingAction(*device, *meta, action)) {
-                return iconOrState(*device, action, action.control_type);
+            if (isDecidingAction(device, *meta, action)) {
+                return iconOrState(device, action, action.control_type);
             }
             if (meta->is_generic) {
                 HL_LOGI("ma.action_link != meta.generic_subscribe_uri");
@@ -191,6 +184,28 @@ std::string Metadata::ActionIcon(const DevicePtr& device) const {
         HL_LOG_EXCEPTION(e);
     }
     return {};
+}
+
+device_presentation_struct Metadata::GetPresentation(const DevicePtr& device) const {
+    device_presentation_struct presentation;
+    if (!device) {
+        return presentation;
+    }
+    const UiMetadata meta = FindUiMetadata(device->GetVid());
+    // A TV that sleeps is drawn as such without metadata too.
+    presentation.action_state = mainActionIcon(*device, meta.get());
+    if (!meta) {
+        HL_LOGE("vid not found in matadata map");
+        return presentation;
+    }
+    presentation.control_type = mainActionControlType(*device, *meta);
+    presentation.action_url = mainActionUrl(*device, *meta);
+    presentation.solenne_server_dp_uri = meta->solenne_server_dp_uri;
+    if (hasSubDeviceCard(*meta)) {
+        presentation.has_cards = true;
+        presentation.card_count = setSubDeviceCards(*device, *meta);
+    }
+    return presentation;
 }
 
 std::string Metadata::iconOrState(const Device& device, const device_action_struct& action,

@@ -33,7 +33,8 @@ const device_action_struct* findGroupAction(const Device& device, const device_u
 }  // namespace
 
 bool Metadata::hasSubDeviceCard(const DevicePtr& device) const {
-    return device && NumOfMainStates(device->GetVid()) > 0;
+    const UiMetadata meta = device ? FindUiMetadata(device->GetVid()) : nullptr;
+    return meta && hasSubDeviceCard(*meta);
 }
 
 int Metadata::SetSubDeviceCardList(const DevicePtr& device) const {
@@ -41,23 +42,24 @@ int Metadata::SetSubDeviceCardList(const DevicePtr& device) const {
         return 0;
     }
     const UiMetadata meta = FindUiMetadata(device->GetVid());
-    if (!meta) {
-        return 0;
-    }
+    return meta ? setSubDeviceCards(*device, *meta) : 0;
+}
+
+int Metadata::setSubDeviceCards(Device& device, const device_ui_metadata_struct& meta) const {
     int count = 0;
     // Written by the labels as they are evaluated and not reset between groups: a group whose labels leave the flag
     // shows the one of the group before. The screens are built on this.
     bool inactive = false;
     JsonValue cards;
-    for (const std::string& group : meta->state_groups) {
+    for (const std::string& group : meta.state_groups) {
         JsonValue card;
-        if (makeSubDeviceCard(*device, *meta, group, inactive, card)) {
+        if (makeSubDeviceCard(device, meta, group, inactive, card)) {
             cards.append(std::move(card));
             ++count;
         }
     }
     const std::string text = cards.isNull() ? std::string() : cards.toString();
-    device->SetSubDeviceCardJsonInfo(text);
+    device.SetSubDeviceCardJsonInfo(text);
     HL_LOGI("SubDeviceCardArrayInfo : %s", text.c_str());
     return count;
 }

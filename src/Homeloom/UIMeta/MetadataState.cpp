@@ -43,50 +43,53 @@ void Metadata::SetDeviceStateText(const DevicePtr& device) const {
     if (!device) {
         return;
     }
-    if (hasSubDeviceCard(device)) {
-        SetSubDeviceCardList(device);
+    const UiMetadata meta = FindUiMetadata(device->GetVid());
+    if (meta && hasSubDeviceCard(*meta)) {
+        setSubDeviceCards(*device, *meta);
     }
-    GetDeviceStateText(device);
+    evaluateStateText(*device, meta.get());
 }
 
 void Metadata::GetDeviceStateText(const DevicePtr& device) const {
-    if (!device) {
-        return;
+    if (device) {
+        evaluateStateText(*device, FindUiMetadata(device->GetVid()).get());
     }
-    const DeviceStatus status = device->GetStatus();
+}
+
+void Metadata::evaluateStateText(Device& device, const device_ui_metadata_struct* meta) const {
+    const DeviceStatus status = device.GetStatus();
     if (status == DEVICE_STATUS_DISCONNECTED) {
-        setOutOfService(*device, "Disconnected");
+        setOutOfService(device, "Disconnected");
         return;
     }
-    if (status == DEVICE_STATUS_INACTIVE && !CHLUtil::IsDeviceTypeTVOrRefForActiveState(device->GetDeviceType())) {
-        setOutOfService(*device, "Inactive");
+    if (status == DEVICE_STATUS_INACTIVE && !CHLUtil::IsDeviceTypeTVOrRefForActiveState(device.GetDeviceType())) {
+        setOutOfService(device, "Inactive");
         return;
     }
     if (status == DEVICE_STATUS_HIDDEN) {
-        setOutOfService(*device, "");
+        setOutOfService(device, "");
         return;
     }
-    const UiMetadata meta = FindUiMetadata(device->GetVid());
-    if (!meta) {
+    if (meta == nullptr) {
         return;
     }
 
     std::string text;
     bool inactive = true;  // so a device none of whose states is visible is inactive
     if (!meta->is_generic || meta->generic_subscribe_uri.empty()) {
-        getDeviceStateLable(*device, *meta, text, inactive);
+        getDeviceStateLable(device, *meta, text, inactive);
     } else {
-        getGenericStateLabel(*device, *meta, text, inactive);
+        getGenericStateLabel(device, *meta, text, inactive);
     }
     // One blank is a document's way to show nothing new.
     if (text.empty() || text == " ") {
-        text = device->GetStateText();
+        text = device.GetStateText();
         HL_LOGI("current stateText is empty, use prev_statetext : %s", text.c_str());
     }
-    device->SetStateText(text);
-    device->SetIsInactive(inactive);
+    device.SetStateText(text);
+    device.SetIsInactive(inactive);
     HL_LOGI("device_name : %s, device_id: %s, current_statetext: %s, cloud status : %d, isInactive: %d ",
-            device->GetName().c_str(), device->GetId().c_str(), text.c_str(), status, inactive);
+            device.GetName().c_str(), device.GetId().c_str(), text.c_str(), status, inactive);
 }
 
 void Metadata::getDeviceStateLable(Device& device, const device_ui_metadata_struct& meta, std::string& text,

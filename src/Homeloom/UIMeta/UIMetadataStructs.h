@@ -99,6 +99,16 @@ struct device_ui_metadata_struct {
     std::string solenne_server_dp_uri;
 };
 
+/// How a device's main action and sub devices are to be drawn now.
+struct device_presentation_struct {
+    std::string control_type;
+    std::string action_state;
+    std::string action_url;
+    std::string solenne_server_dp_uri;
+    bool has_cards = false;  ///< whether the device's JSON of sub device cards is worth sending, be it an empty one
+    int card_count = 0;
+};
+
 }  // namespace VMFramework::HomeLoom
 
 #endif
