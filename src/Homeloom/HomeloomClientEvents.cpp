@@ -414,8 +414,9 @@ void HomeloomClient::OnDeviceListUpdateEvent(const std::vector<std::string>& dev
         if (!_hubHandler->IsLocalHubConnectedDevice(id)) {
             devices->UnsubscribeResourceUri(device);
         }
+        const std::string vid = devices->GetVid(id);
         devices->DeleteDevice(id);
-        devices->DeleteVidDeviceMap(device->GetVid(), id);
+        devices->DeleteVidDeviceMap(vid, id);
     }
 }
 
