@@ -3,6 +3,7 @@
 #include <chrono>
 #include <future>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <utility>
@@ -229,6 +230,13 @@ TEST_F(DeviceHandlerTest, ParsesTheMetadataOfEachVidThenReadsAndSubscribes) {
     }
     EXPECT_THAT(notified, UnorderedElementsAre("washer", "moved"));
 
+    // A document that has gone bad since: the one before serves.
+    model.uiMetadata = "no JSON";
+    agent.setModel(model);
+    handler->ParseMetadata();
+    settle();
+    EXPECT_EQ(4, agent.callCount("homeloom_client_get_remote_attributes"));
+
     handler->DeleteVidDeviceMap("washer-vid", "washer");
     handler->DeleteVidDeviceMap("washer-vid", "moved");
     handler->DeleteVidDeviceMap("washer-vid", "gone");
@@ -237,6 +245,20 @@ TEST_F(DeviceHandlerTest, ParsesTheMetadataOfEachVidThenReadsAndSubscribes) {
     handler->ParseMetadata();
     settle();
     EXPECT_THAT(agent.calls(), IsEmpty());
+}
+
+TEST_F(DeviceHandlerTest, ADeviceThatFailsCostsNoOtherOfItsVid) {
+    parse("camera-AVPlatform", CAMERA);
+    add("one", "camera-AVPlatform", "oic.d.camera", {});
+    add("two", "camera-AVPlatform", "oic.d.camera", {});
+    int asked = 0;
+    handler->SetAccessTokenGetter([&asked]() -> std::string {
+        ++asked;
+        throw std::runtime_error("no token");
+    });
+    handler->ParseMetadata();
+    settle();
+    EXPECT_EQ(2, asked);
 }
 
 TEST_F(DeviceHandlerTest, ReadsAttributesOfConnectedDevices) {

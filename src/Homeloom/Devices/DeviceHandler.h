@@ -162,6 +162,7 @@ private:
     bool findSubscription(const std::shared_ptr<Device>& device, std::string& id, std::string& uris) const;
     std::string getJsonUrifromDevID(const std::shared_ptr<Device>& device, bool& found) const;
     void parseMetadataOfVid(const std::string& vid);
+    void readAndSubscribe(const std::string& id);
 
     std::unordered_map<std::string, int> readCameraNotificationValues() const;
     void fillEndpoint(IEndpointHelper& endpoint, const std::shared_ptr<Device>& device,

@@ -1,5 +1,7 @@
 // What the UI metadata says about devices: which URIs to subscribe, and what to recompute when it arrives.
 
+#include <exception>
+
 #include <VMFramework/JsonValue.h>
 
 #include "Common/CHLUtil.h"
@@ -146,7 +148,12 @@ void DeviceHandler::parseMetadataOfVid(const std::string& vid) {
         HL_LOGI("already quit");
         return;
     }
-    Metadata::GetInstance().ParseMetadata(vid, GetUiMeta(vid));
+    try {
+        Metadata::GetInstance().ParseMetadata(vid, GetUiMeta(vid));
+    } catch (const std::exception& e) {
+        // The document that was stored before still serves the devices.
+        HL_LOG_EXCEPTION(e);
+    }
     HL_LOGI("ParseMetadata() ui metadata parsing done for %s, need to GetProperty", vid.c_str());
 
     std::unordered_set<std::string> ids;
@@ -164,16 +171,25 @@ void DeviceHandler::parseMetadataOfVid(const std::string& vid) {
             HL_LOGI("already quit");
             return;
         }
-        HL_LOGI("ParseMetadata() device id : %s, try to GetProperty and SubscribeResourceUri", id.c_str());
-        GetProperty(id);
-        const auto device = FindDevice(id);
-        if (!device) {
-            HL_LOGE("ParseMetadata() device is not found");
-            continue;
+        try {
+            readAndSubscribe(id);
+        } catch (const std::exception& e) {
+            // It costs this device's turn only.
+            HL_LOG_EXCEPTION(e);
         }
-        if (!IsMyTV(id) && !isHubConnectedDevice(id)) {
-            SubscribeResourceUri(device);
-        }
+    }
+}
+
+void DeviceHandler::readAndSubscribe(const std::string& id) {
+    HL_LOGI("ParseMetadata() device id : %s, try to GetProperty and SubscribeResourceUri", id.c_str());
+    GetProperty(id);
+    const auto device = FindDevice(id);
+    if (!device) {
+        HL_LOGE("ParseMetadata() device is not found");
+        return;
+    }
+    if (!IsMyTV(id) && !isHubConnectedDevice(id)) {
+        SubscribeResourceUri(device);
     }
 }
 
