@@ -1,11 +1,13 @@
 #include "Homeloom/CoreDevices/CoreDeviceHandler.h"
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <gmock/gmock.h>
 
 #include "Common/CException.h"
+#include "Common/CHLUtil.h"
 #include "HandlerFixture.h"
 
 namespace VMFramework::HomeLoom {
@@ -17,11 +19,19 @@ using testing::SizeIs;
 class CoreDeviceHandlerTest : public HandlerFixture {
 protected:
     CoreDeviceHandlerTest() {
-        core.SetParentDeviceIdGetter([](const std::string& details) { return "parent of " + details; });
-        addCore("dth", "DTH", R"({"dth":{"deviceNetworkType":"ZIGBEE"}})");
-        addCore("ocf", "OCF", R"({"dth":{"deviceNetworkType":"ZIGBEE"}})");
-        addCore("ir", "IR_OCF", R"({"irOcf":{}})");
-        addCore("odd", "DTH", R"({"dth":{"deviceNetworkType":{}}})");
+        constexpr char DETAILS[] = R"({"dth":{"deviceNetworkType":"ZIGBEE"},"irOcf":{"parentDeviceId":"blaster"}})";
+        core.SetParentDeviceIdGetter(CHLUtil::GetParentIdOfIRDevice);
+        for (const auto& [id, type, details] : {std::tuple{"dth", "DTH", DETAILS},
+                                                {"ocf", "OCF", DETAILS},
+                                                {"ir", "IR_OCF", DETAILS},
+                                                {"odd", "DTH", R"({"dth":{"deviceNetworkType":{}}})"},
+                                                {"null", "DTH", R"({"dth":null})"},
+                                                {"bare", "DTH", "no JSON"},
+                                                {"odd-ir", "IR_OCF", R"({"irOcf":{"parentDeviceId":[]}})"},
+                                                {"null-ir", "IR_OCF", R"({"irOcf":null})"},
+                                                {"bare-ir", "IR_OCF", ""}}) {
+            addCore(id, type, details);
+        }
     }
 
     void addCore(const std::string& id, const std::string& type, const std::string& details) {
@@ -31,6 +41,7 @@ protected:
         device.vid = "vid";
         device.types = {"oic.d.light"};
         device.location = "location";
+        device.room = "room";
         device.core.type = type;
         device.core.details = details;
         device.core.presentationId = "presentation";
@@ -46,18 +57,16 @@ protected:
 TEST_F(CoreDeviceHandlerTest, KeepsWhatTheListTells) {
     core.BuildCoreDeviceList();
     const auto devices = core.GetCoreDeviceInfo();
-    ASSERT_THAT(devices, SizeIs(4));
+    ASSERT_THAT(devices, SizeIs(9));
     const auto& dth = devices.at("dth");
-    EXPECT_EQ("dth", dth.device_id);
-    EXPECT_EQ("name of dth", dth.device_name);
-    EXPECT_EQ("DTH", dth.device_type);
-    EXPECT_EQ("location", dth.location_id);
-    EXPECT_EQ("presentation", dth.presentation_id);
-    EXPECT_EQ("maker", dth.manufacturer_name);
+    EXPECT_EQ("dth, name of dth, DTH, location, room, presentation, maker, ZIGBEE",
+              dth.device_id + ", " + dth.device_name + ", " + dth.device_type + ", " + dth.location_id + ", " +
+                  dth.room_id + ", " + dth.presentation_id + ", " + dth.manufacturer_name + ", " + dth.network_type);
     EXPECT_EQ("ZIGBEE", core.GetCoreDeviceNetworkType("dth"));
-    EXPECT_EQ("", core.GetCoreDeviceNetworkType("ocf"));
-    EXPECT_EQ("", core.GetCoreDeviceNetworkType("odd"));
     EXPECT_EQ("IR_OCF", core.GetCoreDeviceType("ir"));
+    for (const char* id : {"ocf", "odd", "null", "bare", "nobody"}) {
+        EXPECT_EQ("", core.GetCoreDeviceNetworkType(id)) << id;
+    }
     EXPECT_EQ("", core.GetCoreDeviceType("nobody"));
     for (const auto& get : {&CoreDeviceHandler::GetCoreDeviceType, &CoreDeviceHandler::GetCoreDeviceNetworkType}) {
         try {
@@ -75,15 +84,16 @@ TEST_F(CoreDeviceHandlerTest, TellsTypesAndIcons) {
         const char* id;
         const char* networkType;
         const char* parent;
-    } cases[] = {
-        {"dth", "ZIGBEE", ""}, {"ocf", "OCF", ""}, {"ir", "IR_OCF", R"(parent of {"irOcf":{}})"}, {"odd", "DTH", ""}};
+    } cases[] = {{"dth", "ZIGBEE", ""},    {"ocf", "OCF", ""},        {"ir", "IR_OCF", "blaster"},
+                 {"odd", "DTH", ""},       {"null", "DTH", ""},       {"bare", "DTH", ""},
+                 {"odd-ir", "IR_OCF", ""}, {"null-ir", "IR_OCF", ""}, {"bare-ir", "IR_OCF", ""}};
     ASSERT_THAT(types, SizeIs(std::size(cases)));
     for (const auto& [id, networkType, parent] : cases) {
         EXPECT_EQ(networkType, types.at(id).network_type) << id;
         EXPECT_EQ(parent, types.at(id).parent_device_id) << id;
     }
     const auto icons = core.GetCoreDeviceIconList();
-    ASSERT_THAT(icons, SizeIs(4));
+    ASSERT_THAT(icons, SizeIs(9));
     const auto& icon = icons.at("ocf");
     EXPECT_EQ("abcdef", icon.animation_icon + icon.activated_icon + icon.inactivated_icon + icon.disconnected_icon +
                             icon.icon_key + icon.last_update_date);
@@ -96,9 +106,9 @@ TEST_F(CoreDeviceHandlerTest, GivesEveryListBackWhateverHappens) {
     core.BuildCoreDeviceList();
     EXPECT_THAT(core.GetCoreDeviceInfo(), SizeIs(1)) << "a field that fails ends the reading";
     agent.fault(GET_STRING, simulator::Fault::fail(-5).after(2).times(1));
-    EXPECT_THAT(core.GetCoreDeviceIconList(), SizeIs(3)) << "a field that fails costs its device";
+    EXPECT_THAT(core.GetCoreDeviceIconList(), SizeIs(8)) << "a field that fails costs its device";
     agent.fault(GET_STRING, simulator::Fault::fail(-5).after(4).times(1));
-    EXPECT_THAT(core.GetCoreDeviceTypeList(), SizeIs(3));
+    EXPECT_THAT(core.GetCoreDeviceTypeList(), SizeIs(8));
 
     agent.fault(GET_LIST, simulator::Fault::answer(-5));
     core.BuildCoreDeviceList();

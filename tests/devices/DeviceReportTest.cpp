@@ -1,18 +1,18 @@
+#include <memory>
 #include <string>
 #include <vector>
 
 #include <gmock/gmock.h>
 
 #include "HandlerFixture.h"
+#include "Homeloom/Devices/CameraDevice.h"
+#include "support/Screen.h"
 
 namespace VMFramework::HomeLoom {
 namespace {
 
-using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::Pair;
 using testing::SizeIs;
-using testing::UnorderedElementsAre;
 
 constexpr char WASHER[] = R"({"message":"SUCCESS","data":{"version":"1","iconUrl":{"mid":"preload://washer.png"},
   "dpInfo":[{"os":"solenne","serverDpUri":"dp://washer"}],
@@ -26,99 +26,94 @@ class DeviceReportTest : public HandlerFixture {};
 
 TEST_F(DeviceReportTest, AnEndpointTellsAllOfADevice) {
     parse("washer-vid", WASHER);
-    auto info = infoOf("washer", "washer-vid", "oic.d.washer");
-    info.device_name = "Washer";
-    info.nick_name = "My washer";
-    info.location_name = "Home";
-    info.location_id = "location";
-    info.room_name = "Bath";
-    info.room_id = "room";
-    info.core_device_type = "OCF";
-    info.core_device_network_type = "WIFI";
-    info.core_device_parent_device_id = "parent";
-    info.core_device_icon_key = "key";
-    info.core_device_icon_date = "date";
-    info.core_device_animation_icon_url = "animation";
-    info.core_device_activated_icon_url = "on";
-    info.core_device_inactivated_icon_url = "off";
-    info.core_device_disconnected_icon_url = "gone";
+    const Device::_deviceInfo info{
+        "washer",    "Washer",   "washer-vid", "oic.d.washer", "Home", "Bath", DEVICE_STATUS_CONNECTED,
+        "My washer", "location", "room",       "prefix",       "OCF",  "WIFI", "parent",
+        "animation", "on",       "off",        "gone",         "key",  "date"};
     handler->HandleDeviceInfo(info, {"/u"}, {"/capability/webrtc/main/0"});
     handler->FindDevice("washer")->SetControllableDevice(true);
     handler->OnResourceUpdateEvent({"washer", "/u", {{"p", "a", "String"}}});
-    EXPECT_THAT(
-        sendDeviceList(),
-        ElementsAre(UnorderedElementsAre(
-            Pair("device_id()", "washer"), Pair("device_name()", "Washer"), Pair("service_name()", "homeloom"),
-            Pair("interface_type()", "homeloom-interfacetype"), Pair("device_type()", "homeloom-device"),
-            Pair("sub_device_type()", "oic.d.washer"), Pair("nick", "My washer"), Pair("state_text", "a"),
-            Pair("vid", "washer-vid"), Pair("location", "Home"), Pair("location_id", "location"), Pair("room", "Bath"),
-            Pair("room_id", "room"), Pair("cloud_device_status", "0"), Pair("active_state", "0"),
-            Pair("running_state", "false"), Pair("controllable", "1"), Pair("control_type", "ToggleSwitch"),
-            Pair("solenne_server_dp_uri", "dp://washer"), Pair("action_state", ""), Pair("action_url", "/u"),
-            Pair("context_value", R"({"uri":"/u","property":"p","value":"a"})"), Pair("icon_url", "washer.png"),
-            Pair("subdevtype_enum", "10"), Pair("webrtc_support", "1"),
-            Pair("sub_device_card_list_info",
-                 R"([{"device_name":"Upper","state_text":"a","icon_url":"","active_state":false,"control_type":"",)"
-                 R"("action_state":"","action_url":""}])"),
-            Pair("num_of_sub_device_cards", "1"), Pair("core_device_type", "OCF"),
-            Pair("core_device_network_type", "WIFI"), Pair("core_device_parent_device_id", "parent"),
-            Pair("core_device_icon_key", "key"), Pair("core_device_icon_date", "date"),
-            Pair("core_device_animation_icon_url", "animation"), Pair("core_device_activated_icon_url", "on"),
-            Pair("core_device_inactivated_icon_url", "off"), Pair("core_device_disconnected_icon_url", "gone"))));
+    const auto list = sendDeviceList();
+    ASSERT_THAT(list->endpoints, SizeIs(1));
+    const auto& endpoint = list->endpoints.front();
+    EXPECT_EQ("washer", endpoint.deviceId);
+    EXPECT_EQ("Washer", endpoint.deviceName);
+    EXPECT_EQ("homeloom", endpoint.serviceName);
+    EXPECT_EQ("homeloom-interfacetype", endpoint.interfaceType);
+    EXPECT_EQ("homeloom-device", endpoint.deviceType);
+    EXPECT_EQ("oic.d.washer", endpoint.subDeviceType);
+    EXPECT_EQ(
+        "nick='My washer' state_text='a' vid='washer-vid' location='Home' location_id='location' room='Bath' "
+        "room_id='room' cloud_device_status=0 active_state=0 running_state=false controllable=1 "
+        "control_type='ToggleSwitch' solenne_server_dp_uri='dp://washer' action_state='' action_url='/u' "
+        "context_value='{\"uri\":\"/u\",\"property\":\"p\",\"value\":\"a\"}' icon_url='washer.png' "
+        "subdevtype_enum=10 webrtc_support=1 sub_device_card_list_info='[{\"device_name\":\"Upper\","
+        "\"state_text\":\"a\",\"icon_url\":\"\",\"active_state\":false,\"control_type\":\"\","
+        "\"action_state\":\"\",\"action_url\":\"\"}]' num_of_sub_device_cards=1 core_device_type='OCF' "
+        "core_device_network_type='WIFI' core_device_parent_device_id='parent' core_device_icon_key='key' "
+        "core_device_icon_date='date' core_device_animation_icon_url='animation' "
+        "core_device_activated_icon_url='on' core_device_inactivated_icon_url='off' "
+        "core_device_disconnected_icon_url='gone'",
+        toText(endpoint.extraData));
 }
 
 TEST_F(DeviceReportTest, CamerasAndRefrigeratorsTellMore) {
-    struct {
+    const struct {
         const char* id;
         const char* vid;
         const char* type;
         std::vector<std::string> uris;
-        const char* notificationType;
-        const char* notificationValue;
-        const char* twoWayTalk;
-        const char* insideView;
-    } const cases[] = {
-        {"camera",
-         "vid",
-         "oic.d.camera",
-         {"/capability/soundSensor/0", "/capability/button/main/0"},
-         "10",
-         "8",
-         "",
-         ""},
-        {"doorbell", "a-RING-b", "x.com.hl.d.doorbell", {}, "0", "0", "1", ""},
-        {"fridge", "vid", "oic.d.refrigerator", {"/udo/contents/provider/vs/0"}, "", "", "", "1"},
-        {"plain-fridge", "vid", "oic.d.refrigerator", {}, "", "", "", "0"},
-        {"other-model", "sercomm_rc8335", "oic.d.camera", {"/capability/objectDetection/main/0"}, "4", "0", "", ""},
-        {"light", "ring", "oic.d.light", {"/capability/button/0"}, "", "", "", ""},
-        {"late-camera", "ring", "oic.d.light", {"/capability/button/0"}, "", "", "", ""}};
+        const char* more;
+    } cases[] = {{"camera",
+                  "vid",
+                  "oic.d.camera",
+                  {"/capability/soundSensor/0", "/capability/button/main/0"},
+                  "camera_notification_type=10 camera_notification_value=8"},
+                 {"doorbell",
+                  "a-RING-b",
+                  "x.com.hl.d.doorbell",
+                  {},
+                  "camera_notification_type=0 camera_notification_value=0 2waytalk_support=1"},
+                 {"other-model",
+                  "sercomm_rc8335",
+                  "oic.d.camera",
+                  {"/capability/objectDetection/main/0"},
+                  "camera_notification_type=4 camera_notification_value=0"},
+                 {"fridge", "vid", "oic.d.refrigerator", {"/udo/contents/provider/vs/0"}, "refrigerator_inside_view=1"},
+                 {"plain-fridge", "vid", "oic.d.refrigerator", {}, "refrigerator_inside_view=0"},
+                 {"light", "ring", "oic.d.light", {"/capability/button/0"}, ""},
+                 {"late-camera", "ring", "oic.d.light", {"/capability/button/0"}, ""}};
     for (const auto& c : cases) {
         add(c.id, c.vid, c.type, c.uris);
     }
     handler->HandleDeviceInfo(infoOf("late-camera", "ring", "oic.d.camera"), {}, {});
-    addButtonCondition("camera", "/capability/button/main/0");
-    addButtonCondition("doorbell", "/capability/button/0");  // not among its resources
-    const auto reports = sendDeviceList();
-    for (const auto& c : cases) {
-        for (const auto& report : reports) {
-            if (valueOf(report, "device_id()") == c.id) {
-                EXPECT_EQ(c.notificationType, valueOf(report, "camera_notification_type")) << c.id;
-                EXPECT_EQ(c.notificationValue, valueOf(report, "camera_notification_value")) << c.id;
-                EXPECT_EQ(c.twoWayTalk, valueOf(report, "2waytalk_support")) << c.id;
-                EXPECT_EQ(c.insideView, valueOf(report, "refrigerator_inside_view")) << c.id;
+    for (const char* id : {"camera", "doorbell"}) {  // the doorbell hasn't the resource
+        std::dynamic_pointer_cast<CameraDevice>(handler->FindDevice(id))->SetCameraNotification(nullptr, 8);
+    }
+    const auto moreOf = [](const ReportPtr& list, const std::string& id) {
+        homeloom::desktop::Fields more;
+        for (const auto& [key, value] : list->endpoint(id)->extraData) {
+            if (key.find("camera_") == 0 || key == "2waytalk_support" || key == "refrigerator_inside_view") {
+                more.add(key, value);
             }
         }
+        return toText(more);
+    };
+    const auto list = sendDeviceList();
+    for (const auto& c : cases) {
+        EXPECT_EQ(c.more, moreOf(list, c.id)) << c.id;
     }
-    EXPECT_THAT(reports, SizeIs(std::size(cases)));
+    EXPECT_THAT(list->endpoints, SizeIs(std::size(cases)));
 
     // A notification that the agent can't tell counts as off.
-    agent.fault("homeloom_client_is_app_launch_condition_added", simulator::Fault::fail(-5));
-    EXPECT_EQ("0", valueOf(sendDeviceList().front(), "camera_notification_value"));
-    agent.fault("homeloom_client_app_launch_condition_create", simulator::Fault::fail(-5));
-    EXPECT_EQ("0", valueOf(sendDeviceList().front(), "camera_notification_value"));
-    agent.clearFaults();
+    for (const char* function :
+         {"homeloom_client_is_app_launch_condition_added", "homeloom_client_app_launch_condition_create"}) {
+        agent.fault(function, simulator::Fault::fail(-5));
+        EXPECT_EQ("camera_notification_type=10 camera_notification_value=0", moreOf(sendDeviceList(), "camera"));
+        agent.clearFaults();
+    }
     handler->Quit();
-    EXPECT_THAT(sendDeviceList(), IsEmpty());
+    EXPECT_THAT(sendDeviceList()->endpoints, IsEmpty());
 }
 
 TEST_F(DeviceReportTest, ReportsIconsAsTheyStand) {
@@ -130,24 +125,18 @@ TEST_F(DeviceReportTest, ReportsIconsAsTheyStand) {
     device.core.badgeIcons = R"(["b"])";
     agent.addDevice(device);
     const std::string icons = R"({"deviceId":"washer","icons":{"on":"a"},"possibleIcons":"","badgeIcons":["b"]})";
+    const std::string prefix = "notify hl_get_device_icon_info get_device_icon_info_result=";
     const auto report = [this](const std::string& id) {
         handler->GetDeviceIcons(nullptr, id);
         const auto reports = takeNotifications();
-        EXPECT_THAT(reports, SizeIs(1));
-        return reports.empty() ? Report() : reports.front();
+        return reports.size() == 1 ? toText(*reports.front()) : "";
     };
-    EXPECT_THAT(report("washer"),
-                ElementsAre(Pair("()", "hl_get_device_icon_info"), Pair("get_device_icon_info_result", "true"),
-                            Pair("device_icon_info", icons)));
-    EXPECT_THAT(report(""),
-                ElementsAre(Pair("()", "hl_get_device_icon_info"), Pair("get_device_icon_info_result", "true"),
-                            Pair("device_icon_info", "[" + icons + "]")));
+    EXPECT_EQ(prefix + "true device_icon_info='" + icons + "'", report("washer"));
+    EXPECT_EQ(prefix + "true device_icon_info='[" + icons + "]'", report(""));
     agent.fault("homeloom_core_get_device_json_async", simulator::Fault::answer(-5));
     agent.fault("homeloom_core_get_device_list_json_async", simulator::Fault::answer(-5));
-    EXPECT_THAT(report("washer"),
-                ElementsAre(Pair("()", "hl_get_device_icon_info"), Pair("get_device_icon_info_result", "false")));
-    EXPECT_THAT(report(""),
-                ElementsAre(Pair("()", "hl_get_device_icon_info"), Pair("get_device_icon_info_result", "false")));
+    EXPECT_EQ(prefix + "false", report("washer"));
+    EXPECT_EQ(prefix + "false", report(""));
 }
 
 }  // namespace

@@ -1,9 +1,10 @@
 #include "HandlerFixture.h"
 
 #include <chrono>
-#include <optional>
+#include <functional>
+#include <future>
+#include <stdexcept>
 #include <utility>
-#include <variant>
 
 #include <glib.h>
 #include <vconf.h>
@@ -13,30 +14,10 @@
 #include "Homeloom/Common/MsgDispatcher.h"
 #include "Homeloom/Tessel/TesselHandler.h"
 #include "Homeloom/UIMeta/Metadata.h"
-#include "desktop/Framework.h"
 
 namespace VMFramework::HomeLoom {
 
-namespace desktop = homeloom::desktop;
 namespace framework = homeloom::desktop::framework;
-
-namespace {
-
-struct TextOf {
-    std::string operator()(const std::string& text) const { return text; }
-    std::string operator()(int number) const { return std::to_string(number); }
-    std::string operator()(bool flag) const { return flag ? "true" : "false"; }
-};
-
-std::vector<std::pair<std::string, std::string>> textsOf(const desktop::Fields& fields) {
-    std::vector<std::pair<std::string, std::string>> texts;
-    for (const auto& field : fields) {
-        texts.emplace_back(field.key, std::visit(TextOf(), field.value));
-    }
-    return texts;
-}
-
-}  // namespace
 
 HandlerFixture::HandlerFixture() {
     static const bool isBound = [] {
@@ -66,15 +47,6 @@ HandlerFixture::~HandlerFixture() {
         handler->ClearTimers();
     }
     EXPECT_EQ(0, agent.holdings().total());
-}
-
-std::string HandlerFixture::valueOf(const Report& report, const std::string& key) {
-    for (const auto& [name, value] : report) {
-        if (name == key) {
-            return value;
-        }
-    }
-    return "";
 }
 
 Device::_deviceInfo HandlerFixture::infoOf(const std::string& id, const std::string& vid, const std::string& type,
@@ -137,22 +109,20 @@ int HandlerFixture::hurryTimers() {
     return count;
 }
 
-std::vector<HandlerFixture::Report> HandlerFixture::takeNotifications() {
+std::vector<HandlerFixture::ReportPtr> HandlerFixture::takeNotifications() {
     static std::size_t mark = 0;
-    const auto sent = framework::reports(mark);
-    mark += sent.size();
-    std::vector<Report> notifications;
-    for (const auto& report : sent) {
+    std::vector<ReportPtr> notifications;
+    for (const auto& report : framework::reports(mark)) {
+        mark = report->number + 1;
         if (report->kind == framework::Report::Kind::Notify) {
             EXPECT_EQ(0u, report->transaction);
-            notifications.push_back(textsOf(report->properties));
-            notifications.back().emplace(notifications.back().begin(), "()", report->name);
+            notifications.push_back(report);
         }
     }
     return notifications;
 }
 
-std::vector<HandlerFixture::Report> HandlerFixture::sendDeviceList() {
+HandlerFixture::ReportPtr HandlerFixture::sendDeviceList() {
     const std::size_t mark = framework::reportCount();
     {
         const auto list = IEndpointListHelper::Create();
@@ -160,42 +130,10 @@ std::vector<HandlerFixture::Report> HandlerFixture::sendDeviceList() {
         EXPECT_TRUE(lock.owns_lock());
         CPluginMgr::GetInstance().ReportDeviceList(list);
     }
-    const auto sent = framework::waitFor(
+    auto sent = framework::waitFor(
         [](const framework::Report& report) { return report.kind == framework::Report::Kind::DeviceList; },
         std::chrono::seconds(10), mark);
-    std::vector<Report> endpoints;
-    if (!sent) {
-        ADD_FAILURE() << "no device list came";
-        return endpoints;
-    }
-    for (const auto& endpoint : sent->endpoints) {
-        Report report = textsOf(endpoint.extraData);
-        const std::pair<const char*, std::optional<std::string>> fields[] = {
-            {"device_id()", endpoint.deviceId},       {"device_name()", endpoint.deviceName},
-            {"service_name()", endpoint.serviceName}, {"interface_type()", endpoint.interfaceType},
-            {"device_type()", endpoint.deviceType},   {"sub_device_type()", endpoint.subDeviceType}};
-        for (const auto& [name, value] : fields) {
-            report.emplace_back(name, value.value_or("(absent)"));
-        }
-        endpoints.push_back(std::move(report));
-    }
-    return endpoints;
-}
-
-void HandlerFixture::addButtonCondition(const std::string& deviceId, const std::string& uri) {
-    auto& facade = TesselHandler::GetInstance();
-    homeloom_client_app_launch_condition_h condition = nullptr;
-    facade.AppLaunchConditionCreate(&condition);
-    int field = 0;
-    for (const std::string& value :
-         {std::string("com.norvane.tv.iot-service-notification-v2"), deviceId, uri, std::string("button"),
-          std::string("String"), std::string("pushed"),
-          R"([{"key":"ServiceId","data":"VideoNotification"},{"key":"Type","data":"BELL"},{"key":"Id","data":")" +
-              deviceId + R"("}])"}) {
-        facade.AppLaunchConditionSetString(condition, field++, value);
-    }
-    EXPECT_EQ(0, facade.AddAppLaunchCondition(condition));
-    facade.AppLaunchConditionDestroy(&condition);
+    return sent ? sent : throw std::runtime_error("no device list came");
 }
 
 std::set<std::string> HandlerFixture::subscriptions() {

@@ -1,17 +1,15 @@
 #ifndef HOMELOOM_TESTS_DEVICES_HANDLERFIXTURE_H
 #define HOMELOOM_TESTS_DEVICES_HANDLERFIXTURE_H
 
-#include <functional>
-#include <future>
 #include <memory>
 #include <set>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "Homeloom/Devices/DeviceHandler.h"
+#include "desktop/Framework.h"
 #include "simulator/Agent.h"
 
 namespace VMFramework::HomeLoom {
@@ -20,14 +18,10 @@ namespace VMFramework::HomeLoom {
 /// the user's agreement it connects nothing, and the fixture connects the facade itself.
 class HandlerFixture : public testing::Test {
 protected:
-    /// Key and value of each property in order; numbers and bools as people write them.
-public:
-    using Report = std::vector<std::pair<std::string, std::string>>;
+    using ReportPtr = homeloom::desktop::framework::ReportPtr;
 
     HandlerFixture();
     ~HandlerFixture() override;
-
-    static std::string valueOf(const Report& report, const std::string& key);
 
     static Device::_deviceInfo infoOf(const std::string& id, const std::string& vid, const std::string& type,
                                       int status = 0);
@@ -41,12 +35,9 @@ public:
     /// Lets every timer of the main loop fire now; how many there were.
     static int hurryTimers();
     /// The notifications since the last call.
-    static std::vector<Report> takeNotifications();
-    /// Sends the list of all devices, as the session does, and gives what the framework got. Fields that are not
-    /// extra data have "()" behind their names.
-    std::vector<Report> sendDeviceList();
-    /// Switches the notification of a camera's button on, as another application of the TV would.
-    static void addButtonCondition(const std::string& deviceId, const std::string& uri);
+    static std::vector<ReportPtr> takeNotifications();
+    /// Sends the list of all devices, as the session does, and gives what the framework got.
+    ReportPtr sendDeviceList();
     /// "DEVICE URIS" of each subscription, sorted.
     static std::set<std::string> subscriptions();
 

@@ -27,7 +27,6 @@ TEST_F(MetadataStateTest, StateIsVisibleByItsRule) {
         {">=", "-1", "-1", true},
         {">=", "warm", "0", true},  // no number reads as 0
         {"startWith", "Run_Wash", "RUN", true},
-        {"startWith", "Ru", "Run", false},
         {"startWith", "PreRun", "run", false},
         {"endWith", "Run_Wash", "wASH", true},
         {"endWith", "ash", "Wash", false},
@@ -194,19 +193,15 @@ TEST_F(MetadataStateTest, TextsComeInTheLanguageOfTheTv) {
     } const cases[] = {
         {"fr_CA.utf8", {"en", "fr", "fr_US"}, "fr_US"},
         {"nn_NO.utf8", {"en", "nb", "nn"}, "nb"},
-        {"pt_BR.utf8", {"en", "pt", "pt_US"}, "pt_US"},
-        {"es_MX.utf8", {"en", "es", "es_US"}, "es_US"},
         {"de_DE.utf8", {"en", "fr", "en_US"}, "en_US"},
         {"de_DE.utf8", {"en", "fr"}, "en"},
         {"de_DE.utf8", {"fr"}, ""},
         {"tlh.utf8", {"fr", "en"}, "en"},
-        {"en_GB.utf8", {"en", "en_GB"}, "en_GB"},
         {"zh_TW.utf8", {"en", "zh_TW", "zh"}, "zh_TW"},
         {"zh_HK.utf8", {"en", "zh_TW", "zh"}, "zh"},
         {"zh_CN.utf8", {"en", "en_US"}, ""},  // Chinese takes no other language
         {"ko_KR.utf8", {"en_US", "ko_KR"}, "ko_KR"},
         {"ko_KR.utf8", {"ko_KR", "ko"}, "ko"},
-        {"ko_KR.utf8", {"en_US"}, "en_US"},
     };
     for (const auto& each : cases) {
         std::string list;

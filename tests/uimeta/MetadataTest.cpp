@@ -76,12 +76,10 @@ TEST_F(MetadataTest, ListsTellWhatToSubscribeAndRead) {
 
     const std::string unknown = "VID-2";
     metadata.SetGenericSubscribeUri(unknown, "/a");
-    EXPECT_FALSE(metadata.IsParsedMetadata(unknown));
-    EXPECT_THAT(metadata.GetSubscribeList(unknown), ElementsAre());
-    EXPECT_THAT(metadata.GetPropertyNameList(unknown, "/a"), ElementsAre());
-    EXPECT_TRUE(metadata.GetDPResourceList(unknown).empty());
-    EXPECT_EQ(metadata.GetSolenneServerDpUri(unknown), "");
-    EXPECT_FALSE(metadata.IsGenericMetadata(unknown) || metadata.HasMainAction(unknown, "act"));
+    EXPECT_FALSE(metadata.IsParsedMetadata(unknown) || metadata.IsGenericMetadata(unknown) ||
+                 metadata.HasMainAction(unknown, "act"));
+    EXPECT_TRUE(metadata.GetSubscribeList(unknown).empty() && metadata.GetPropertyNameList(unknown, "/a").empty() &&
+                metadata.GetDPResourceList(unknown).empty() && metadata.GetSolenneServerDpUri(unknown).empty());
     EXPECT_EQ(metadata.NumOfMainStates(unknown) + metadata.NumOfMainActions(unknown), 0);
 }
 
