@@ -18,7 +18,7 @@ constexpr char WASHER[] = R"({"message":"SUCCESS","data":{"version":"1","iconUrl
   "dpInfo":[{"os":"solenne","serverDpUri":"dp://washer"}],
   "ms":[{"label":{"label":"<st>","arguments":[{"n":"st","href":"/u","property":"p"}]}},
     {"order":1,"group":"upper","label":{"label":"Upper"}},
-    {"order":2,"group":"upper","label":{"label":"<st>","arguments":[{"n":"st","href":"/u","property":"p"}]}}],
+    {"order":2,"group":"upper","label":{"label":"<st>","arguments":[{"n":"st","href":"/upper","property":"p"}]}}],
   "ma":[{"controlType":"ToggleSwitch","link":{"href":"/u"},"property":"p",
     "alternatives":[{"key":"a","type":"on"},{"key":"b","type":"off"}]}]}})";
 
@@ -30,9 +30,13 @@ TEST_F(DeviceReportTest, AnEndpointTellsAllOfADevice) {
         "washer",    "Washer",   "washer-vid", "oic.d.washer", "Home", "Bath", DEVICE_STATUS_CONNECTED,
         "My washer", "location", "room",       "prefix",       "OCF",  "WIFI", "parent",
         "animation", "on",       "off",        "gone",         "key",  "date"};
-    handler->HandleDeviceInfo(info, {"/u"}, {"/capability/webrtc/main/0"});
+    handler->HandleDeviceInfo(info, {"/u", "/upper"}, {"/capability/webrtc/main/0"});
     handler->FindDevice("washer")->SetControllableDevice(true);
+    handler->OnResourceUpdateEvent({"washer", "/upper", {{"p", "b", "String"}}});
     handler->OnResourceUpdateEvent({"washer", "/u", {{"p", "a", "String"}}});
+    const std::string context = R"({"uri":"/u","property":"p","value":"a"})";
+    EXPECT_EQ(context, takeNotifications().back()->properties.text("context_value")) << "of the state, not of a card";
+    handler->UpdateStateText();
     const auto list = sendDeviceList();
     ASSERT_THAT(list->endpoints, SizeIs(1));
     const auto& endpoint = list->endpoints.front();
@@ -46,14 +50,16 @@ TEST_F(DeviceReportTest, AnEndpointTellsAllOfADevice) {
         "nick='My washer' state_text='a' vid='washer-vid' location='Home' location_id='location' room='Bath' "
         "room_id='room' cloud_device_status=0 active_state=0 running_state=false controllable=1 "
         "control_type='ToggleSwitch' solenne_server_dp_uri='dp://washer' action_state='' action_url='/u' "
-        "context_value='{\"uri\":\"/u\",\"property\":\"p\",\"value\":\"a\"}' icon_url='washer.png' "
-        "subdevtype_enum=10 webrtc_support=1 sub_device_card_list_info='[{\"device_name\":\"Upper\","
-        "\"state_text\":\"a\",\"icon_url\":\"\",\"active_state\":false,\"control_type\":\"\","
-        "\"action_state\":\"\",\"action_url\":\"\"}]' num_of_sub_device_cards=1 core_device_type='OCF' "
-        "core_device_network_type='WIFI' core_device_parent_device_id='parent' core_device_icon_key='key' "
-        "core_device_icon_date='date' core_device_animation_icon_url='animation' "
-        "core_device_activated_icon_url='on' core_device_inactivated_icon_url='off' "
-        "core_device_disconnected_icon_url='gone'",
+        "context_value='" +
+            context +
+            "' icon_url='washer.png' subdevtype_enum=10 webrtc_support=1 "
+            "sub_device_card_list_info='[{\"device_name\":\"Upper\","
+            "\"state_text\":\"b\",\"icon_url\":\"\",\"active_state\":false,\"control_type\":\"\","
+            "\"action_state\":\"\",\"action_url\":\"\"}]' num_of_sub_device_cards=1 core_device_type='OCF' "
+            "core_device_network_type='WIFI' core_device_parent_device_id='parent' core_device_icon_key='key' "
+            "core_device_icon_date='date' core_device_animation_icon_url='animation' "
+            "core_device_activated_icon_url='on' core_device_inactivated_icon_url='off' "
+            "core_device_disconnected_icon_url='gone'",
         toText(endpoint.extraData));
 }
 

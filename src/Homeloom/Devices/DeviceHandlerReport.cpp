@@ -122,7 +122,7 @@ void DeviceHandler::fillEndpoint(IEndpointHelper& endpoint, const std::shared_pt
     endpoint.SetExtraData(Names::SOLENNE_SERVER_DP_URI, presentation.solenne_server_dp_uri);
     endpoint.SetExtraData(Names::ACTION_STATE, presentation.action_state);
     endpoint.SetExtraData(Names::ACTION_URL, presentation.action_url);
-    endpoint.SetExtraData(Names::CONTEXT_VALUE, device->GetDeviceOperationalContext());
+    endpoint.SetExtraData(Names::CONTEXT_VALUE, presentation.context_value);
     endpoint.SetExtraData(Names::ICON_URL, device->GetIconUrl());
 
     endpoint.SetExtraDataInt(Names::SUBDEVTYPE_ENUM, SubDeviceType(type));

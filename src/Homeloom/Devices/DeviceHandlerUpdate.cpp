@@ -291,7 +291,7 @@ void DeviceHandler::notifyDeviceState(const std::shared_ptr<Device>& device, con
     list->PushStringData(Names::DEVICE_ID, device->GetId());
     list->PushStringData(Names::SUBDEVICE_TYPE, type);
     list->PushStringData(Names::STATE_TEXT, device->GetStateText());
-    list->PushStringData(Names::CONTEXT_VALUE, device->GetDeviceOperationalContext());
+    list->PushStringData(Names::CONTEXT_VALUE, presentation.context_value);
     list->PushStringData(Names::ICON_URL, device->GetIconUrl());
     list->PushStringData(Names::CONTROL_TYPE, presentation.control_type);
     list->PushIntData(Names::ACTIVE_STATE, device->IsInactive() ? 0 : 1);

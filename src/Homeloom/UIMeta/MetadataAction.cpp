@@ -191,6 +191,7 @@ device_presentation_struct Metadata::GetPresentation(const DevicePtr& device) co
     if (!device) {
         return presentation;
     }
+    presentation.context_value = device->GetDeviceOperationalContext();
     const UiMetadata meta = FindUiMetadata(device->GetVid());
     // A TV that sleeps is drawn as such without metadata too.
     presentation.action_state = mainActionIcon(*device, meta.get());

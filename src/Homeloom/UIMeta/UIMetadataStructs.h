@@ -101,6 +101,7 @@ struct device_ui_metadata_struct {
 
 /// How a device's main action and sub devices are to be drawn now.
 struct device_presentation_struct {
+    std::string context_value;  ///< of the state text: the cards' own texts change the device's
     std::string control_type;
     std::string action_state;
     std::string action_url;
