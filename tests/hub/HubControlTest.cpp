@@ -352,6 +352,19 @@ TEST_F(HubControl, EventsDoNotWaitForAnotherThreadsAnswer) {
     EXPECT_EQ(waiting.get(), app.hubInfo());
 }
 
+// The port waits as long as its contract says, and again behind a parcel that is no answer.
+TEST_F(HubControl, AnAnswerBehindTheLimitIsAnAnswer) {
+    connect();
+    app.setAnswers(HubApp::Answers::Held);
+    auto waiting = std::async(std::launch::async, [this] { return info(); });
+    ASSERT_TRUE(app.waitForRequests(1));
+    std::this_thread::sleep_for(std::chrono::milliseconds(RPC_PORT_TIME_LIMIT_MS) + kShort);
+    app.releaseAnswers();
+    EXPECT_EQ(waiting.get(), app.hubInfo());
+    app.setAnswers(HubApp::Answers::Normal);
+    EXPECT_EQ(info(), app.hubInfo());
+}
+
 TEST_F(HubControl, ConnectingEndsAsTheProgramWants) {
     control->Connect(false);
     EXPECT_TRUE(story.waitFor("rejected"));  // it isn't there

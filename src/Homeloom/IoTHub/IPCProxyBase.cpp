@@ -308,17 +308,16 @@ IHubControl::Parcel IHubControl::ConsumeCommand() {
     const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(RPC_PORT_TIME_LIMIT_MS);
     while (true) {
         Parcel parcel(_port.load());
+        if (parcel && ReadInt32(parcel.Handle()) == kResult) {
+            if (_abandonedAnswers == 0) {
+                return parcel;
+            }
+            --_abandonedAnswers;
+        }
         if (!parcel || std::chrono::steady_clock::now() > end) {
             ++_abandonedAnswers;
             return Parcel(rpc_port_h{});
         }
-        if (ReadInt32(parcel.Handle()) != kResult) {
-            continue;
-        }
-        if (_abandonedAnswers == 0) {
-            return parcel;
-        }
-        --_abandonedAnswers;
     }
 }
 
