@@ -193,6 +193,8 @@ TEST_F(Camera, SurvivesWhateverTheServiceAnswers) {
         cloud.fault("stream", fault);
         EXPECT_EQ(UrlOf("hl_get_avp_camera_url", "living-camera"), url) << static_cast<int>(fault.kind);
     }
+    // Of all but two: where it was read, and where it was asked for.
+    EXPECT_EQ(desk.log.count("Exception !! - no stream obj!(error:2)(error_code:2)"), 2 * 10);
     cloud.clearFaults();
     cloud.setForeignCertificates(true);
     EXPECT_EQ(UrlOf("hl_get_avp_camera_url", "living-camera"), "");

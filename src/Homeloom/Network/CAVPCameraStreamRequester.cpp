@@ -85,15 +85,20 @@ std::string CAVPCameraStreamRequester::_GetStreamUrlJson(const std::string& resp
 // An empty stream object gives empty texts, which count as an address.
 void CAVPCameraStreamRequester::_GetStreamUrl(const std::string& response, std::string& sourceId,
                                               std::string& gatewayUrl) {
-    HL_LOGI("response[%s]", response.c_str());
-    const auto document = json::JsonValue::Create(response);
-    const auto stream = document["stream"];
-    if (stream.isNull()) {
-        throw CException("no stream obj!", kErrorFailed);
+    try {
+        HL_LOGI("response[%s]", response.c_str());
+        const auto document = json::JsonValue::Create(response);
+        const auto stream = document["stream"];
+        if (stream.isNull()) {
+            throw CException("no stream obj!", kErrorFailed);
+        }
+        gatewayUrl = stream["gateway_url"].asString();
+        sourceId = stream["source_id"].asString();
+        HL_LOGI("Device Id is %s, Stream URL is %s", sourceId.c_str(), gatewayUrl.c_str());
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+        throw;
     }
-    gatewayUrl = stream["gateway_url"].asString();
-    sourceId = stream["source_id"].asString();
-    HL_LOGI("Device Id is %s, Stream URL is %s", sourceId.c_str(), gatewayUrl.c_str());
 }
 
 // The form in which other cameras publish their addresses themselves.
