@@ -19,7 +19,7 @@ struct Envelope {
         message.msg_iov = &content;
         message.msg_iovlen = 1;
         message.msg_control = control;
-        message.msg_controllen = sizeof control;
+        message.msg_controllen = CMSG_LEN(sizeof(int));  // without the padding, in which there is room for another
     }
     Envelope(const Envelope&) = delete;
     Envelope& operator=(const Envelope&) = delete;
