@@ -1,9 +1,7 @@
 // A request from its pieces to its code: each step that can fail, each answer that can come.
 
 #include <functional>
-#include <list>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "Common/CException.h"
@@ -128,6 +126,7 @@ TEST_F(Stream, EndsWithTheWordsOfTheFirstStepThatFails) {
             return handler.RequestHttpAlive(method.method, kUrl, {}, method.body, method.dataBody, &request);
         });
     }
+    // A time limit among them: it goes on for as long as it goes on.
     for (const char* const unused : {"TIMEOUT", "HEADERFUNCTION", "HEADERDATA"}) {
         web::fail(unused);
     }
@@ -298,39 +297,10 @@ TEST_F(Stream, HandsEachPieceOn) {
     EXPECT_THAT(pieces, ElementsAre("first 1", "second"));
 }
 
-TEST_F(Stream, HasNoTimeLimit) {
-    RequestBase request;
-    request.callback = [](bool, unsigned, const std::string&) {};
-    web::setSecond(std::chrono::milliseconds(1));
-    cloud.fault("devices", CloudFault::late(std::chrono::milliseconds(200)));
-    EXPECT_EQ(requester._RequestHttp(response), 999);
-    EXPECT_EQ(Request(&request), 200);
-}
-
 TEST_F(Stream, ThrowsWithoutAFunctionAndFailsWithoutARequest) {
     RequestBase request;
     EXPECT_THROW(Request(&request), std::bad_function_call);
     log.clear();
     EXPECT_EQ(Request(nullptr), 999);
     EXPECT_THAT(Errors(), ElementsAre("userdata is null!", "send failed"));
-}
-
-TEST_F(CurlHandler, MakesRequestsOnManyThreadsAtOnce) {
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 8; ++i) {
-        threads.emplace_back([this, i] {
-            Requester own;
-            own._SetMethod(HttpMethod::Get);
-            own._SetHeaderList({"Authorization: Bearer " + Token()});
-            for (const char* const id : {"washer", "dryer", "nowhere"}) {
-                own._SetUrl("https://host-" + std::to_string(i) + ".homeloom.example/v1/devices/" + id);
-                std::string answer;
-                EXPECT_EQ(own._RequestHttp(answer), id == std::string("nowhere") ? 403 : 200);
-            }
-        });
-    }
-    for (auto& thread : threads) {
-        thread.join();
-    }
-    EXPECT_EQ(cloud.requests().size(), 24u);
 }

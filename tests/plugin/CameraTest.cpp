@@ -19,7 +19,6 @@ using simulator::Fault;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::StartsWith;
 
 namespace {
 
@@ -70,15 +69,6 @@ protected:
     void Tell(const std::string& device, const std::string& representation) {
         desk.agent.sendUpdate(device, kStreamUri, representation, "{}");
         desk.agent.waitIdle();
-    }
-
-    /// Tells it until it is late enough after the subscription for an event to count, which a line of the log shows.
-    void TellUntilLogged(const std::string& device, const std::string& representation, const std::string& line) {
-        const int before = desk.log.count(line);
-        desk.waitUntil(line, [&] {
-            Tell(device, representation);
-            return desk.log.count(line) > before;
-        });
     }
 
     int Count(const std::string& function) { return desk.agent.callCount("homeloom_client_" + function); }
@@ -196,13 +186,6 @@ TEST_F(Camera, SurvivesWhateverTheServiceAnswers) {
     // Of all but two: where it was read, and where it was asked for.
     EXPECT_EQ(desk.log.count("Exception !! - no stream obj!(error:2)(error_code:2)"), 2 * 10);
     cloud.clearFaults();
-    cloud.setForeignCertificates(true);
-    EXPECT_EQ(UrlOf("hl_get_avp_camera_url", "living-camera"), "");
-    cloud.setForeignCertificates(false);
-    for (const char* step : {"Initialize", "POST", "HTTPHEADER", "TIMEOUT", "send"}) {
-        web::fail(step, homeloom::desktop::firstCalls(1));
-        EXPECT_EQ(UrlOf("hl_get_avp_camera_url", "living-camera"), "") << step;
-    }
     web::setSecond(1s);
     EXPECT_THAT(UrlOf("hl_get_avp_camera_url", "living-camera"), HasSubstr("rtsps://"));
 }
@@ -222,10 +205,10 @@ TEST_F(Camera, PassesOverAnAddressThatComesTooSoon) {
     for (const auto& way : kOwnWays) {
         Silence(way.device);
         const auto request = Begin(way);
-        const int before = desk.log.count("clock count is under 100msec, do not proceed");
+        desk.log.clear();
         Tell(way.device, told("rtsp://old"));
         // Only a machine that stood still in between has let it through.
-        const bool isSoon = desk.log.count("clock count is under 100msec, do not proceed") > before;
+        const bool isSoon = desk.log.contains("clock count is under 100msec, do not proceed");
         desk.waitUntil("the answer", [&] {
             Tell(way.device, told("rtsp://new"));
             return desk.isAnswered(request);
@@ -239,8 +222,11 @@ TEST_F(Camera, WaitsForAnEventWithAnAddress) {
     for (const auto& way : kOwnWays) {
         Silence(way.device);
         const auto request = Begin(way);
-        TellUntilLogged(way.device, R"({"stream":{"InHomeURL":"rtsp://object"}})",
-                        "stream_value is not string data type");
+        desk.log.clear();
+        desk.waitUntil("an event that is late enough to count", [&] {
+            Tell(way.device, R"({"stream":{"InHomeURL":"rtsp://object"}})");
+            return desk.log.contains("stream_value is not string data type");
+        });
         for (const char* useless : {"", "no JSON", "[]", "{}", R"({"stream":"no JSON"})", R"({"stream":"{}"})",
                                     R"({"stream":"{\"InHomeURL\":{}}"})", R"({"stream":""})"}) {
             Tell(way.device, useless);

@@ -14,6 +14,7 @@
 #include "RequestTable.h"
 
 using namespace homeloom::tv;
+using ::testing::_;
 using ::testing::HasSubstr;
 using ::testing::Not;
 using VMFramework::json::JsonValue;
@@ -90,6 +91,21 @@ std::string saidBy(const Finished& run, const std::string& command) {
     return run.output.substr(text, run.output.find("\n> ", text - 1) - text);
 }
 
+// Commands for one run of the program, each with what it says.
+using Steps = std::vector<std::pair<std::string, ::testing::Matcher<std::string>>>;
+
+Finished runSteps(const Steps& steps, const std::vector<std::string>& arguments = {}) {
+    std::vector<std::string> commands;
+    for (const auto& [command, outcome] : steps) {
+        commands.push_back(command);
+    }
+    const Finished result = runCommands(commands, arguments);
+    for (const auto& [command, outcome] : steps) {
+        EXPECT_THAT(saidBy(result, command), outcome) << command;
+    }
+    return result;
+}
+
 TEST(Program, ShowsTheHomeAndTakesCommandsFromAPipe) {
     const Finished result = run({}, "# a comment\n\ndevice washer\n  scenes\nquit\nrooms\n");
     EXPECT_EQ(result.status, 0) << result.output;
@@ -107,101 +123,84 @@ TEST(Program, ShowsTheHomeAndTakesCommandsFromAPipe) {
 }
 
 TEST(Program, RunsMainActionsAndShowsWhatTheyCause) {
-    const Finished result = runCommands({"do washer", "do Reading Lamp", "sim set washer state=Ready",
-                                         "sim set bedside-button button=pushed", "watch 2", "sim sign-out", "devices",
-                                         "sim sign-in", "do washer"});
-    EXPECT_EQ(saidBy(result, "do washer"),
-              "result   hl_do_main_action  result=true device_id=washer\n"
-              "state    Washer: Washing · 42 min left (on, running; PlayPauseButton play)");
-    EXPECT_THAT(saidBy(result, "do Reading Lamp"), HasSubstr("Reading Lamp: On (on"));
-    EXPECT_EQ(saidBy(result, "sim set washer state=Ready"), "state    Washer: Ready (off; PlayPauseButton)");
-    EXPECT_THAT(saidBy(result, "sim set bedside-button button=pushed"), HasSubstr("Bedside Button: Pressed (on)"));
-    EXPECT_THAT(saidBy(result, "watch 2"), HasSubstr("Bedside Button: Ready (off)"));
-    EXPECT_EQ(saidBy(result, "sim sign-out"), "account  signed out");
-    EXPECT_EQ(saidBy(result, "devices"), "failed: the plug-in has reported no home");
-    EXPECT_THAT(saidBy(result, "sim sign-in"), HasSubstr("home     33 devices, 2 locations, 3 scenes, 3 routines"));
+    const Finished result =
+        runSteps({{"do washer",
+                   "result   hl_do_main_action  result=true device_id=washer\n"
+                   "state    Washer: Washing · 42 min left (on, running; PlayPauseButton play)"},
+                  {"do Reading Lamp", HasSubstr("Reading Lamp: On (on")},
+                  {"sim set washer state=Ready", "state    Washer: Ready (off; PlayPauseButton)"},
+                  {"sim set bedside-button button=pushed", HasSubstr("Bedside Button: Pressed (on)")},
+                  {"watch 2", HasSubstr("Bedside Button: Ready (off)")},
+                  {"sim sign-out", "account  signed out"},
+                  {"devices", "failed: the plug-in has reported no home"},
+                  {"sim sign-in", HasSubstr("home     33 devices, 2 locations, 3 scenes, 3 routines")}});
     EXPECT_EQ(result.status, 1) << "one command failed";
 }
 
 TEST(Program, KeepsStillUntilTheDisclaimerIsAccepted) {
-    const Finished result =
-        runCommands({"rooms", "sim calls", "sim disclaimer on", "do washer"}, {"--disclaimer", "off"});
+    const Finished result = runSteps({{"rooms", "failed: the plug-in has reported no home"},
+                                      {"sim calls", Not(HasSubstr("homeloom_client_connect"))},
+                                      {"sim disclaimer on", HasSubstr("plug-in  available")},
+                                      {"do washer", HasSubstr("Washing")}},
+                                     {"--disclaimer", "off"});
     EXPECT_THAT(result.output, HasSubstr("The disclaimer is not accepted"));
-    EXPECT_EQ(saidBy(result, "rooms"), "failed: the plug-in has reported no home");
-    EXPECT_THAT(saidBy(result, "sim calls"), Not(HasSubstr("homeloom_client_connect")));
-    EXPECT_THAT(saidBy(result, "sim disclaimer on"), HasSubstr("plug-in  available"));
-    EXPECT_THAT(saidBy(result, "do washer"), HasSubstr("Washing"));
 }
 
 TEST(Program, PlaysTheOtherSide) {
-    const std::pair<const char*, const char*> steps[] = {
-        {"sim rename device dryer New Dryer", "home     33 devices"},
-        {"sim move new dryer kitchen", "home     33 devices"},
-        {"device New Dryer", "room                               Kitchen\n"},
-        {"sim add device washer-2 HL-WASHER-WF24 kitchen", "home     34 devices"},
-        {"do washer-2", "washer-2: Washing"},
-        {"sim add room home Study", "home     34 devices"},
-        {"rooms", "  Study\n"},
-        {"sim status dishwasher disconnected", "home     34 devices"},
-        {"sim sse device-health deviceId=hub-plug status=OFFLINE", "Reading Lamp: Disconnected (disconnected)"},
-        {"sim sse favorite {\"locationId\": \"home\"}", "notify   hl_favorite_updated  get_favorite_result=true"},
-        {"sim sse 8 {}", "The plug-in reported nothing."},
-        {"setting db/menu_widget/language ko_KR.utf8", ""},
-        {"sim set washer /operational/state/vs/0 x.com.norvane.da.state Pause", "Washer: 일시정지"},
-        {"sim fail set_remote_attributes -5 1", ""},
-        {"sim faults", "homeloom_client_set_remote_attributes  fails with -5  for 1 call"},
-        {"do washer", "failed: the plug-in could not do it"},
-        {"do  washer", "result=true"},
-        {"sim calls set_remote_attributes", "    3  homeloom_client_set_remote_attributes"},
-        {"sim clear", ""},
-        {"request hl_get_device_info device_id=washer", "state    Washer: "},
-        {"request hl_get_accesstoken_uid", "access_token=token-of-mina uid=user-mina"},
-        {"sim update start", ""},
-        {"request hl_create_room location_id=home room_name=Attic", "failed: no answer came"},
-        {"sim update end", "home     34 devices"},
-        {"sim remove device washer-2", ""},
-        {"scan", "home     33 devices"},
-        {"setting memory/velmora/hl_dev_exist", "hl_dev_exist_true"},
-        {"sim sign-in jun@home.example", "account  signed out\naccount  signed in"},
-    };
-    std::vector<std::string> commands;
-    for (const auto& [command, outcome] : steps) {
-        commands.emplace_back(command);
-    }
-    const Finished result = runCommands(commands);
-    for (const auto& [command, outcome] : steps) {
-        EXPECT_THAT(saidBy(result, command), HasSubstr(outcome)) << command;
-    }
+    const Finished result = runSteps({
+        {"sim rename device dryer New Dryer", HasSubstr("home     33 devices")},
+        {"sim move new dryer kitchen", HasSubstr("home     33 devices")},
+        {"device New Dryer", HasSubstr("room                               Kitchen\n")},
+        {"sim add device washer-2 HL-WASHER-WF24 kitchen", HasSubstr("home     34 devices")},
+        {"do washer-2", HasSubstr("washer-2: Washing")},
+        {"sim add room home Study", HasSubstr("home     34 devices")},
+        {"rooms", HasSubstr("  Study\n")},
+        {"sim status dishwasher disconnected", HasSubstr("home     34 devices")},
+        {"sim sse device-health deviceId=hub-plug status=OFFLINE",
+         HasSubstr("Reading Lamp: Disconnected (disconnected)")},
+        {"sim sse favorite {\"locationId\": \"home\"}",
+         HasSubstr("notify   hl_favorite_updated  get_favorite_result=true")},
+        {"sim sse 8 {}", HasSubstr("The plug-in reported nothing.")},
+        {"setting db/menu_widget/language ko_KR.utf8", _},
+        {"sim set washer /operational/state/vs/0 x.com.norvane.da.state Pause", HasSubstr("Washer: 일시정지")},
+        {"sim fail set_remote_attributes -5 1", _},
+        {"sim faults", HasSubstr("homeloom_client_set_remote_attributes  fails with -5  for 1 call")},
+        {"do washer", HasSubstr("failed: the plug-in could not do it")},
+        {"do  washer", HasSubstr("result=true")},
+        {"sim calls set_remote_attributes", HasSubstr("    3  homeloom_client_set_remote_attributes")},
+        {"sim clear", _},
+        {"request hl_get_device_info device_id=washer", HasSubstr("state    Washer: ")},
+        {"request hl_get_accesstoken_uid", HasSubstr("access_token=token-of-mina uid=user-mina")},
+        {"sim update start", _},
+        {"request hl_create_room location_id=home room_name=Attic", HasSubstr("failed: no answer came")},
+        {"sim update end", HasSubstr("home     34 devices")},
+        {"sim remove device washer-2", _},
+        {"scan", HasSubstr("home     33 devices")},
+        {"setting memory/velmora/hl_dev_exist", HasSubstr("hl_dev_exist_true")},
+        {"sim sign-in jun@home.example", HasSubstr("account  signed out\naccount  signed in")},
+    });
     EXPECT_THAT(result.output, Not(HasSubstr("left behind")));
 }
 
 TEST(Program, WorksTheHubControlApplication) {
-    const std::pair<const char*, const char*> steps[] = {
-        {"sim hub info", R"({"hub_di":"","user_id":""})"},
-        {"sim hub info {\"hub_di\":\"h\"}", ""},
-        {"sim hub event x", "failed: usage: sim hub "},
-        {"sim hub dance", "failed: usage: sim hub "},
-        {"sim hub onboarding sometimes", "failed: usage: sim hub "},
-        {"sim hub pace 5 6", "failed: usage: sim hub "},
-        {"sim hub kill", ""},
-        {"sim hub event 0 42", "failed: the hub control application doesn't run"},
-        {"sim hub reject", ""},
-        {"sim hub start", ""},
-        {"sim hub  info", R"({"hub_di":"h"})"},
-        {"sim hub event 0 43", "failed: nobody has given a delegate for such an event"},
-        {"sim hub pause", ""},
-        {"sim hub requests", "failed: the hub control application is paused"},
-        {"sim hub resume", ""},
-    };
-    std::vector<std::string> commands;
-    for (const auto& [command, outcome] : steps) {
-        commands.emplace_back(command);
-    }
-    const Finished result = runCommands(commands);
-    for (const auto& [command, outcome] : steps) {
-        EXPECT_THAT(saidBy(result, command), HasSubstr(outcome)) << command;
-    }
-    EXPECT_THAT(runCommands({"sim hub info"}, {"--hub", "off"}).output, HasSubstr("doesn't run"));
+    runSteps({
+        {"sim hub info", HasSubstr(R"({"hub_di":"","user_id":""})")},
+        {"sim hub info {\"hub_di\":\"h\"}", _},
+        {"sim hub event x", HasSubstr("failed: usage: sim hub ")},
+        {"sim hub dance", HasSubstr("failed: usage: sim hub ")},
+        {"sim hub onboarding sometimes", HasSubstr("failed: usage: sim hub ")},
+        {"sim hub pace 5 6", HasSubstr("failed: usage: sim hub ")},
+        {"sim hub kill", _},
+        {"sim hub event 0 42", HasSubstr("failed: the hub control application doesn't run")},
+        {"sim hub reject", _},
+        {"sim hub start", _},
+        {"sim hub  info", HasSubstr(R"({"hub_di":"h"})")},
+        {"sim hub event 0 43", HasSubstr("failed: nobody has given a delegate for such an event")},
+        {"sim hub pause", _},
+        {"sim hub requests", HasSubstr("failed: the hub control application is paused")},
+        {"sim hub resume", _},
+    });
+    runSteps({{"sim hub info", HasSubstr("doesn't run")}}, {"--hub", "off"});
 }
 
 TEST(Program, TellsWhatAPluginLeavesBehind) {
@@ -214,36 +213,26 @@ TEST(Program, TellsWhatAPluginLeavesBehind) {
 }
 
 TEST(Program, TellsWhyACommandFails) {
-    const std::pair<const char*, const char*> cases[] = {
-        {"do wahser", "failed: there is no device \"wahser\"; near: washer"},
-        {"do", "failed: which device?"},
-        {"dance", "failed: there is no command \"dance\""},
-        {"sim dance", "failed: there is no command \"sim dance\""},
-        {"sim sign-uot", "near: sim sign-out"},
-        {"sim agent broken", "failed: usage: sim agent connected|disconnected|rejected|io-error|updating"},
-        {"sim set washer colour=red", "failed: washer has no property \"colour\"; it has:"},
-        {"sim fail homeloom_client_conect -1", "near: homeloom_client_connect"},
-        {"request hl_move_devices devices_size=x", "failed: devices_size takes a whole number, not \"x\""},
-        {"request hl_get_property device_id=washer", "failed: there is no request hl_get_property"},
-        {"request hl_execute_scene location_id=home scene_id=none", "failed: the plug-in could not do it"},
-        {"request --raw hl_get_property device_id=washer", "failed: no answer came"},
-        {"do \"washer", "failed: the quote \" has no end"},
-        {"do dryer x y", "failed: usage: do DEVICE [ACTION_URL]"},
-    };
-    std::vector<std::string> commands;
-    for (const auto& [command, message] : cases) {
-        commands.emplace_back(command);
-    }
-    const Finished result = runCommands(commands);
+    const Finished result = runSteps({
+        {"do wahser", HasSubstr("failed: there is no device \"wahser\"; near: washer")},
+        {"do", HasSubstr("failed: which device?")},
+        {"dance", HasSubstr("failed: there is no command \"dance\"")},
+        {"sim dance", HasSubstr("failed: there is no command \"sim dance\"")},
+        {"sim sign-uot", HasSubstr("near: sim sign-out")},
+        {"sim agent broken", HasSubstr("failed: usage: sim agent connected|disconnected|rejected|io-error|updating")},
+        {"sim set washer colour=red", HasSubstr("failed: washer has no property \"colour\"; it has:")},
+        {"sim fail homeloom_client_conect -1", HasSubstr("near: homeloom_client_connect")},
+        {"request hl_get_property device_id=washer", HasSubstr("failed: there is no request hl_get_property")},
+        {"request hl_execute_scene location_id=home scene_id=none", HasSubstr("failed: the plug-in could not do it")},
+        {"request --raw hl_get_property device_id=washer", HasSubstr("failed: no answer came")},
+        {"do dryer x y", HasSubstr("failed: usage: do DEVICE [ACTION_URL]")},
+    });
     EXPECT_EQ(result.status, 1);
-    for (const auto& [command, message] : cases) {
-        EXPECT_THAT(saidBy(result, command), HasSubstr(message));
-    }
-    const Finished held =
-        runCommands({"sim delay set_remote_attributes 31s", "do washer", "sim hurry"}, {"--limit", "100ms"});
+    const Finished held = runSteps({{"sim delay set_remote_attributes 31s", _},
+                                    {"do washer", "failed: no answer came within 100 ms"},
+                                    {"sim hurry", HasSubstr("Washer: Washing")}},
+                                   {"--limit", "100ms"});
     EXPECT_EQ(held.status, 1);
-    EXPECT_EQ(saidBy(held, "do washer"), "failed: no answer came within 100 ms");
-    EXPECT_THAT(saidBy(held, "sim hurry"), HasSubstr("Washer: Washing"));
 }
 
 TEST(Program, RefusesWhatItCannotBeginWith) {
@@ -311,21 +300,18 @@ TEST(Program, ComparesSettledRuns) {
 
 TEST(Program, LetsTheCloudMisbehave) {
     // The same request, told apart by its blanks.
-    const std::string failing = "request hl_get_avp_camera_url device_id=living-camera";
-    const std::string refused = "request  hl_get_avp_camera_url device_id=living-camera";
-    const std::string good = "request   hl_get_avp_camera_url device_id=living-camera";
-    const Finished result =
-        runCommands({"sim cloud fail stream:living 500 1", "sim cloud faults", failing, "sim cloud requests reset",
-                     "sim cloud down", refused, "sim cloud up", good, "sim cloud requests", "sim cloud cut strem",
-                     "sim cloud fail stream 200", "sim cloud delay stream"});
-    EXPECT_THAT(saidBy(result, "sim cloud faults"), HasSubstr("stream:living  fails with 500  for 1 request"));
-    EXPECT_THAT(saidBy(result, failing), HasSubstr("failed: "));
-    EXPECT_THAT(saidBy(result, refused), HasSubstr("failed: "));
-    EXPECT_THAT(saidBy(result, good), HasSubstr("rtsps://"));
-    EXPECT_EQ(saidBy(result, "sim cloud requests"), "POST  av.homeloom.example/v1/stream?source_id=living-camera");
-    EXPECT_THAT(saidBy(result, "sim cloud cut strem"), HasSubstr("no endpoint strem; there are commands, devices"));
-    EXPECT_THAT(saidBy(result, "sim cloud fail stream 200"), HasSubstr("\"200\" is no code of a failure"));
-    EXPECT_THAT(saidBy(result, "sim cloud delay stream"), HasSubstr("usage: sim cloud fail"));
+    runSteps({{"sim cloud fail stream:living 500 1", _},
+              {"sim cloud faults", HasSubstr("stream:living  fails with 500  for 1 request")},
+              {"request hl_get_avp_camera_url device_id=living-camera", HasSubstr("failed: ")},
+              {"sim cloud requests reset", _},
+              {"sim cloud down", _},
+              {"request  hl_get_avp_camera_url device_id=living-camera", HasSubstr("failed: ")},
+              {"sim cloud up", _},
+              {"request   hl_get_avp_camera_url device_id=living-camera", HasSubstr("rtsps://")},
+              {"sim cloud requests", "POST  av.homeloom.example/v1/stream?source_id=living-camera"},
+              {"sim cloud cut strem", HasSubstr("no endpoint strem; there are commands, devices")},
+              {"sim cloud fail stream 200", HasSubstr("\"200\" is no code of a failure")},
+              {"sim cloud delay stream", HasSubstr("usage: sim cloud fail")}});
 }
 
 TEST(Program, SendsEveryRequestByItsName) {
@@ -344,9 +330,8 @@ TEST(Program, SendsEveryRequestByItsName) {
 }
 
 TEST(Program, BeginsWithAMadeUpHome) {
-    const Finished result = runCommands({"stats"}, {"--generate", "500"});
-    EXPECT_EQ(result.status, 0) << result.output;
-    EXPECT_THAT(saidBy(result, "stats"), HasSubstr("500 devices, 1 location"));
+    const Steps steps{{"stats", HasSubstr("500 devices, 1 location")}};
+    EXPECT_EQ(runSteps(steps, {"--generate", "500"}).status, 0);
 }
 
 }  // namespace
