@@ -39,6 +39,9 @@ struct CloudFault {
     /// For requests whose target contains the text.
     CloudFault only(const std::string& text) const;
 
+    /// Whether a request lasts for as long as its sender likes to wait.
+    bool hasNoEnd() const { return kind == Kind::Never || kind == Kind::Endless; }
+
     Kind kind = Kind::Status;
     int code = 0;
     std::string text;
