@@ -115,6 +115,7 @@ protected:
     }
     bool WaitFor(const std::string& line) { return desk.log.waitFor(line, std::chrono::seconds(30)); }
     void ExpectUnconnected() {
+        desk.settle();
         Expect({"result hl_start_hub_onboarding"}, Ask("hl_start_hub_onboarding", {{"hl_hub_location_id", "home"}}));
         Expect({"result hl_start_hub_onboarding"}, Ask("hl_start_hub_onboarding"));
         Expect({"result hl_stop_hub_onboarding"}, Ask("hl_stop_hub_onboarding"));
