@@ -326,20 +326,6 @@ TEST_F(HubControl, HubInfoIsTheAnswerToItsOwnQuestion) {
     EXPECT_EQ(info(), "in time");
 }
 
-TEST_F(HubControl, DeathInTheMiddleOfAnAnswerEndsTheWait) {
-    connect();
-    app.setAnswers(HubApp::Answers::Half);
-    auto waiting = std::async(std::launch::async, [this] {
-        std::string text;
-        return thrownBy([&] { control->GetHubInfo(text); });
-    });
-    ASSERT_TRUE(app.waitForRequests(1));
-    app.kill();
-    ASSERT_EQ(waiting.wait_for(kLimit), std::future_status::ready);
-    EXPECT_EQ(waiting.get(), "InvalidProtocol");
-    EXPECT_TRUE(story.waitFor("disconnected"));
-}
-
 TEST_F(HubControl, EventsDoNotWaitForAnotherThreadsAnswer) {
     connect();
     control->SetEventCallback(delegate("events"));

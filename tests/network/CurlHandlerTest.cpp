@@ -242,12 +242,6 @@ TEST_F(CurlHandler, TellsTheHeaderLineByLine) {
     EXPECT_THAT(lines.front(), testing::StartsWith("HTTP/1.1 302"));
     EXPECT_THAT(lines, Contains("x-odd: \xff=\"<&>\r\n"));
     EXPECT_EQ(lines.back(), "\r\n");
-
-    lines.clear();
-    const std::string huge(50000, 'h');
-    cloud.fault("devices", CloudFault::header("x-huge: " + huge));
-    EXPECT_EQ(requester._RequestHttp(response), 302);
-    EXPECT_THAT(lines, Contains("x-huge: " + huge + "\r\n"));
 }
 
 TEST_F(CurlHandler, LogsAndThrowsOnWhatTheHeaderHandlerThrows) {
