@@ -388,6 +388,15 @@ TEST_F(Hub, DiscoveryOfDevices) {
 
 class HubOfTheAccount : public Hub {
 protected:
+    /// The account's list lacks the hub, and then is empty.
+    void ConnectAndLoseTheHub() {
+        Connect();
+        app.hub.setReset(HubApp::Course::Manual);
+        desk.agent.removeDevice(kHub);
+        EXPECT_TRUE(WaitFor("No TV hub di in the device list"));
+        desk.agent.sendDeviceList({});
+        EXPECT_TRUE(WaitFor("No TV hub di in the detail info list"));
+    }
     void Forget(const char* line) {
         desk.log.clear();
         cloud.resetRequests();
@@ -445,12 +454,7 @@ TEST_F(HubOfTheAccount, IsLeftAloneIfItIsAnothersOrUnknown) {
 }
 
 TEST_F(HubOfTheAccount, IsLookedForWhenTheListIsEmptyOrMadeAnew) {
-    Connect();
-    app.hub.setReset(HubApp::Course::Manual);
-    desk.agent.removeDevice(kHub);
-    EXPECT_TRUE(WaitFor("No TV hub di in the device list"));
-    desk.agent.sendDeviceList({});
-    EXPECT_TRUE(WaitFor("No TV hub di in the detail info list"));
+    ConnectAndLoseTheHub();
     framework::requestDeviceList();
     desk.waitForReport("the third reset", [count = 0](const auto& report) mutable {
         return toText(report) == "result hl_reset_hub" && ++count == 3;
@@ -466,12 +470,7 @@ TEST_F(HubOfTheAccount, IsLookedForWhenTheListIsEmptyOrMadeAnew) {
 }
 
 TEST_F(HubOfTheAccount, TheSessionGoesOnWhileTheCloudIsAsked) {
-    Connect();
-    app.hub.setReset(HubApp::Course::Manual);
-    desk.agent.removeDevice(kHub);
-    EXPECT_TRUE(WaitFor("No TV hub di in the device list"));
-    desk.agent.sendDeviceList({});
-    EXPECT_TRUE(WaitFor("No TV hub di in the detail info list"));
+    ConnectAndLoseTheHub();
     cloud.fault("devices", CloudFault::never());
     desk.log.clear();
     framework::requestDeviceList();
