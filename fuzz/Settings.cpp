@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include <desktop/Settings.h>
+#include <glib.h>
 
 #include "Common/CHLUtil.h"
 #include "Homeloom/Devices/DeviceHandler.h"
@@ -20,8 +21,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     }
     DeviceHandler().IsMyTV("this-tv");
     CHLUtil::GetHLHubCountryCode();
-    Metadata::GetInstance().StartLanguageWatch();
-    Metadata::GetInstance().StopLanguageWatch();
+    // It watches the language, so the main loop tells it.
+    Metadata::GetInstance();
+    while (g_main_context_iteration(nullptr, FALSE) == TRUE) {
+    }
     try {
         CServerEnvMgr().GetIoTCloudServerEnv();
         CServerEnvMgr().GetUImetaServerEnv();

@@ -114,8 +114,7 @@ TEST_F(MetadataTest, EvaluatesWhileRecordsChange) {
         for (int i = 0; i < 300; ++i) {
             metadata.SetGenericSubscribeUri(kVid, std::to_string(i));
             metadata.ParseMetadata(kVid, Document(kLists));
-            metadata.StopLanguageWatch();
-            metadata.StartLanguageWatch();
+            SetLanguage(i % 2 == 0 ? "fr_FR.utf8" : "en_US.utf8");
         }
         done = true;
     });

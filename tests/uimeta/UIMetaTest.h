@@ -6,7 +6,9 @@
 #include <string>
 #include <vector>
 
+#include <glib.h>
 #include <gtest/gtest.h>
+#include <vconf.h>
 
 #include "Homeloom/Devices/Device.h"
 #include "Homeloom/Devices/Property.h"
@@ -57,6 +59,13 @@ protected:
     void Load(const std::string& data) {
         metadata.ClearMetadataMaps();
         ASSERT_TRUE(metadata.ParseMetadata(kVid, Document(data))) << data;
+    }
+
+    /// Sets the TV's language and tells who watches it.
+    static void SetLanguage(const char* value) {
+        vconf_set_str("db/menu_widget/language", value);
+        while (g_main_context_iteration(nullptr, FALSE) == TRUE) {
+        }
     }
 
     Metadata& metadata = Metadata::GetInstance();

@@ -32,7 +32,11 @@ const device_dp_resource_struct* findStreamResource(const device_ui_metadata_str
 
 Metadata::Metadata() : _localeCode(kDefaultLocaleCode) {
     initMaps();
-    StartLanguageWatch();
+    getLocaleCode();
+    _isWatchingLanguage = vconf_notify_key_changed(kLanguageKey, VCONFNotifyLocaleCodeUpdate, this) == 0;
+    if (!_isWatchingLanguage) {
+        HL_LOGE("failed to register vconf change notify for VCONFKEY_LANGSET");
+    }
 }
 
 Metadata::~Metadata() {
@@ -68,23 +72,9 @@ void Metadata::getLocaleCode() {
     _localeCode = locale_code;
 }
 
-void Metadata::StartLanguageWatch() {
-    const std::lock_guard<std::mutex> lock(_watchMutex);
-    if (_isWatchingLanguage) {
-        return;
-    }
-    getLocaleCode();
-    _isWatchingLanguage = vconf_notify_key_changed(kLanguageKey, VCONFNotifyLocaleCodeUpdate, this) == 0;
-    if (!_isWatchingLanguage) {
-        HL_LOGE("failed to register vconf change notify for VCONFKEY_LANGSET");
-    }
-}
-
 void Metadata::StopLanguageWatch() {
-    const std::lock_guard<std::mutex> lock(_watchMutex);
-    if (_isWatchingLanguage) {
+    if (_isWatchingLanguage.exchange(false)) {
         vconf_ignore_key_changed(kLanguageKey, VCONFNotifyLocaleCodeUpdate);
-        _isWatchingLanguage = false;
     }
 }
 

@@ -30,10 +30,8 @@ public:
     using UiMetadata = std::shared_ptr<const device_ui_metadata_struct>;
     using DevicePtr = std::shared_ptr<Device>;
 
-    /// The settings' watch of the TV's language is on from construction. What unloads the plug-in stops it, and what
-    /// starts the plug-in again on the same instance starts it. Both may be called at any time. When the stop
-    /// returns, the settings no longer know of this object.
-    void StartLanguageWatch();
+    /// Ends the watch of the TV's language, which is on from construction. When it returns, the settings no longer know
+    /// of this object. May be called at any time.
     void StopLanguageWatch();
 
     // The map of parsed metadata
@@ -184,8 +182,7 @@ private:
     std::map<std::string_view, const char*> _localeMap;  // the system's language value, and the metadata's
     UIMetadataParser _parser;
     std::map<std::string, UiMetadata> _metadataMap;
-    std::mutex _watchMutex;  // guards the next one; the watch's callback does not take it, so a stop can wait for it
-    bool _isWatchingLanguage = false;
+    std::atomic<bool> _isWatchingLanguage{false};
 };
 
 }  // namespace VMFramework::HomeLoom
