@@ -29,7 +29,6 @@ TEST(UIMetadataParserTest, UnfitDocumentsLeaveTheRecordAlone) {
         EXPECT_FALSE(Parse(Json(text), meta)) << text;
         EXPECT_EQ(meta.version, "kept") << text;
     }
-    EXPECT_FALSE(Parse(std::string(100000, '['), meta));
     // Parts of the wrong kind are as good as absent.
     for (const char* data : {"", "'ms':7,'ma':'x','dpResources':true,'dpInfo':{'os':'solenne'},'language':{'a':1}",
                              "'ms':[null,null],'ma':[null],'dpInfo':[null],'language':[null],'dpResources':[null]",
@@ -85,6 +84,7 @@ TEST(UIMetadataParserTest, ReadsEveryMemberOfActionsAndResources) {
     EXPECT_EQ(action.visible_href + action.visible_property + action.visible_operand + action.visible_operator,
               "/vvpo=");
     EXPECT_THAT(action.alternative_keys, ElementsAre("k", "k"));
+    EXPECT_THAT(meta.action_groups, ElementsAre("g"));
     EXPECT_EQ(action.alternatives[0].key + action.alternatives[0].value + action.alternatives[0].type, "kvt");
     ASSERT_EQ(meta.dp_resources.size(), 2U);  // in document order
     const device_dp_resource_struct& resource = meta.dp_resources[0];
@@ -95,20 +95,6 @@ TEST(UIMetadataParserTest, ReadsEveryMemberOfActionsAndResources) {
     EXPECT_THAT(resource.range, ElementsAre(1, -2));
     EXPECT_TRUE(resource.controllable && resource.emphasis && resource.rule_event && resource.rule_action);
     EXPECT_THAT(meta.subscribe_uris, ElementsAre("/a"));  // neither an action's rule nor a resource counts
-}
-
-TEST(UIMetadataParserTest, StatesAndActionsAreSortedAndGrouped) {
-    const std::string entries =
-        "[{'order':2,'group':'low','property':'A'},{'order':-1,'group':'default','property':'B'},"
-        "{'order':2,'group':'up','property':'C'},{'group':'low','property':'D'}]";
-    const device_ui_metadata_struct meta = Parsed("'ms':" + entries + ",'ma':" + entries);
-    std::string order;
-    for (const device_action_struct& action : meta.main_actions) {
-        order += action.property;
-    }
-    EXPECT_EQ(order, "BDAC");
-    EXPECT_THAT(meta.state_groups, ElementsAre("low", "up"));
-    EXPECT_THAT(meta.action_groups, ElementsAre("low", "up"));
 }
 
 TEST(UIMetadataParserTest, BadEntryEndsItsListAndNoOther) {
