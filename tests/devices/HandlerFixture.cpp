@@ -20,17 +20,10 @@ namespace VMFramework::HomeLoom {
 namespace framework = homeloom::desktop::framework;
 
 HandlerFixture::HandlerFixture() {
-    static const bool isBound = [] {
-        CPluginMgr::GetInstance().Init();
-        return true;
-    }();
-    EXPECT_TRUE(isBound);
+    CPluginMgr::GetInstance().Init();
     simulator::Home home;
     home.account = {"login", "user", "token", "self"};
-    agent.reset();
     agent.load(home);
-    Metadata::GetInstance().ClearMetadataMaps();
-    takeNotifications();
     vconf_set_str("db/es_master/signup_info", R"({"di":"self"})");
     TesselHandler::GetInstance().Connect([](homeloom_client_error_e, homeloom_client_connection_state_e, void*) {},
                                          nullptr);
@@ -79,6 +72,13 @@ void HandlerFixture::parse(const std::string& vid, const std::string& document) 
     ASSERT_TRUE(Metadata::GetInstance().ParseMetadata(vid, document)) << vid;
 }
 
+void HandlerFixture::setUiMetadata(const std::string& vid, const std::string& document) {
+    simulator::Model model;
+    model.vid = vid;
+    model.uiMetadata = document;
+    agent.setModel(model);
+}
+
 void HandlerFixture::settle() {
     const auto drain = [](const std::function<void(ThreadJob)>& enqueue) {
         auto done = std::make_shared<std::promise<void>>();
@@ -110,16 +110,23 @@ int HandlerFixture::hurryTimers() {
 }
 
 std::vector<HandlerFixture::ReportPtr> HandlerFixture::takeNotifications() {
-    static std::size_t mark = 0;
     std::vector<ReportPtr> notifications;
-    for (const auto& report : framework::reports(mark)) {
-        mark = report->number + 1;
+    for (const auto& report : framework::reports(_mark)) {
+        _mark = report->number + 1;
         if (report->kind == framework::Report::Kind::Notify) {
             EXPECT_EQ(0u, report->transaction);
             notifications.push_back(report);
         }
     }
     return notifications;
+}
+
+std::vector<std::string> HandlerFixture::takeTexts(const std::string& key) {
+    std::vector<std::string> texts;
+    for (const auto& report : takeNotifications()) {
+        texts.push_back(report->properties.text(key));
+    }
+    return texts;
 }
 
 HandlerFixture::ReportPtr HandlerFixture::sendDeviceList() {

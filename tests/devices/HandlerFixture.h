@@ -29,13 +29,17 @@ protected:
     std::shared_ptr<Device> add(const std::string& id, const std::string& vid, const std::string& type,
                                 const std::vector<std::string>& uris, int status = 0);
     void parse(const std::string& vid, const std::string& document);
+    /// What the agent answers when it is asked for the metadata.
+    void setUiMetadata(const std::string& vid, const std::string& document);
 
     /// Waits until agent and job threads have nothing more to do.
     void settle();
     /// Lets every timer of the main loop fire now; how many there were.
     static int hurryTimers();
     /// The notifications since the last call.
-    static std::vector<ReportPtr> takeNotifications();
+    std::vector<ReportPtr> takeNotifications();
+    /// Their texts under that key.
+    std::vector<std::string> takeTexts(const std::string& key);
     /// Sends the list of all devices, as the session does, and gives what the framework got.
     ReportPtr sendDeviceList();
     /// "DEVICE URIS" of each subscription, sorted.
@@ -44,6 +48,9 @@ protected:
     simulator::Agent& agent = simulator::Agent::instance();
     std::shared_ptr<DeviceHandler> handler = std::make_shared<DeviceHandler>();
     std::set<std::string> hubDevices;
+
+private:
+    std::size_t _mark = 0;
 };
 
 }  // namespace VMFramework::HomeLoom
