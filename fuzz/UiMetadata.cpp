@@ -45,12 +45,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     for (const char* type : {"oic.d.washer", "oic.d.tv", "x.com.hl.d.remotecontroller", "oic.d.camera"}) {
         const auto device = makeDevice(metadata, texts[1], type);
         metadata.SetDeviceStateText(device);
-        metadata.SetSubDeviceCardList(device);
-        metadata.GetDeviceMainActionControlType(device);
-        metadata.ActionIcon(device);
+        metadata.GetPresentation(device);
         metadata.UpdateDeviceIconUrl(device);
         metadata.GetStreamURI(device);
-        metadata.GetSolenneServerDpUri(kVid);
         // The first action, and again by its name.
         std::string uri;
         for (int i = 0; i < 2; ++i) {
