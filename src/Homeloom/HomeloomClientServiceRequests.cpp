@@ -1,5 +1,7 @@
 // Requests for home services: push notification, service apps and energy, locker, infrared devices, server environment.
 
+#include <exception>
+
 #include "Common/CReporter.h"
 #include "Common/HLLog.h"
 #include "Homeloom/ExternalService/ExternalServiceHandler.h"
@@ -69,7 +71,12 @@ void HomeloomClient::OnboardIrDevice(const Transaction& transaction, const std::
 void HomeloomClient::SetServerEnv(const Transaction& transaction, int iotCloud, int uiMeta) {
     requireClientAvailable();
     SetServerEnvParam param(transaction);
-    param.result = CServerEnvMgr::GetInstance().SetServerEnv(iotCloud, uiMeta);
+    try {
+        param.result = CServerEnvMgr::GetInstance().SetServerEnv(iotCloud, uiMeta);
+    } catch (const std::exception& e) {
+        // A number that names no environment is answered, too.
+        HL_LOG_EXCEPTION(e);
+    }
     Reporter::Report(param);
 }
 
