@@ -369,6 +369,17 @@ TEST_F(GroupsTest, RequestsAreAnsweredAsTheAgentAnswers) {
           {"lastUpdatedDate", "2024-04-01"},
           {"deviceModel", "TV-A"}},
          {{"get_favorite_migration_status_result", false}, {"location_id", "flat"}, {"isMigrated", false}}},
+        {"hl_update_favorite_migration_status",
+         {{"location_id", "flat"}, {"favorite_migration_status_info", R"({"isMigrated":false})"}},
+         "homeloom_core_update_favorite_migration_status",
+         "hl_update_favorite_migration_status",
+         {{"update_favorite_migration_status_result", true},
+          {"location_id", "flat"},
+          {"favorite_migration_status_info", R"({"isMigrated":false})"},
+          {"status_result", R"({"isMigrated":false,"lastUpdatedDate":"2024-05-01T09:00:00Z"})"}},
+         {{"update_favorite_migration_status_result", false},
+          {"location_id", "flat"},
+          {"favorite_migration_status_info", R"({"isMigrated":false})"}}},
     };
     for (const RequestCase& row : cases) {
         SCOPED_TRACE(row.function);

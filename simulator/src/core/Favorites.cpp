@@ -187,10 +187,12 @@ int homeloom_core_update_favorite_migration_status(homeloom_client_h client, con
             if (location == nullptr) {
                 return HOMELOOM_CLIENT_ERROR_NO_DATA;
             }
-            location->favoritesMigrated = true;
+            const json::value* const isMigrated = memberOf(&status, "isMigrated");
+            location->favoritesMigrated = isMigrated == nullptr || *isMigrated != false;
             location->favoritesMigratedDate = world.home.now;
             location->favoritesMigratedModel = textMember(status, "deviceModel");
-            *status_result = handOut(toText(json::object{{"isMigrated", true}, {"lastUpdatedDate", world.home.now}}));
+            *status_result = handOut(
+                toText(json::object{{"isMigrated", location->favoritesMigrated}, {"lastUpdatedDate", world.home.now}}));
             return HOMELOOM_CLIENT_ERROR_NONE;
         });
 }
