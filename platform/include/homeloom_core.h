@@ -213,7 +213,12 @@ int homeloom_core_get_ir_device(homeloom_client_h client, const char* device_id,
 
 /* ---- User events ---- */
 
-int homeloom_core_send_active_user_event(homeloom_client_h client, int category, int action, const char* label,
+/* The platform's numbers, any of them: who sends an event knows what they mean. */
+typedef int homeloom_core_user_event_category_e;
+typedef int homeloom_core_user_event_action_e;
+
+int homeloom_core_send_active_user_event(homeloom_client_h client, homeloom_core_user_event_category_e category,
+                                         homeloom_core_user_event_action_e action, const char* label,
                                          const char* metadata);
 
 /* ---- Installed and catalog apps ---- */

@@ -112,7 +112,8 @@ int homeloom_core_get_ir_device(homeloom_client_h client, const char* device_id,
     });
 }
 
-int homeloom_core_send_active_user_event(homeloom_client_h client, int category, int action, const char* label,
+int homeloom_core_send_active_user_event(homeloom_client_h client, homeloom_core_user_event_category_e category,
+                                         homeloom_core_user_event_action_e action, const char* label,
                                          const char* metadata) {
     static Function& function = functionNamed(__func__);
     const Call call(function, client, {category, action, label, metadata}, Needs::Connection);

@@ -38,8 +38,9 @@ int TesselHandler::ExecuteInstalledApp(const std::string& installedAppId, const 
 
 int TesselHandler::SendActiveUserEvent(int category, int action, const std::string& label,
                                        const std::string& metadata) {
-    return _Call({{metadata, "metadata is empty"}}, homeloom_core_send_active_user_event, category, action, label,
-                 metadata);
+    return _Call({{metadata, "metadata is empty"}}, homeloom_core_send_active_user_event,
+                 static_cast<homeloom_core_user_event_category_e>(category),
+                 static_cast<homeloom_core_user_event_action_e>(action), label, metadata);
 }
 
 }  // namespace VMFramework::HomeLoom
