@@ -16,13 +16,7 @@ struct UserTransactionData {
         : handler(std::move(requestHandler)), transaction(std::move(request)) {}
     virtual ~UserTransactionData() = default;
 
-    /// Null when the handler has gone. T is the type that the record was made with.
-    template <typename T>
-    std::shared_ptr<T> GetHandler() const {
-        return std::static_pointer_cast<T>(handler.lock());
-    }
-
-    std::weak_ptr<void> handler;
+    std::weak_ptr<void> handler;  // whose request it is; no callback goes back into it so far
     std::shared_ptr<CTransaction> transaction;
 };
 
