@@ -221,6 +221,12 @@ TEST_F(GroupsTest, AReadThatFailsLeavesTheOthers) {
     EXPECT_THROW(location->GetLocationData(IEndpointListHelper::Create()), std::domain_error);
     agent.clearFaults();
 
+    // A location that is listed twice is one location.
+    simulator::Home twice = test::SmallHome();
+    twice.locations.push_back(twice.locations[1]);
+    agent.load(twice);
+    EXPECT_EQ(2U, Endpoints([&](const auto& list) { location->GetLocationData(list); })->endpoints.size());
+
     location->Quit();
     scenes.Quit();
     routines.Quit();

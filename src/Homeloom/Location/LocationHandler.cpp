@@ -1,5 +1,7 @@
 #include "Homeloom/Location/LocationHandler.h"
 
+#include <algorithm>
+
 #include <VMFramework/JsonValue.h>
 
 #include "Common/CException.h"
@@ -271,7 +273,7 @@ std::string LocationHandler::GetRoomNameFromRoomID(const std::string& roomId, co
     }
 }
 
-// In the agent's order, which the framework gets to see.
+// Each location once, in the agent's order, which the framework gets to see.
 LocationHandler::NameById LocationHandler::getLocation() {
     NameById names;
     int count = 0;
@@ -288,7 +290,13 @@ LocationHandler::NameById LocationHandler::getLocation() {
             std::string name =
                 ReadGroup(list.get()[i], HOMELOOM_CLIENT_GROUP_PROPERTY_NAME, "get location name failed");
             HL_LOGI("[%d] location id : %s, location name : %s", i, id.c_str(), name.c_str());
-            names.emplace_back(std::move(id), std::move(name));
+            const auto known =
+                std::find_if(names.begin(), names.end(), [&](const auto& entry) { return entry.first == id; });
+            if (known != names.end()) {
+                known->second = std::move(name);
+            } else {
+                names.emplace_back(std::move(id), std::move(name));
+            }
         } catch (const std::exception& e) {
             HL_LOG_EXCEPTION(e);
         }
