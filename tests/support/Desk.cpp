@@ -325,16 +325,20 @@ void Desk::atLogLine(const std::string& text, const std::function<void()>& funct
     });
 }
 
+void Desk::onMainLoop(const std::function<void()>& function) {
+    g_main_context_is_owner(nullptr) ? function() : loop.call(function);
+}
+
 int Desk::armedTimers() {
     int count = 0;
-    loop.call([&] { count = static_cast<int>(timers().size()); });
+    onMainLoop([&] { count = static_cast<int>(timers().size()); });
     return count;
 }
 
 void Desk::fireTimer() {
     waitUntil("a timer", [this] {
         bool isFired = false;
-        loop.call([&] {
+        onMainLoop([&] {
             for (GSource* source : timers()) {
                 g_source_set_ready_time(source, 0);
                 isFired = true;

@@ -82,7 +82,7 @@ public:
     /// contains the text, at that line.
     void atLogLine(const std::string& text, const std::function<void()>& function) const;
 
-    // ---- Timers ----
+    // ---- Timers, from any thread and from the main loop ----
 
     /// Waits until a timer is armed on the main loop, and lets all that are armed go off now.
     void fireTimer();
@@ -95,6 +95,7 @@ public:
 private:
     void runWithLimit(const std::string& what, const std::function<void()>& function) const;
     void expectNothingLeft();
+    void onMainLoop(const std::function<void()>& function);
     std::string story() const;
 
     bool _isRunning = false;
