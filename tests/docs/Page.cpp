@@ -17,7 +17,7 @@ DocumentedFields fieldsIn(const std::string& text) {
     static const std::regex field("`([^`]+)` (text|int|bool)");
     DocumentedFields fields;
     for (std::sregex_iterator found(text.begin(), text.end(), field), end; found != end; ++found) {
-        fields.push_back({(*found)[1], (*found)[2]});
+        fields.push_back((*found)[1].str() + " " + (*found)[2].str());
     }
     return fields;
 }
@@ -42,43 +42,32 @@ std::vector<std::string> cellsOf(const std::string& line) {
     return cells;
 }
 
-/// "| `key`, `other` | text, int | ..."; one type may stand for all keys.
-DocumentedFields fieldsOfRow(const std::string& line) {
-    const auto cells = cellsOf(line);
-    DocumentedFields fields;
-    if (cells.size() < 2) {
-        return fields;
-    }
-    static const std::regex word("text|int|bool");
-    std::sregex_iterator type(cells[1].begin(), cells[1].end(), word);
-    std::string last;
-    for (const auto& key : namesIn(cells[0])) {
-        if (type != std::sregex_iterator()) {
-            last = (*type++)[0];
-        }
-        fields.push_back({key, last});
-    }
-    return fields;
-}
-
 /// The section of docs/framework.md below that heading, up to the next one of the same or a higher level.
 std::vector<std::string> section(const std::string& heading) {
-    std::vector<std::string> lines;
-    bool isInside = false;
     const std::string level = heading.substr(0, heading.find(' ') + 1);
-    for (const auto& line : linesOf("docs/framework.md")) {
-        if (line == heading) {
-            isInside = true;
-        } else if (isInside && (startsWith(line, level) || startsWith(line, "## "))) {
-            break;
-        } else if (isInside) {
-            lines.push_back(line);
+    return linesBelow("docs/framework.md", heading,
+                      [&](const std::string& line) { return startsWith(line, level) || startsWith(line, "## "); });
+}
+
+/// The fields of a section's table, "| `key`, `other` | text, int | ..." a row; one type may stand for all keys.
+DocumentedFields fieldsOfTable(const std::string& heading) {
+    static const std::regex word("text|int|bool");
+    DocumentedFields fields;
+    for (const auto& line : section(heading)) {
+        const auto cells = cellsOf(line);
+        if (cells.size() < 2) {
+            continue;
+        }
+        std::sregex_iterator type(cells[1].begin(), cells[1].end(), word);
+        std::string last;
+        for (const auto& key : namesIn(cells[0])) {
+            if (type != std::sregex_iterator()) {
+                last = (*type++)[0];
+            }
+            fields.push_back(key + " " + last);
         }
     }
-    if (lines.empty()) {
-        throw std::runtime_error("docs/framework.md has no " + heading);
-    }
-    return lines;
+    return fields;
 }
 
 /// A list item with the lines that go on with it: "- Word: ..." gives what follows the word.
@@ -92,14 +81,18 @@ std::string item(const std::vector<std::string>& lines, std::size_t& at) {
 
 }  // namespace
 
-std::vector<std::string> linesOf(const std::string& file) {
+std::vector<std::string> linesBelow(const std::string& file, const std::string& line,
+                                    const std::function<bool(const std::string&)>& isEnd) {
     std::ifstream stream(HOMELOOM_SOURCE_DIR "/" + file);
-    if (!stream) {
-        throw std::runtime_error("no " + file);
+    std::string read;
+    while (std::getline(stream, read) && read != line) {
     }
     std::vector<std::string> lines;
-    for (std::string line; std::getline(stream, line);) {
-        lines.push_back(line);
+    while (std::getline(stream, read) && !isEnd(read)) {
+        lines.push_back(read);
+    }
+    if (lines.empty()) {
+        throw std::runtime_error("no " + line + " in " + file);
     }
     return lines;
 }
@@ -107,7 +100,7 @@ std::vector<std::string> linesOf(const std::string& file) {
 std::vector<DocumentedRequest> documentedRequests() {
     std::vector<DocumentedRequest> requests;
     bool overtakes = false;
-    const auto lines = linesOf("docs/requests.md");
+    const auto lines = linesBelow("docs/requests.md", "# Requests", [](const std::string&) { return false; });
     for (std::size_t i = 0; i < lines.size(); ++i) {
         const std::string& line = lines[i];
         if (startsWith(line, "## ")) {
@@ -146,20 +139,10 @@ std::map<std::string, DocumentedFields> documentedNotifies() {
             }
         }
     }
-    for (const auto& line : section("### `hl_device_state_updated`")) {
-        for (const auto& field : fieldsOfRow(line)) {
-            notifies["hl_device_state_updated"].push_back(field);
-        }
-    }
+    notifies["hl_device_state_updated"] = fieldsOfTable("### `hl_device_state_updated`");
     return notifies;
 }
 
 DocumentedFields documentedEndpointFields() {
-    DocumentedFields fields;
-    for (const auto& line : section("## The device list")) {
-        for (const auto& field : fieldsOfRow(line)) {
-            fields.push_back(field);
-        }
-    }
-    return fields;
+    return fieldsOfTable("## The device list");
 }

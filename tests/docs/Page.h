@@ -1,25 +1,15 @@
 #ifndef HOMELOOM_TESTS_DOCS_PAGE_H
 #define HOMELOOM_TESTS_DOCS_PAGE_H
 
+#include <functional>
 #include <map>
-#include <ostream>
 #include <string>
-#include <tuple>
 #include <vector>
 
 /// What the pages for UI developers say, read from their Markdown.
 
-/// Key and type: "text", "int" or "bool".
-struct DocumentedField {
-    std::string key;
-    std::string type;
-    bool operator==(const DocumentedField& other) const { return key == other.key && type == other.type; }
-    bool operator<(const DocumentedField& other) const { return std::tie(key, type) < std::tie(other.key, other.type); }
-};
-inline void PrintTo(const DocumentedField& field, std::ostream* out) {
-    *out << field.key << " " << field.type;
-}
-using DocumentedFields = std::vector<DocumentedField>;
+/// "KEY TYPE" of each; the type is "text", "int" or "bool".
+using DocumentedFields = std::vector<std::string>;
 
 struct DocumentedRequest {
     std::string name;
@@ -31,8 +21,9 @@ struct DocumentedRequest {
     std::string example;  // the console's line
 };
 
-/// The lines of a file of the repository. Throws if it isn't there.
-std::vector<std::string> linesOf(const std::string& file);
+/// The lines of a file of the repository below one line, up to another. Throws if there are none.
+std::vector<std::string> linesBelow(const std::string& file, const std::string& line,
+                                    const std::function<bool(const std::string&)>& isEnd);
 
 /// docs/requests.md
 std::vector<DocumentedRequest> documentedRequests();

@@ -21,7 +21,6 @@
 namespace framework = homeloom::desktop::framework;
 using homeloom::tv::RequestSpec;
 using testing::Contains;
-using testing::ElementsAreArray;
 using testing::UnorderedElementsAreArray;
 
 // ---- What the plug-in reads of a request: these take the place of the framework's own functions ----
@@ -29,14 +28,14 @@ using testing::UnorderedElementsAreArray;
 namespace {
 
 std::mutex readMutex;
-std::map<std::string, std::set<DocumentedField>> readFields;  // by request
-thread_local std::pair<std::string, std::string> lastFound;   // request and key
+std::map<std::string, std::set<std::string>> readFields;     // by request
+thread_local std::pair<std::string, std::string> lastFound;  // request and key
 
 template <typename Value>
 vmf_error_e Read(const char* name, const char* type, vmf_property_h property, Value value) {
     {
         const std::lock_guard<std::mutex> lock(readMutex);
-        readFields[lastFound.first].insert({lastFound.second, type});
+        readFields[lastFound.first].insert(lastFound.second + " " + type);
     }
     using Function = vmf_error_e(vmf_property_h, Value);
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name))(property, value);
@@ -73,26 +72,10 @@ std::string TypeOf(RequestSpec::Type type) {
 /// The constants of the vocabulary below a comment, up to the next empty line.
 std::vector<std::string> NamesBelow(const std::string& comment) {
     std::vector<std::string> names;
-    bool isInside = false;
-    for (const auto& line : linesOf("src/Common/HLNames.h")) {
-        if (line == comment) {
-            isInside = true;
-        } else if (isInside && line.empty()) {
-            break;
-        } else if (isInside) {
-            const auto begin = line.find('"') + 1;
-            names.push_back(line.substr(begin, line.rfind('"') - begin));
-        }
-    }
-    return names;
-}
-
-std::vector<std::string> NamesOf(const std::vector<DocumentedRequest>& requests, bool overtaking) {
-    std::vector<std::string> names;
-    for (const auto& request : requests) {
-        if (request.overtakes == overtaking) {
-            names.push_back(request.name);
-        }
+    for (const auto& line :
+         linesBelow("src/Common/HLNames.h", comment, [](const auto& read) { return read.empty(); })) {
+        const auto begin = line.find('"') + 1;
+        names.push_back(line.substr(begin, line.rfind('"') - begin));
     }
     return names;
 }
@@ -106,23 +89,25 @@ homeloom::desktop::Fields ArgumentsOf(const std::string& example) {
 }  // namespace
 
 TEST(Pages, TheRequestsAreThoseOfTheTables) {
-    const auto documented = documentedRequests();
-    EXPECT_THAT(NamesOf(documented, false), UnorderedElementsAreArray(NamesBelow("// Requests")));
-    EXPECT_THAT(NamesOf(documented, true),
-                UnorderedElementsAreArray(NamesBelow("// Requests that overtake the others")));
-    EXPECT_EQ(documented.size(), homeloom::tv::requestTable().size());
-    for (const auto& request : documented) {
+    auto vocabulary = NamesBelow("// Requests");
+    const auto overtaking = NamesBelow("// Requests that overtake the others");
+    vocabulary.insert(vocabulary.end(), overtaking.begin(), overtaking.end());
+    std::vector<std::string> documented;
+    for (const auto& request : documentedRequests()) {
+        documented.push_back(request.name);
         const auto* const spec = homeloom::tv::findRequest(request.name);
         ASSERT_NE(spec, nullptr) << request.name;
         DocumentedFields arguments;
         for (const auto& [key, type] : spec->arguments) {
-            arguments.push_back({key, TypeOf(type)});
+            arguments.push_back(key + " " + TypeOf(type));
         }
         EXPECT_EQ(request.arguments, arguments) << request.name;
         EXPECT_EQ(request.example, "request " + request.name + (spec->example.empty() ? "" : " " + spec->example));
         EXPECT_EQ(request.overtakes, spec->overtakes) << request.name;
         EXPECT_NO_THROW(ArgumentsOf(request.example)) << request.example;
     }
+    EXPECT_THAT(documented, UnorderedElementsAreArray(vocabulary));
+    EXPECT_EQ(documented.size(), homeloom::tv::requestTable().size());
 }
 
 TEST(Pages, TheNotifiesAreThoseOfTheVocabulary) {
@@ -136,14 +121,10 @@ TEST(Pages, ARequestThatNeedsSomethingIsNotAnsweredWithoutIt) {
     Desk desk(Desk::apartmentWith({}));
     desk.setDisclaimer(0);  // neither connected nor signed in
     desk.start();
-    std::map<std::string, framework::TransactionId> sent;
     for (const auto& request : documentedRequests()) {
-        sent[request.name] = framework::request(request.name, ArgumentsOf(request.example));
-    }
-    framework::waitIdle();
-    desk.settle();
-    for (const auto& request : documentedRequests()) {
-        EXPECT_TRUE(request.needsNothing || !desk.isAnswered(sent[request.name])) << request.name;
+        const auto sent = framework::request(request.name, ArgumentsOf(request.example));
+        desk.settle();
+        EXPECT_TRUE(request.needsNothing || !desk.isAnswered(sent)) << request.name;
         EXPECT_FALSE(desk.log.contains("[Normal][" + request.name + "] exception from job : bad_function_call"));
         const char* const way = request.overtakes ? "prior request for " : "normal request for ";
         EXPECT_TRUE(desk.log.contains(way + request.name)) << request.name;
@@ -179,8 +160,7 @@ TEST(Pages, WhatIsReadAndReportedStandsThere) {
     desk.settle();
 
     for (const auto& request : requests) {
-        DocumentedFields read(readFields[request.name].begin(), readFields[request.name].end());
-        EXPECT_THAT(read, UnorderedElementsAreArray(request.arguments)) << request.name;
+        EXPECT_THAT(readFields[request.name], UnorderedElementsAreArray(request.arguments)) << request.name;
     }
 
     const auto notifies = documentedNotifies();
@@ -199,11 +179,11 @@ TEST(Pages, WhatIsReadAndReportedStandsThere) {
             documented = notifies.at(report->name);
         }
         for (const auto& [key, value] : report->properties) {
-            EXPECT_THAT(documented, Contains(DocumentedField{key, TypeOf(value)})) << report->name;
+            EXPECT_THAT(documented, Contains(key + " " + TypeOf(value))) << report->name;
         }
         for (const auto& endpoint : report->endpoints) {
             for (const auto& [key, value] : endpoint.extraData) {
-                EXPECT_THAT(endpointFields, Contains(DocumentedField{key, TypeOf(value)}));
+                EXPECT_THAT(endpointFields, Contains(key + " " + TypeOf(value)));
             }
         }
     }
