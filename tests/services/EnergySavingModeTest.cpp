@@ -12,22 +12,12 @@ using VMFramework::json::JsonValue;
 
 namespace {
 
-std::string Attribute(const char* capability, const char* attribute, const std::string& value) {
-    return std::string("\"") + capability + "\":{\"" + attribute + "\":{\"value\":" + value + "}}";
-}
-
-/// A status with these three values, as JSON text; an empty one is left out.
+/// A status with these three values, as JSON text; an empty one is null.
 std::string Status(const std::string& drlcStatus, const std::string& operation, const std::string& disabled) {
-    std::string members;
-    const auto add = [&](const char* capability, const char* attribute, const std::string& value) {
-        if (!value.empty()) {
-            members += (members.empty() ? "" : ",") + Attribute(capability, attribute, value);
-        }
-    };
-    add("demandResponseLoadControl", "drlcStatus", drlcStatus);
-    add("custom.energyType", "energySavingOperation", operation);
-    add("custom.disabledCapabilities", "disabledCapabilities", disabled);
-    return "{\"components\":{\"main\":{" + members + "}}}";
+    const auto value = [](const std::string& text) { return "{\"value\":" + (text.empty() ? "null" : text) + "}}"; };
+    return R"({"components":{"main":{"demandResponseLoadControl":{"drlcStatus":)" + value(drlcStatus) +
+           R"(,"custom.energyType":{"energySavingOperation":)" + value(operation) +
+           R"(,"custom.disabledCapabilities":{"disabledCapabilities":)" + value(disabled) + "}}}";
 }
 
 }  // namespace
@@ -73,18 +63,20 @@ TEST(EnergySavingMode, GoesByLevelOperationAndDisabledCapabilities) {
 }
 
 TEST(EnergySavingMode, IsOffWithoutAReadableStatus) {
-    std::string deep = "1";
-    for (int i = 0; i < 100000; ++i) {
-        deep = "[" + deep;
-    }
-    const std::string large =
-        R"({"x":")" + std::string(10 << 20, 'x') + R"(",)" + Status(R"({"drlcLevel":1})", "", "").substr(1);
+    const std::string saving = Status(R"({"drlcLevel":1})", "", "");
+    const std::string large = R"({"x":")" + std::string(10 << 20, 'x') + R"(",)" + saving.substr(1);
     EXPECT_TRUE(requestBuildEnergySavingMode("device", large));
-    for (const std::string& status :
-         {std::string(), std::string("no JSON"), std::string("null"), std::string("[]"), std::string("7"),
-          std::string("{}"), std::string(R"({"components":1})"), std::string(R"({"components":{"main":"x"}})"),
-          std::string(R"({"components":{"main":{"demandResponseLoadControl":[]}}})"),
-          Status(R"({"drlcLevel":1})", "", "") + "x", deep, large.substr(0, 10 << 20)}) {
+    const std::string unreadable[] = {"",
+                                      "no JSON",
+                                      "[]",
+                                      "{}",
+                                      R"({"components":1})",
+                                      R"({"components":{"main":"x"}})",
+                                      R"({"components":{"main":{"demandResponseLoadControl":[]}}})",
+                                      saving + "x",
+                                      std::string(100000, '['),
+                                      large.substr(0, 10 << 20)};
+    for (const std::string& status : unreadable) {
         EXPECT_FALSE(requestBuildEnergySavingMode("device", status)) << status.substr(0, 100);
     }
 }
