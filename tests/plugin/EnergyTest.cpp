@@ -1,5 +1,6 @@
 // Energy: consumption at once, saving mode later, and whatever the agent says.
 
+#include <functional>
 #include <future>
 #include <string>
 #include <vector>
@@ -53,6 +54,18 @@ protected:
         return devices;
     }
 
+    /// Runs the function while the second stage waits for a device, and lets that answer when the scheduler is told to
+    /// stop.
+    void InTheMiddle(const std::function<void()>& function) {
+        desk.agent.fault(kStatus, Fault::never());
+        Ask();
+        auto running = std::async(std::launch::async, function);
+        EXPECT_TRUE(desk.log.waitFor("[SGTMsgDispatcher] Enter. Q Count"));
+        desk.agent.clearFault(kStatus);
+        running.get();
+        EXPECT_LE(desk.agent.callCount(kStatus), 1) << "the other devices are not asked any more";
+    }
+
     Desk desk{Desk::apartmentWith({"washer", "dryer", "aircon", "purifier", "fridge", "oven"})};
 };
 
@@ -94,15 +107,13 @@ TEST_F(EnergyRequest, AnEventBringsOnlyTheSecondReport) {
 }
 
 TEST_F(EnergyRequest, AnAnswerThatCannotBeReadIsAFailure) {
-    const std::string deep(100000, '[');
-    const std::string large = R"({"body":[{"deviceId":")" + std::string(10 << 20, 'x');
-    for (const std::string& text :
-         {std::string("no JSON"), std::string(), std::string("{}"), std::string("[]"), std::string(R"({"body":null})"),
-          std::string(R"({"body":{"deviceId":"washer"}})"), std::string(R"({"body":"[]"})"),
-          std::string(R"({"body":[]})"), std::string(R"({"body":[{"consumpedEnergy":1},7,null,"x"]})"),
-          std::string(R"({"body":[{"deviceId":"w","consumpedEnergy":"1"}]})"),
-          std::string(R"({"body":[{"deviceId":"w","consumpedEnergy":99999999999}]})"),
-          std::string(R"({"body":[{"deviceId":{},"consumpedEnergy":1}]})"), deep, large}) {
+    for (const std::string& text : std::vector<std::string>{
+             "no JSON", "", "{}", "[]", R"({"body":null})", R"({"body":{"deviceId":"washer"}})", R"({"body":"[]"})",
+             R"({"body":[]})", R"({"body":[{"consumpedEnergy":1},7,null,"x"]})",
+             R"({"body":[{"deviceId":"w","consumpedEnergy":"1"}]})",
+             R"({"body":[{"deviceId":"w","consumpedEnergy":99999999999}]})",
+             R"({"body":[{"deviceId":{},"consumpedEnergy":1}]})", std::string(100000, '['),
+             R"({"body":[{"deviceId":")" + std::string(10 << 20, 'x')}) {
         desk.mark();
         desk.agent.fault(kExecute, Fault::say(text));
         const auto answer = Ask();
@@ -140,27 +151,13 @@ TEST_F(EnergyRequest, LeavesTheRequestThreadFreeForTheNext) {
 }
 
 TEST_F(EnergyRequest, TheSecondStageEndsSoonWithThePlugin) {
-    desk.agent.fault(kStatus, Fault::never());
-    Ask();
-    auto stopped = std::async(std::launch::async, [this] { desk.stop(); });
-    ASSERT_TRUE(desk.log.waitFor("[SGTMsgDispatcher] Enter. Q Count"));
-    desk.agent.clearFault(kStatus);
-    stopped.get();
-    EXPECT_LE(desk.agent.callCount(kStatus), 1) << "the other devices are not asked any more";
-    for (const std::string& line : desk.lines()) {
-        EXPECT_THAT(line, testing::Not(HasSubstr(kUpdated)));
-    }
+    InTheMiddle([this] { desk.stop(); });
+    EXPECT_THAT(desk.lines(), testing::Each(testing::Not(HasSubstr(kUpdated))));
 }
 
 TEST_F(EnergyRequest, AnUpdateOfTheAgentEndsTheSecondStageAndANewRequestIsServed) {
-    desk.agent.fault(kStatus, Fault::never());
-    Ask();
-    auto updated = std::async(std::launch::async, [] { simulator::ServiceManager::instance().startUpdate(); });
-    ASSERT_TRUE(desk.log.waitFor("[SGTMsgDispatcher] Enter. Q Count"));
-    desk.agent.clearFault(kStatus);
-    updated.get();
+    InTheMiddle([] { simulator::ServiceManager::instance().startUpdate(); });
     ASSERT_TRUE(desk.log.waitFor("deinitClientByAgentUpdate End"));
-    EXPECT_LE(desk.agent.callCount(kStatus), 1);
     simulator::ServiceManager::instance().endUpdate();
     ASSERT_TRUE(desk.log.waitFor("initClientByAgentUpdate End"));
     desk.waitForState("washer", "Ready");

@@ -3,6 +3,7 @@
 #include "Homeloom/Life/EnergySavingMode.h"
 
 #include <string>
+#include <vector>
 
 #include <VMFramework/JsonValue.h>
 #include <gtest/gtest.h>
@@ -66,17 +67,10 @@ TEST(EnergySavingMode, IsOffWithoutAReadableStatus) {
     const std::string saving = Status(R"({"drlcLevel":1})", "", "");
     const std::string large = R"({"x":")" + std::string(10 << 20, 'x') + R"(",)" + saving.substr(1);
     EXPECT_TRUE(requestBuildEnergySavingMode("device", large));
-    const std::string unreadable[] = {"",
-                                      "no JSON",
-                                      "[]",
-                                      "{}",
-                                      R"({"components":1})",
-                                      R"({"components":{"main":"x"}})",
-                                      R"({"components":{"main":{"demandResponseLoadControl":[]}}})",
-                                      saving + "x",
-                                      std::string(100000, '['),
-                                      large.substr(0, 10 << 20)};
-    for (const std::string& status : unreadable) {
+    for (const std::string& status :
+         std::vector<std::string>{"", "no JSON", "[]", "{}", R"({"components":1})", R"({"components":{"main":"x"}})",
+                                  R"({"components":{"main":{"demandResponseLoadControl":[]}}})", saving + "x",
+                                  std::string(100000, '['), large.substr(0, 10 << 20)}) {
         EXPECT_FALSE(requestBuildEnergySavingMode("device", status)) << status.substr(0, 100);
     }
 }

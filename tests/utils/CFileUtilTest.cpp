@@ -39,9 +39,8 @@ protected:
 }  // namespace
 
 TEST_F(FileUtil, ReadsWhatWasWrittenLast) {
-    const std::string odd("a\0\xff\n", 4);
-    const std::string large(1000000, 'x');
-    for (const std::string& content : {odd, large, std::string(), std::string("short")}) {
+    const std::string contents[] = {{"a\0\xff\n", 4}, std::string(1000000, 'x'), "", "short"};
+    for (const std::string& content : contents) {
         EXPECT_TRUE(CFileUtil::Write(content, true));
         EXPECT_TRUE(CFileUtil::Read(text));
         EXPECT_EQ(text, content);
@@ -86,9 +85,9 @@ TEST_F(FileUtil, TouchesNothingButFilesOfTheFolder) {
     const fs::path outside = folder.parent_path() / (folder.filename().string() + "-outside");
     fs::create_directory(folder / "inner");
     ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
-    for (const std::string& name : {std::string(), std::string("."), std::string(".."), std::string("inner"),
-                                    std::string("pipe"), std::string("inner/x"), "../" + outside.filename().string(),
-                                    outside.string(), folder.string(), (folder / "..").string()}) {
+    const fs::path names[] = {
+        "", ".", "..", "inner", "pipe", "inner/x", fs::path("..") / outside.filename(), outside, folder, folder / ".."};
+    for (const fs::path& name : names) {
         EXPECT_FALSE(CFileUtil::Write(name, "text", true)) << name;
     }
     EXPECT_FALSE(fs::exists(outside));

@@ -82,21 +82,18 @@ TEST(Dump, MakesAnObjectOfMembersAndWritesIt) {
 
 TEST(Dump, ServesManyThreads) {
     auto& dump = DataDumpHelper::GetInstance();
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([&] {
-            for (int round = 0; round < 200; ++round) {
-                dump.SetInfoToJson("key", round);
-                dump.GenerateJsonString();
-                dump.SetInfo(round);
-                dump.GetInfo();
-                dump.ClearInfo();
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    const auto work = [&] {
+        for (int round = 0; round < 200; ++round) {
+            dump.SetInfoToJson("key", round);
+            dump.GenerateJsonString();
+            dump.SetInfo(round);
+            dump.GetInfo();
+            dump.ClearInfo();
+        }
+    };
+    std::thread other(work);
+    work();
+    other.join();
     EXPECT_EQ(dump.GetInfo(), "");
 }
 
