@@ -161,7 +161,7 @@ void HomeloomClient::buildDeviceDetailList(homeloom_client_device_detail_h* list
         const std::size_t oldSize = devices->GetDeviceMapSize();
         HL_LOGI("old device map size: %zu", oldSize);
 
-        for (int i = 0; i < count; ++i) {
+        for (int i = 0; list != nullptr && i < count; ++i) {
             if (!isClientAvailable()) {
                 HL_LOGI("manager not available");
                 return;

@@ -25,7 +25,7 @@
 #include "Homeloom/IoTHub/CHubHandler.h"
 #include "Homeloom/Routine/RoutineHandler.h"
 #include "Homeloom/Scene/SceneHandler.h"
-#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/Tessel/TesselReplies.h"
 #include "Homeloom/UIMeta/Metadata.h"
 
 namespace VMFramework::HomeLoom {
@@ -35,38 +35,16 @@ namespace {
 constexpr char kButtonReady[] = "Ready";
 constexpr unsigned kButtonStandbyMs = 1000;
 
-// A list that the agent handed over, released by whoever drops it last: a job that is dropped, cleared or
-// throws frees it too.
-template <typename Record, int (*Destroy)(Record)>
-class AgentList {
-public:
-    AgentList(Record* records, int count) : _records(records), _count(records != nullptr ? count : 0) {}
-    ~AgentList() {
-        for (int i = 0; i < _count; ++i) {
-            Destroy(_records[i]);
-        }
-        std::free(_records);
-    }
-    AgentList(const AgentList&) = delete;
-    AgentList& operator=(const AgentList&) = delete;
-
-    Record* records() const { return _records; }
-    int count() const { return _count; }
-
-private:
-    Record* const _records;
-    const int _count;
-};
-
-using DeviceList = AgentList<homeloom_client_device_h, homeloom_client_device_destroy>;
-using DeviceDetailList = AgentList<homeloom_client_device_detail_h, homeloom_client_device_detail_destroy>;
+// Released by whoever drops it last: a job that is dropped, cleared or throws frees it too.
+using DeviceList = OwnedRecords<homeloom_client_device_h, homeloom_client_device_destroy>;
+using DeviceDetailList = OwnedRecords<homeloom_client_device_detail_h, homeloom_client_device_detail_destroy>;
 
 std::vector<std::string> DeviceIds(const DeviceList& list) {
     std::vector<std::string> ids;
-    ids.reserve(static_cast<std::size_t>(list.count()));
-    for (int i = 0; i < list.count(); ++i) {
+    ids.reserve(static_cast<std::size_t>(list.Count()));
+    for (int i = 0; i < list.Count(); ++i) {
         char* id = nullptr;
-        if (homeloom_client_device_get_string(list.records()[i], HOMELOOM_CLIENT_DEVICE_PROPERTY_ID, &id) != 0 ||
+        if (homeloom_client_device_get_string(list.List()[i], HOMELOOM_CLIENT_DEVICE_PROPERTY_ID, &id) != 0 ||
             id == nullptr) {
             continue;
         }
@@ -363,12 +341,17 @@ void HomeloomClient::_HomeLoomClientDeviceListChanged(homeloom_client_device_h* 
         return;
     }
     session->AddJobToScheduler(
-        [session, records = std::move(owner)]() mutable {
+        [session, count, records = std::move(owner)]() mutable {
             if (session->_isTerminating) {
                 return;
             }
-            if (records->count() == 0) {
+            if (count == 0) {
                 session->onDeviceListEmpty();
+                return;
+            }
+            if (records->Count() <= 0) {
+                // Not to be taken for an empty home, which takes all devices away and perhaps the hub.
+                HL_LOGE("device list does not hold what it says, count : %d", count);
                 return;
             }
             const std::vector<std::string> ids = DeviceIds(*records);
@@ -432,8 +415,8 @@ void HomeloomClient::_HomeLoomClientDeviceDetailListChanged(homeloom_client_devi
             if (session->_isTerminating) {
                 return;
             }
-            HL_LOGI("_HomeLoomClientDeviceDetailListChanged(): device_detail_size: %d", records->count());
-            session->buildDeviceDetailList(records->records(), records->count());
+            HL_LOGI("_HomeLoomClientDeviceDetailListChanged(): device_detail_size: %d", records->Count());
+            session->buildDeviceDetailList(records->List(), records->Count());
             records.reset();
             session->OnProfileUpdateEvent(UpdateList::DetailsChanged);
         },

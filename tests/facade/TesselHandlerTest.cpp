@@ -460,6 +460,13 @@ TEST_F(TesselHandlerTest, AListWithACountBelowZeroIsLeftAlone) {
     EXPECT_EQ(0, facade.DeviceDetailDestroy(list, count));
 }
 
+TEST_F(TesselHandlerTest, AListThatIsNotThereHasNoRecords) {
+    homeloom_core_scene_h* list = nullptr;
+    int count = 0;
+    GetSceneListParam(0, nullptr, 3).records.Release(list, count);
+    EXPECT_EQ(0, count);
+}
+
 TEST_F(TesselHandlerTest, ReadsTheArraysAndNumbersOfADetailRecord) {
     Connect();
     homeloom_client_device_detail_h* list = nullptr;

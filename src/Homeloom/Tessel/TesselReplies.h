@@ -40,7 +40,7 @@ template <typename Record, int (*Destroy)(Record)>
 class OwnedRecords {
 public:
     OwnedRecords() noexcept = default;
-    OwnedRecords(Record* list, int count) noexcept : _list(list), _count(count) {}
+    OwnedRecords(Record* list, int count) noexcept : _list(list), _count(list != nullptr ? count : 0) {}
     OwnedRecords(OwnedRecords&& other) noexcept
         : _list(std::exchange(other._list, nullptr)), _count(std::exchange(other._count, 0)) {}
     OwnedRecords& operator=(OwnedRecords&&) = delete;
@@ -50,6 +50,7 @@ public:
         }
     }
 
+    Record* List() const { return _list; }
     int Count() const { return _count; }
     void Release(Record*& list, int& count) {
         list = std::exchange(_list, nullptr);
