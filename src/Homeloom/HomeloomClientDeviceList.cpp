@@ -36,7 +36,7 @@ constexpr char kUnknownDeviceType[] = "unknown";
 std::string DetailText(homeloom_client_device_detail_h detail, int property, const char* failure) {
     std::string text;
     if (TesselHandler::GetInstance().DeviceDetailGetString(detail, property, text) != 0) {
-        HL_LOGI("%s", failure);
+        HL_LOGE("%s", failure);
         text.clear();
     }
     return text;
@@ -46,7 +46,7 @@ std::string DetailText(homeloom_client_device_detail_h detail, int property, con
 std::string RequiredText(homeloom_client_device_detail_h detail, int property, const char* failure) {
     std::string text;
     if (TesselHandler::GetInstance().DeviceDetailGetString(detail, property, text) != 0 || text.empty()) {
-        HL_LOGI("%s", failure);
+        HL_LOGE("%s", failure);
         text.clear();
     }
     return text;
@@ -55,7 +55,7 @@ std::string RequiredText(homeloom_client_device_detail_h detail, int property, c
 std::vector<std::string> DetailTexts(homeloom_client_device_detail_h detail, int property, const char* failure) {
     std::vector<std::string> texts;
     if (TesselHandler::GetInstance().DeviceDetailGetStringArray(detail, property, texts) != 0) {
-        HL_LOGI("%s", failure);
+        HL_LOGE("%s", failure);
         texts.clear();
     }
     return texts;
@@ -220,7 +220,7 @@ bool HomeloomClient::readDeviceDetail(homeloom_client_device_detail_h detail, De
     if (TesselHandler::GetInstance().DeviceDetailGetStringArray(
             detail, HOMELOOM_CLIENT_DEVICE_DETAIL_PROPERTY_DEVICE_TYPES, types) != 0 ||
         types.empty()) {
-        HL_LOGI("geting device_type_array failed or size is 0");
+        HL_LOGE("geting device_type_array failed or size is 0");
         return false;
     }
     info.device_type = getDeviceType(types);
@@ -232,7 +232,7 @@ bool HomeloomClient::readDeviceDetail(homeloom_client_device_detail_h detail, De
     int status = DEVICE_STATUS_CONNECTED;
     if (TesselHandler::GetInstance().DeviceDetailGetInt(detail, HOMELOOM_CLIENT_DEVICE_DETAIL_PROPERTY_CLOUD_STATUS,
                                                         status) != 0) {
-        HL_LOGI("getting cloud device state failed");
+        HL_LOGE("getting cloud device state failed");
         status = DEVICE_STATUS_CONNECTED;
     }
     info.status = static_cast<DeviceStatus>(status);

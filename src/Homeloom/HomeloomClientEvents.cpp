@@ -105,6 +105,10 @@ void HomeloomClient::handleSseEvent(homeloom_core_sse_e type, const std::string&
 
 void HomeloomClient::handleSseDeviceEvent(const std::string& json) {
     const json::JsonValue event = json::JsonValue::Create(json);
+    if (!event.isObject()) {
+        HL_LOGE("parsing is failed.");
+        return;
+    }
     const std::string deviceId = event["deviceId"].asString();
     const std::string capability = event["capability"].asString();
     if (_hubHandler->IsLocalHubConnectedDevice(deviceId)) {

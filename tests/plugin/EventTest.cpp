@@ -69,10 +69,12 @@ TEST_F(Event, ADeviceEventCountsIfTheHubServesTheDeviceAndTheCanvasKnowsTheState
         {R"({"deviceId":"hub-plug","capability":"switch","stateChange":true,"valueType":"integer","value":"1"})", 0},
         {R"({"deviceId":"hub-plug","capability":"switch","stateChange":true,"valueType":"string","value":"odd"})", 0},
         {R"({"deviceId":"washer","capability":"switch","stateChange":true,"valueType":"string","value":"on"})", 0},
-        {R"({"deviceId":"washer","capability":"webrtc"})", 0}};
+        {R"({"deviceId":"washer","capability":"webrtc"})", 0},
+        {"no JSON", 0}};
     for (const auto& [json, notifies] : cases) {
         EXPECT_THAT(CausedBy(kDeviceEvent, json), SizeIs(notifies)) << json;
     }
+    EXPECT_TRUE(desk.log.contains("parsing is failed."));
     EXPECT_EQ(desk.screen().stateText("hub-plug"), "On");
     EXPECT_THAT(CausedBy(8, cases[0].json), IsEmpty());  // a kind that nobody asked for
 }
