@@ -376,8 +376,12 @@ void HomeloomClient::onDeviceListChanged(const std::vector<std::string>& deviceI
 
 void HomeloomClient::onDeviceListEmpty() {
     HL_LOGI("_HomeLoomClientDeviceListChanged device list is empty");
-    if (const auto devices = _deviceHandler.Get()) {
-        devices->DeleteDeviceMap();
+    {
+        // A list that is being built ends first and can't leave a device behind that has gone meanwhile.
+        const std::lock_guard<std::recursive_mutex> lock(_sessionMutex);
+        if (const auto devices = _deviceHandler.Get()) {
+            devices->DeleteDeviceMap();
+        }
     }
     OnProfileUpdateEvent(UpdateList::ListEmpty);
     if (NeedHubReset()) {
@@ -388,6 +392,8 @@ void HomeloomClient::onDeviceListEmpty() {
 
 void HomeloomClient::OnDeviceListUpdateEvent(const std::vector<std::string>& deviceIds) {
     requireClientAvailable();
+    // For the same reason as with an empty list.
+    const std::lock_guard<std::recursive_mutex> lock(_sessionMutex);
     const auto devices = _deviceHandler.Get();
     if (!devices) {
         return;

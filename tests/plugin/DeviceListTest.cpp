@@ -259,3 +259,24 @@ TEST(DeviceList, ThatIsAbandonedLeavesNoDeviceOfTheOldUser) {
     framework::requestDeviceList();
     EXPECT_TRUE(desk.waitForLists(1).has("device-49"));
 }
+
+TEST(DeviceList, ThatIsBeingBuiltLeavesNoDeviceThatGoesMeanwhile) {
+    Desk desk(simulator::generateHome(50));
+    desk.agent.fault(kSetDetailCallback, Fault::fail(-5));
+    desk.start();
+    desk.waitForStatus(0);
+    for (const auto& staying : std::vector<std::vector<std::string>>{{}, {"device-0"}}) {
+        desk.settle();
+        desk.log.clear();
+        desk.atLogLine("old device map size", [&] {
+            desk.agent.sendDeviceList(staying);
+            EXPECT_TRUE(desk.log.waitFor("[_HomeLoomClientDeviceListChanged] before job"));
+        });
+        framework::requestDeviceList();
+        desk.settle();
+        desk.agent.sendEvent(2, R"({"lifecycle":"CREATE"})");  // brings one more list
+        desk.settle();
+        EXPECT_EQ(desk.screen().has("device-0"), !staying.empty());
+        EXPECT_FALSE(desk.screen().has("device-49"));
+    }
+}
