@@ -231,6 +231,7 @@ void HomeloomClient::connectClient() {
             return;
         }
         HL_LOGI("try to call homeloom_client_connect");
+        _isConnectionWanted = true;
         result = TesselHandler::GetInstance().Connect(_HomeLoomClientConnectionStateChanged, this);
     }
     switch (result) {
@@ -251,6 +252,7 @@ void HomeloomClient::connectClient() {
 // Only the facade's handle goes: the session counts as connected until the agent says otherwise.
 void HomeloomClient::disconnectClient() {
     const std::lock_guard<std::mutex> gate(_connectGate);
+    _isConnectionWanted = false;
     const int result = TesselHandler::GetInstance().Disconnect();
     HL_LOGI("homeloom_client_disconnect() ret : %d", result);
     // The agent has dropped its pending calls, so nobody will come for what waits for their answers.
@@ -440,6 +442,11 @@ void HomeloomClient::onConnectionStateChanged(homeloom_client_error_e result,
     }
     switch (state) {
         case HOMELOOM_CLIENT_CONNECTION_STATE_CONNECTED:
+            if (!_isConnectionWanted) {
+                // Taken for a connection, it would stop the retry timer while nothing is connected.
+                HL_LOGI("connection was let go of meanwhile. skip!");
+                return;
+            }
             CHLUtil::PrintTimeStamp("TESSEL CLIENT CONNECTED");
             handleAgentConnected();
             reportPluginReady(isClientAvailable());

@@ -329,6 +329,9 @@ private:
     std::recursive_mutex _retryCallbackMutex;
     // Held around {still wanted? connect}: once teardown has disconnected, no timer and no setting connects again.
     std::mutex _connectGate;
+    // From asking for a connection to letting go of it. Written under the gate. What was told of a connection in
+    // between may still wait in the scheduler afterwards.
+    std::atomic<bool> _isConnectionWanted{false};
 
     Canvas _canvas;
     std::unique_ptr<CHubHandler> _hubHandler;

@@ -183,6 +183,20 @@ TEST_F(Session, GivesUpAfterTwelveTriesUntilSomethingElseConnects) {
     desk.waitFor("the washer", IsShown);
 }
 
+TEST_F(Session, AConnectionThatIsLetGoOfBeforeItIsHandledIsTriedAgain) {
+    // The scheduler is busy while the connection is lost and, because the setting is set, made anew.
+    desk.atLogLine("createCanvas() start", [&] {
+        desk.agent.changeConnection(Agent::Connection::IoError);
+        desk.agent.waitIdle();
+        desk.setDisclaimer(1);
+        desk.loop.call([] {});
+        desk.agent.waitIdle();
+    });
+    desk.start();
+    desk.fireTimer();
+    desk.waitFor("the washer", [](const Screen& shown) { return shown.signInNotices == 2 && IsShown(shown); });
+}
+
 TEST_F(Session, FailuresCountOnThroughASignedOutConnection) {
     desk.agent.signOut();
     desk.agent.fault(kConnect, Fault::fail(-5).times(3));
