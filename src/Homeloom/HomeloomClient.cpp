@@ -495,9 +495,7 @@ void HomeloomClient::handleAgentConnected() {
     HL_LOGI("We DO REGISTER callback functions due to ALREADY SIGNED-IN status!");
     if (_isHomeStale.exchange(false)) {
         // The agent's list, which comes by itself, makes the devices anew, and with them their subscriptions.
-        if (const auto devices = _deviceHandler.Get()) {
-            devices->DeleteDeviceMap();
-        }
+        deleteDevices();
     }
     registerCallbacks();
     if (_retryCounter.GetCount() > 0) {
@@ -534,6 +532,8 @@ void HomeloomClient::onSignInStateChanged(bool isSignedIn) {
     }
     if (isLoginIdChanged()) {
         Metadata::GetInstance().ClearMetadataMaps();
+        // Without a sign-out in between the old user's devices are still there. Only new ones get metadata.
+        deleteDevices();
     }
     HL_LOGI("_HomeLoomClientSignInStateChanged(): sign in state changed, state : %d", isSignedIn);
     if (!isHomeLoomClientAvailable()) {
@@ -561,11 +561,15 @@ void HomeloomClient::OnSignInStateChangeEvent(bool isSignedIn) {
     HL_LOGI("is_signed_in(%d) reported to UI", isSignedIn);
     if (!isSignedIn) {
         HL_LOGI("sign out! clear all devices info");
-        // A list build in progress ends first and can't leave a device of the old user behind.
-        const std::lock_guard<std::recursive_mutex> lock(_sessionMutex);
-        if (const auto device = _deviceHandler.Get()) {
-            device->DeleteDeviceMap();
-        }
+        deleteDevices();
+    }
+}
+
+// A list build in progress ends first and can't leave a device behind that has gone meanwhile.
+void HomeloomClient::deleteDevices() {
+    const std::lock_guard<std::recursive_mutex> lock(_sessionMutex);
+    if (const auto devices = _deviceHandler.Get()) {
+        devices->DeleteDeviceMap();
     }
 }
 

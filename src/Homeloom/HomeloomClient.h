@@ -204,6 +204,7 @@ private:
     void handleAgentDisconnection();
     void onSignInStateChanged(bool isSignedIn);
     void OnSignInStateChangeEvent(bool isSignedIn);
+    void deleteDevices();
     void updateAccessToken(bool isSignedIn);
     void setCurrentLoginId();
     bool isLoginIdChanged();

@@ -87,9 +87,7 @@ void SetCoreFields(Device::_deviceInfo& info, const std::unordered_map<std::stri
 void HomeloomClient::buildNewDeviceMap(std::unique_lock<std::recursive_mutex> sessionLock) {
     requireClientAvailable();
     HL_LOGI("start build devices");
-    if (const auto devices = _deviceHandler.Get()) {
-        devices->DeleteDeviceMap();
-    }
+    deleteDevices();
     if (!GetDevicesInfo()) {
         return;
     }

@@ -376,13 +376,7 @@ void HomeloomClient::onDeviceListChanged(const std::vector<std::string>& deviceI
 
 void HomeloomClient::onDeviceListEmpty() {
     HL_LOGI("_HomeLoomClientDeviceListChanged device list is empty");
-    {
-        // A list that is being built ends first and can't leave a device behind that has gone meanwhile.
-        const std::lock_guard<std::recursive_mutex> lock(_sessionMutex);
-        if (const auto devices = _deviceHandler.Get()) {
-            devices->DeleteDeviceMap();
-        }
-    }
+    deleteDevices();
     OnProfileUpdateEvent(UpdateList::ListEmpty);
     if (NeedHubReset()) {
         HL_LOGI("hub is deleted, go to reset hub");
@@ -392,7 +386,7 @@ void HomeloomClient::onDeviceListEmpty() {
 
 void HomeloomClient::OnDeviceListUpdateEvent(const std::vector<std::string>& deviceIds) {
     requireClientAvailable();
-    // For the same reason as with an empty list.
+    // A list build in progress ends first, as for deleteDevices().
     const std::lock_guard<std::recursive_mutex> lock(_sessionMutex);
     const auto devices = _deviceHandler.Get();
     if (!devices) {

@@ -305,18 +305,23 @@ TEST_F(Session, OnlyAnotherLoginDropsParsedMetadata) {
     model.uiMetadata.replace(at, old.size(), R"("Waiting"})");
     desk.agent.setModel(model);
 
-    const auto signInAs = [&](const simulator::Account& account) {
+    const auto signInAs = [&](const simulator::Account& account, bool isSignedOutBefore) {
         const int lists = desk.screen().lists;
-        desk.agent.signOut();
+        if (isSignedOutBefore) {
+            desk.agent.signOut();
+        }
         desk.agent.signIn(account);
         desk.waitFor("the home again", [&](const Screen& shown) {
             return shown.lists > lists + 1 && shown.isSignedIn && !shown.stateText("washer").empty();
         });
     };
-    signInAs(home.account);
+    signInAs(home.account, true);
     EXPECT_EQ(desk.screen().stateText("washer"), "Ready");
-    signInAs({"jun@home.example", "user-jun", "token-of-jun", ""});
+    signInAs({"jun@home.example", "user-jun", "token-of-jun", ""}, true);
     EXPECT_TRUE(desk.log.contains("login id Changed : old(mina@home.example)->new(jun@home.example)"));
     EXPECT_EQ(desk.screen().stateText("washer"), "Waiting");
     EXPECT_EQ(desk.ask("hl_get_accesstoken_uid", {})->properties.text("access_token"), "token-of-jun");
+
+    signInAs(home.account, false);
+    StartWasher(desk);
 }
