@@ -35,6 +35,16 @@ std::vector<std::string> Ids(const Screen& screen) {
     return ids;
 }
 
+/// A TV whose agent tells nobody of details by itself.
+struct QuietDesk : Desk {
+    explicit QuietDesk(simulator::Home home) : Desk(std::move(home)) {
+        agent.fault(kSetDetailCallback, Fault::fail(-5));
+        start();
+        waitForStatus(0);
+        settle();
+    }
+};
+
 const std::vector<std::string> kNoDevices{"good-night",  "home",    "lights-at-sunset", "movie-time",
                                           "night-watch", "parents", "parents-heating",  "parents-welcome"};
 
@@ -123,10 +133,7 @@ TEST(DeviceList, SaysWhetherThereIsAnythingToShow) {
 // ---- The framework's own request ----
 
 TEST(DeviceList, ThatIsAskedForReadsTheAgentOnlyWhenNothingIsThere) {
-    Desk desk(Desk::apartmentWith({"washer"}));
-    desk.agent.fault(kSetDetailCallback, Fault::fail(-5));  // the list does not come by itself
-    desk.start();
-    desk.waitForStatus(0);
+    QuietDesk desk(Desk::apartmentWith({"washer"}));
     desk.agent.fault(kDetailList, Fault::fail(-5).times(1));
     framework::requestDeviceList();
     EXPECT_TRUE(desk.log.waitFor("get device detail list error!"));
@@ -144,13 +151,10 @@ TEST(DeviceList, ThatIsAskedForReadsTheAgentOnlyWhenNothingIsThere) {
 }
 
 TEST(DeviceList, OfAHomeWithoutDevicesShowsTheRest) {
-    Desk desk(Desk::apartmentWith({}));
-    desk.agent.fault("homeloom_client_set_device_list_updated_cb", Fault::fail(-5));
-    desk.agent.fault(kSetDetailCallback, Fault::fail(-5));
-    desk.start();
-    desk.waitForStatus(0);
+    QuietDesk desk(Desk::apartmentWith({}));
+    desk.waitForLists(1);
     framework::requestDeviceList();  // and the agent answers that there is no data
-    EXPECT_THAT(Ids(desk.waitForLists(1)), ElementsAreArray(kNoDevices));
+    EXPECT_THAT(Ids(desk.waitForLists(2)), ElementsAreArray(kNoDevices));
     EXPECT_EQ(desk.agent.callCount("homeloom_client_get_ui_metadata"), 0);
 }
 
@@ -238,10 +242,7 @@ TEST_P(LateAnswer, IsWaitedFor) {
 // ---- The user leaves in the middle of a build ----
 
 TEST(DeviceList, ThatIsAbandonedLeavesNoDeviceOfTheOldUser) {
-    Desk desk(simulator::generateHome(50));
-    desk.agent.fault(kSetDetailCallback, Fault::fail(-5));
-    desk.start();
-    desk.waitForStatus(0);
+    QuietDesk desk(simulator::generateHome(50));
     const auto isSignedOut = [](const Screen& shown) { return shown.signInNotices == 2; };
     desk.atLogLine("old device map size", [&] {
         desk.agent.signOut();
@@ -261,12 +262,8 @@ TEST(DeviceList, ThatIsAbandonedLeavesNoDeviceOfTheOldUser) {
 }
 
 TEST(DeviceList, ThatIsBeingBuiltLeavesNoDeviceThatGoesMeanwhile) {
-    Desk desk(simulator::generateHome(50));
-    desk.agent.fault(kSetDetailCallback, Fault::fail(-5));
-    desk.start();
-    desk.waitForStatus(0);
+    QuietDesk desk(simulator::generateHome(50));
     for (const auto& staying : std::vector<std::vector<std::string>>{{}, {"device-0"}}) {
-        desk.settle();
         desk.log.clear();
         desk.atLogLine("old device map size", [&] {
             desk.agent.sendDeviceList(staying);

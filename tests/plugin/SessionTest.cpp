@@ -36,6 +36,12 @@ void StartWasher(Desk& desk) {
 
 class Session : public testing::Test {
 protected:
+    void StartAndShow() {
+        desk.start();
+        desk.waitFor("the washer", IsShown);
+        desk.settle();
+    }
+
     Desk desk{Desk::apartmentWith({"washer"})};
 };
 
@@ -95,9 +101,7 @@ TEST_F(Session, StaysSilentUntilTheDisclaimerIsAccepted) {
 }
 
 TEST_F(Session, LetsGoOfTheAgentWhenTheDisclaimerIsWithdrawn) {
-    desk.start();
-    desk.waitFor("the washer", IsShown);
-    desk.settle();
+    StartAndShow();
     desk.setDisclaimer(0);
     desk.loop.call([] {});
     EXPECT_EQ(desk.agent.holdings().total(), 0);
@@ -143,9 +147,7 @@ TEST_P(BadSession, FailsAtFirstAndIsTriedAgain) {
 }
 
 TEST_P(BadSession, IsLostAndTheMapIsBuiltAnew) {
-    desk.start();
-    desk.waitFor("the washer", IsShown);
-    desk.settle();
+    StartAndShow();
     const int lists = desk.screen().lists;
     desk.agent.changeConnection(GetParam().outcome);
     ASSERT_TRUE(desk.log.waitFor("5 sec delayed, will start Reinit"));
@@ -231,8 +233,7 @@ TEST_F(Session, AConnectionThatIsThereOrUnderWayNeedsNoTimer) {
 }
 
 TEST_F(Session, ATimerThatFindsTheConnectionUpReportsIt) {
-    desk.start();
-    desk.waitFor("the washer", IsShown);
+    StartAndShow();
     desk.agent.fault(kConnect, Fault::fail(-5).times(1));
     desk.setDisclaimer(1);  // connects, and the failure arms the timer
     desk.fireTimer();
@@ -243,40 +244,26 @@ TEST_F(Session, ATimerThatFindsTheConnectionUpReportsIt) {
 
 // ---- An update of the agent ----
 
-TEST_F(Session, AnUpdateTakesTheHomeAwayAndBringsItBack) {
-    desk.start();
-    desk.waitFor("the washer", IsShown);
-    desk.settle();
-    ServiceManager& manager = ServiceManager::instance();
-    manager.startUpdate();
-    manager.waitIdle();
-    EXPECT_EQ(desk.agent.holdings().total(), 0);
-    EXPECT_EQ(desk.armedTimers(), 0) << "the service manager's word is waited for";
-    const auto request = framework::request("hl_do_main_action", {{"device_id", "washer"}, {"action_url", ""}});
-    EXPECT_TRUE(desk.log.waitFor("manager not available"));
-    EXPECT_FALSE(desk.isAnswered(request));
-
-    const int lists = desk.screen().lists;
-    manager.endUpdate();
-    desk.waitFor("the home again", [&](const Screen& shown) { return shown.lists > lists + 1 && IsShown(shown); });
-    StartWasher(desk);
-}
-
-TEST_F(Session, TheAgentsWordOfAnUpdateArmsNoTimer) {
-    desk.start();
-    desk.waitFor("the washer", IsShown);
+TEST_F(Session, AnUpdateLetsGoOfTheAgentAndWaitsForTheServiceManager) {
+    StartAndShow();
     desk.agent.changeConnection(Agent::Connection::Updating);
     EXPECT_TRUE(desk.log.waitFor("Agent Updating - Should be reconnect after update completed"));
     desk.settle();
     EXPECT_EQ(desk.armedTimers(), 0);
+
+    ServiceManager::instance().startUpdate();
+    ServiceManager::instance().waitIdle();
+    EXPECT_EQ(desk.agent.holdings().total(), 0);
+    EXPECT_EQ(desk.armedTimers(), 0);
+    const auto request = framework::request("hl_do_main_action", {{"device_id", "washer"}, {"action_url", ""}});
+    EXPECT_TRUE(desk.log.waitFor("manager not available"));
+    EXPECT_FALSE(desk.isAnswered(request));
 }
 
 // ---- The user ----
 
 TEST_F(Session, SigningOutEmptiesTheHomeAndSigningInBringsItBack) {
-    desk.start();
-    desk.waitFor("the washer", IsShown);
-    desk.settle();
+    StartAndShow();
     desk.mark();
     desk.agent.signOut();
     desk.waitFor("the notice", [](const Screen& shown) { return !shown.isSignedIn; });
@@ -293,9 +280,7 @@ TEST_F(Session, SigningOutEmptiesTheHomeAndSigningInBringsItBack) {
 }
 
 TEST_F(Session, OnlyAnotherLoginDropsParsedMetadata) {
-    desk.start();
-    desk.waitFor("the washer", IsShown);
-    desk.settle();
+    StartAndShow();
     // The cloud's document changes, its version doesn't: it is read again only if the old one is gone.
     const simulator::Home home = desk.agent.home();
     simulator::Model model = home.models.at("HL-WASHER-WF24");

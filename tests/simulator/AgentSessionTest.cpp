@@ -1,11 +1,8 @@
-#include <norvane_svcmgr.h>
-
 #include <atomic>
 #include <future>
 #include <thread>
 
 #include "AgentTest.h"
-#include "simulator/ServiceManager.h"
 
 using namespace std::chrono_literals;
 using simulator::Agent;
@@ -14,28 +11,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 using AgentSession = AgentTest;
-
-TEST_F(AgentSession, OutcomesOfAConnection) {
-    const struct {
-        Agent::Connection outcome;
-        const char* told;
-    } cases[] = {{Agent::Connection::Connected, "connection 0 0"},
-                 {Agent::Connection::Disconnected, "connection 1 -5"},
-                 {Agent::Connection::Rejected, "connection 2 -13"},
-                 {Agent::Connection::IoError, "connection 3 -5"}};
-    for (const auto& [outcome, told] : cases) {
-        agent.setConnectOutcome(outcome);
-        homeloom_client_h handle = nullptr;
-        ASSERT_EQ(homeloom_client_connect(&handle, onConnection, this), 0);
-        EXPECT_THAT(taken(), ElementsAre(told));
-        EXPECT_EQ(homeloom_client_disconnect(handle), 0);
-        EXPECT_EQ(homeloom_client_disconnect(handle), HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER);
-    }
-    agent.setConnectOutcome(Agent::Connection::Updating);
-    EXPECT_EQ(homeloom_client_connect(&client, onConnection, this), HOMELOOM_CLIENT_ERROR_UPDATING);
-    EXPECT_EQ(client, nullptr);
-    EXPECT_THAT(taken(), IsEmpty());
-}
 
 TEST_F(AgentSession, AHandleIsUsedAgainAfterItsConnectionWasLost) {
     agent.fault("homeloom_client_connect", Fault::late(1h).times(1));
@@ -59,47 +34,6 @@ TEST_F(AgentSession, AHandleIsUsedAgainAfterItsConnectionWasLost) {
     agent.sendEvent(1, "{}");
     agent.sendEvent(1, std::string("cut\0short", 9));
     EXPECT_THAT(taken(), ElementsAre("connection 0 0", "event 1 {}", "event 1 cut"));
-}
-
-TEST_F(AgentSession, TheServiceManagerTakesTheAgentAwayAndBringsItBack) {
-    connect();
-    simulator::ServiceManager& manager = simulator::ServiceManager::instance();
-    const auto onStatus = [](norvane_svcmgr_update_status_e status, void* userData) {
-        self(userData).note("update " + std::to_string(status));
-    };
-    EXPECT_EQ(norvane_svcmgr_set_update_status_cb(onStatus, this), 0);
-    manager.startUpdate();
-    manager.waitIdle();
-    EXPECT_THAT(taken(), ElementsAre("update 2", "connection 1 -1073741828"));
-    EXPECT_EQ(homeloom_client_connect(&client, onConnection, this), HOMELOOM_CLIENT_ERROR_UPDATING);
-    manager.endUpdate();
-    manager.waitIdle();
-    EXPECT_THAT(taken(), ElementsAre("update 3"));
-    EXPECT_EQ(norvane_svcmgr_unset_update_status_cb(), 0);
-    manager.announce(2);
-    manager.waitIdle();
-    EXPECT_THAT(taken(), IsEmpty());
-    EXPECT_EQ(homeloom_client_connect(&client, onConnection, this), 0);
-    EXPECT_THAT(taken(), ElementsAre("connection 0 0"));
-}
-
-TEST_F(AgentSession, SignOutAndAnotherLogin) {
-    connect();
-    const auto onSignIn = [](bool isSignedIn, void* userData) {
-        char* login = nullptr;
-        const int code = homeloom_client_get_login_id(self(userData).client, &login);
-        self(userData).note(std::to_string(isSignedIn) + " " + std::to_string(code) + " " + text(login));
-        std::free(login);
-    };
-    ASSERT_EQ(homeloom_client_set_sign_in_state_changed_cb(client, onSignIn, this), 0);
-    agent.signOut();
-    agent.waitIdle();
-    homeloom_client_device_detail_h* list = nullptr;
-    int count = 0;
-    EXPECT_EQ(homeloom_client_get_device_detail_list(client, &list, &count), HOMELOOM_CLIENT_ERROR_PERMISSION_DENIED);
-    agent.signIn({"jun@home.example", "user-jun", "", ""});
-    EXPECT_THAT(taken(), ElementsAre("0 -13 null", "1 0 jun@home.example"));
-    EXPECT_EQ(agent.home().account.accessToken, "token-of-mina");
 }
 
 TEST_F(AgentSession, DisconnectDropsWhatIsPending) {
@@ -151,37 +85,4 @@ TEST_F(AgentSession, DisconnectFromACallbackReturns) {
     };
     ASSERT_EQ(homeloom_core_get_scene_icon_list_async(client, onJsonDisconnect, this), 0);
     EXPECT_THAT(taken(), ElementsAre("0"));
-}
-
-TEST_F(AgentSession, ManyThreadsAtOnce) {
-    static std::atomic<int> answers;
-    answers = 0;
-    const auto count = [](int, const char*, const char*, void*) { ++answers; };
-    const auto countRemote = [](int, const char*, const char*, const char*, const char*, void*) { ++answers; };
-    const int rounds = 200;
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([&] {
-            homeloom_client_h own = nullptr;
-            ASSERT_EQ(homeloom_client_connect(
-                          &own, [](homeloom_client_error_e, homeloom_client_connection_state_e, void*) {}, nullptr),
-                      0);
-            while (homeloom_client_refresh_device_information(own) != 0) {
-                std::this_thread::yield();
-            }
-            for (int round = 0; round < rounds; ++round) {
-                agent.set("washer", "/course/vs/0", "x.com.norvane.da.course", std::to_string(round));
-                homeloom_core_get_scene_icon_list_async(own, count, nullptr);
-                homeloom_client_get_remote_attributes(own, "washer", "/course/vs/0", countRemote, nullptr);
-                agent.fault("homeloom_core_delete_device", Fault::fail(-1));
-                agent.clearFaults();
-            }
-            agent.waitIdle();
-            EXPECT_EQ(homeloom_client_disconnect(own), 0);
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    EXPECT_EQ(answers, 4 * 2 * rounds);
 }
