@@ -60,7 +60,7 @@ DeviceHandler::DeviceLock DeviceHandler::GetDeviceData(const std::shared_ptr<IEn
         const int count = list->GetCount();
         list->Push(endpoint->GetHandle(), VMF_ERROR_NONE);
         if (list->GetCount() > count) {
-            unlisted.release();
+            static_cast<void>(unlisted.release());
         }
     }
     return lock;

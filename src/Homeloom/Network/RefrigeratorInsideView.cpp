@@ -84,11 +84,12 @@ InsideViewUrls RefrigeratorInsideView::RequestImageUrls(const std::string& devic
 std::vector<std::string> RefrigeratorInsideView::getRequestUrls(const std::string& deviceId,
                                                                 const json::JsonValue& representation) {
     const std::string base = getServerURL(getServerType());
+    const std::string query = std::string("?cid=") + kClientId + "&di=" + deviceId;
     const auto contents = representation[kContents];
     std::vector<std::string> urls;
     for (std::size_t i = 0; contents.isArray() && i < contents.size(); ++i) {
         const json::JsonValue content = contents[i];
-        urls.push_back(base + content[kFileId].asString() + "?" + "cid=" + kClientId + "&di=" + deviceId);
+        urls.push_back(base + content[kFileId].asString() + query);
         HL_LOGI("inside view url : %s", urls.back().c_str());
     }
     return urls;

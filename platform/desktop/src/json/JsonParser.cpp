@@ -129,7 +129,7 @@ std::shared_ptr<bj::value> parseJson(std::string_view text) {
         return nullptr;
     }
     bj::value& root = document->root.emplace(parser.handler().release());
-    return {std::move(document), &root};
+    return {document, &root};
 }
 
 }  // namespace homeloom::desktop
