@@ -12,6 +12,8 @@
 
 #include <gtest/gtest.h>
 
+#include "desktop/Log.h"
+
 using VMFramework::HomeLoom::MsgDispatcher;
 
 namespace {
@@ -92,6 +94,22 @@ TEST(MsgDispatcher, ThrowsAwayWhatComesWhilePaused) {
     dispatcher.Resume();
     RunAll(dispatcher);
     EXPECT_EQ(ran, 0);
+}
+
+TEST(MsgDispatcher, APauseThatComesAfterQuitDoesNotHoldItUp) {
+    homeloom::desktop::log::Capture log{DLOG_INFO};
+    MsgDispatcher dispatcher("test");
+    std::promise<void> entered;
+    dispatcher.EnqueueData(
+        [&] {
+            entered.set_value();
+            log.waitFor("[test] before join");
+            dispatcher.Pause();
+        },
+        "pauses");
+    entered.get_future().wait();
+    dispatcher.Quit();
+    EXPECT_FALSE(log.contains("PAUSED STATUS"));
 }
 
 TEST(MsgDispatcher, JobsMayPushAndTheirDestructorsToo) {

@@ -184,7 +184,8 @@ void MsgDispatcher::dispatchUntilQuit() {
             continue;
         }
         _goingToSleep = false;
-        if (_paused) {
+        // A pause that comes after Quit must not keep the thread here for ever.
+        if (_paused && _running) {
             HL_LOGE("[%s] PAUSED STATUS. clear all", _name.c_str());
             ClearData();
             continue;
