@@ -29,6 +29,7 @@ vmf_endpoint_list_h CEndpointListHelper::GetHandle() {
 void CEndpointListHelper::Push(vmf_endpoint_h endpoint, vmf_error_e error) {
     if (error != VMF_ERROR_NONE || vmf_endpoint_list_push_endpoint(_list, endpoint) != VMF_ERROR_NONE) {
         HL_LOGE("Push is failed");
+        vmf_endpoint_destroy(endpoint);
         return;
     }
     ++_count;

@@ -19,7 +19,7 @@ public:
     virtual ~IEndpointListHelper() = default;
 
     virtual vmf_endpoint_list_h GetHandle() = 0;
-    /// Appends an endpoint that was made with result 'error'.
+    /// Appends an endpoint that was made with result 'error'. Takes it over: one that can't be appended is destroyed.
     virtual void Push(vmf_endpoint_h endpoint, vmf_error_e error) = 0;
     virtual void Pop(void** endpoint, vmf_error_e* error) = 0;
     virtual vmf_endpoint_h Find(const std::string& deviceId) = 0;

@@ -187,13 +187,11 @@ TEST_F(Helpers, AnEndpointListOwnsAndCounts) {
     EXPECT_EQ(list->GetNext(list->GetFirst()), list->Find("b"));
     EXPECT_FALSE(list->Empty());
 
-    const auto unlisted = IEndpointHelper::Create();
     failCalls("vmf_endpoint_list_push_endpoint", VMF_ERROR_FAILED);
-    list->Push(unlisted->GetHandle(), VMF_ERROR_NONE);
+    list->Push(IEndpointHelper::Create()->GetHandle(), VMF_ERROR_NONE);
     passCalls();
     EXPECT_EQ(log.count("Push is failed"), 1);
     EXPECT_EQ(list->GetCount(), 2);
-    vmf_endpoint_destroy(unlisted->GetHandle());
 
     for (const int left : {1, 0, -1}) {  // below zero: it counts what was asked for
         void* popped = nullptr;

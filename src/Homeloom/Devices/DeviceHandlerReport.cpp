@@ -57,11 +57,7 @@ DeviceHandler::DeviceLock DeviceHandler::GetDeviceData(const std::shared_ptr<IEn
         const auto value = notificationValues.find(id);
         fillEndpoint(*endpoint, device, value != notificationValues.end() ? value->second : 0);
         endpoint->PrintData(device);
-        const int count = list->GetCount();
-        list->Push(endpoint->GetHandle(), VMF_ERROR_NONE);
-        if (list->GetCount() > count) {
-            static_cast<void>(unlisted.release());
-        }
+        list->Push(unlisted.release(), VMF_ERROR_NONE);
     }
     return lock;
 }
