@@ -64,6 +64,9 @@ TEST_F(ServerEnvRequest, AsksForProductionTooWhenTheAgentDoesNotSayWhatItHas) {
     desk.agent.fault(kGetter, Fault::fail(HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER));
     EXPECT_EQ(Ask(1, 1), kTrue);
     EXPECT_EQ(Launched(), "PROD@PROD;");
+
+    // Nor is what it does not say equal to an environment that is none.
+    EXPECT_EQ(Ask(-1, -1), kFalse);
 }
 
 TEST_F(ServerEnvRequest, FailsWithTheLaunch) {

@@ -61,14 +61,15 @@ e_server_env_ CServerEnvMgr::GetUImetaServerEnv() {
 }
 
 bool CServerEnvMgr::SetServerEnv(int iotCloud, int uiMeta) {
-    // A value that can't be read equals no request.
     int currentIotCloud = -1;
     int currentUiMeta = -1;
-    TesselHandler::GetInstance().GetServerEnv(SERVER_TYPE_IOTCLOUD, currentIotCloud);
-    TesselHandler::GetInstance().GetServerEnv(SERVER_TYPE_UIMETA, currentUiMeta);
+    auto& agent = TesselHandler::GetInstance();
+    const bool isIotCloudKnown = agent.GetServerEnv(SERVER_TYPE_IOTCLOUD, currentIotCloud) == 0;
+    const bool isUiMetaKnown = agent.GetServerEnv(SERVER_TYPE_UIMETA, currentUiMeta) == 0;
     HL_LOGI("requested[iotCloud:%d, uiMeta:%d], tessel[iotCloud:%d, uiMeta:%d]", iotCloud, uiMeta, currentIotCloud,
             currentUiMeta);
-    if (iotCloud == currentIotCloud && uiMeta == currentUiMeta) {
+    // A value that can't be read equals no request, not even one for the number that stands in its place.
+    if (isIotCloudKnown && isUiMetaKnown && iotCloud == currentIotCloud && uiMeta == currentUiMeta) {
         HL_LOGI("nothing changed! do nothing. but return true");
         return true;
     }
