@@ -18,15 +18,12 @@ struct Table {
     void* Next() { return reinterpret_cast<void*>(++last); }
 };
 
-Table& Tokens() {
-    static Table table;
-    return table;
-}
+// Made when the library is loaded, and so destroyed after the singletons: their handlers still give tokens back then.
+Table table;
 
 }  // namespace
 
 void* CallbackTokens::Watch(std::weak_ptr<void> object) {
-    Table& table = Tokens();
     const std::lock_guard<std::mutex> lock(table.mutex);
     void* const token = table.Next();
     table.watched.emplace(token, std::move(object));
@@ -34,20 +31,17 @@ void* CallbackTokens::Watch(std::weak_ptr<void> object) {
 }
 
 void CallbackTokens::Unwatch(void* token) {
-    Table& table = Tokens();
     const std::lock_guard<std::mutex> lock(table.mutex);
     table.watched.erase(token);
 }
 
 std::shared_ptr<void> CallbackTokens::findObject(void* token) {
-    Table& table = Tokens();
     const std::lock_guard<std::mutex> lock(table.mutex);
     const auto found = table.watched.find(token);
     return found == table.watched.end() ? nullptr : found->second.lock();
 }
 
 void* CallbackTokens::Keep(std::shared_ptr<void> object) {
-    Table& table = Tokens();
     const std::lock_guard<std::mutex> lock(table.mutex);
     void* const token = table.Next();
     table.kept.emplace(token, std::move(object));
@@ -55,7 +49,6 @@ void* CallbackTokens::Keep(std::shared_ptr<void> object) {
 }
 
 std::shared_ptr<void> CallbackTokens::takeObject(void* token) {
-    Table& table = Tokens();
     const std::lock_guard<std::mutex> lock(table.mutex);
     const auto found = table.kept.find(token);
     if (found == table.kept.end()) {
@@ -69,7 +62,6 @@ std::shared_ptr<void> CallbackTokens::takeObject(void* token) {
 void CallbackTokens::DropKept() {
     // What was kept is destroyed outside the lock: it may hold anything.
     std::unordered_map<void*, std::shared_ptr<void>> dropped;
-    Table& table = Tokens();
     const std::lock_guard<std::mutex> lock(table.mutex);
     dropped.swap(table.kept);
 }
