@@ -55,18 +55,22 @@ void CHomeLoomClient::_Invoke(Task task) {
 }
 
 void CHomeLoomClient::RequestService(const std::shared_ptr<CTransaction>& transaction) {
+    HL_TRACE(this);
     _Invoke(std::bind(&CHomeLoomClient::_RequestService, std::placeholders::_1, transaction));
 }
 
 void CHomeLoomClient::Search() {
+    HL_TRACE(this);
     _Invoke(std::bind(&CHomeLoomClient::_Search, std::placeholders::_1));
 }
 
 void CHomeLoomClient::StopSearch() {
+    HL_TRACE(this);
     _Invoke(std::bind(&CHomeLoomClient::_StopSearch, std::placeholders::_1));
 }
 
 void CHomeLoomClient::GetDeviceList() {
+    HL_TRACE(this);
     _Invoke(std::bind(&CHomeLoomClient::_GetDeviceList, std::placeholders::_1));
 }
 

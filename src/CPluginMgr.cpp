@@ -40,6 +40,7 @@ void CPluginMgr::Deinit() {
 }
 
 void CPluginMgr::ReportRequestResult(const std::shared_ptr<IPropertyListHelper>& list) {
+    HL_TRACE(this);
     try {
         _controller->ReportRequestResult(list);
     } catch (const std::exception& e) {
@@ -48,6 +49,7 @@ void CPluginMgr::ReportRequestResult(const std::shared_ptr<IPropertyListHelper>&
 }
 
 void CPluginMgr::ReportServiceNotify(const std::shared_ptr<IPropertyListHelper>& list) {
+    HL_TRACE(this);
     try {
         _controller->ReportServiceNotify(list);
     } catch (const std::exception& e) {
@@ -56,6 +58,7 @@ void CPluginMgr::ReportServiceNotify(const std::shared_ptr<IPropertyListHelper>&
 }
 
 void CPluginMgr::ReportDeviceList(const std::shared_ptr<IEndpointListHelper>& list) {
+    HL_TRACE(this);
     try {
         _controller->ReportDeviceList(list);
     } catch (const std::exception& e) {
@@ -64,6 +67,7 @@ void CPluginMgr::ReportDeviceList(const std::shared_ptr<IEndpointListHelper>& li
 }
 
 void CPluginMgr::ReportDeviceFound(const std::shared_ptr<IEndpointHelper>& endpoint) {
+    HL_TRACE(this);
     try {
         _controller->ReportDeviceFound(endpoint);
     } catch (const std::exception& e) {
@@ -72,6 +76,7 @@ void CPluginMgr::ReportDeviceFound(const std::shared_ptr<IEndpointHelper>& endpo
 }
 
 void CPluginMgr::ReportPluginStatus(PluginStatus status) {
+    HL_TRACE(this);
     try {
         _controller->ReportPluginStatus(status);
     } catch (const std::exception& e) {

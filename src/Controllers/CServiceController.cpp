@@ -90,38 +90,47 @@ void CServiceController::_Invoke(Task task) {
 
 void CServiceController::RequestService(const std::shared_ptr<IPropertyListHelper>& list,
                                         vmf_transaction_h transaction) {
+    HL_TRACE(this);
     _Invoke(std::bind(&CServiceController::_RequestService, std::placeholders::_1, list, transaction));
 }
 
 void CServiceController::Search(vmf_service_handler_h handler, const std::string& text) {
+    HL_TRACE(this);
     _Invoke(std::bind(&CServiceController::_Search, std::placeholders::_1, handler, text));
 }
 
 void CServiceController::StopSearch() {
+    HL_TRACE(this);
     _Invoke(std::bind(&CServiceController::_StopSearch, std::placeholders::_1));
 }
 
 void CServiceController::GetDeviceList(vmf_service_handler_h handler, const std::string& text) {
+    HL_TRACE(this);
     _Invoke(std::bind(&CServiceController::_GetDeviceList, std::placeholders::_1, handler, text));
 }
 
 void CServiceController::ReportRequestResult(const std::shared_ptr<IPropertyListHelper>& list) {
+    HL_TRACE(this);
     _Invoke(std::bind(&CServiceController::_ReportRequestResult, std::placeholders::_1, list));
 }
 
 void CServiceController::ReportServiceNotify(const std::shared_ptr<IPropertyListHelper>& list) {
+    HL_TRACE(this);
     _Invoke(std::bind(&CServiceController::_ReportServiceNotify, std::placeholders::_1, list));
 }
 
 void CServiceController::ReportDeviceList(const std::shared_ptr<IEndpointListHelper>& list) {
+    HL_TRACE(this);
     _Invoke(std::bind(&CServiceController::_ReportDeviceList, std::placeholders::_1, list));
 }
 
 void CServiceController::ReportDeviceFound(const std::shared_ptr<IEndpointHelper>& endpoint) {
+    HL_TRACE(this);
     _Invoke(std::bind(&CServiceController::_ReportDeviceFound, std::placeholders::_1, endpoint));
 }
 
 void CServiceController::ReportPluginStatus(PluginStatus status) {
+    HL_TRACE(this);
     _Invoke(std::bind(&CServiceController::_ReportPluginStatus, std::placeholders::_1, status));
 }
 
