@@ -161,7 +161,11 @@ TEST(RequestDispatch, ADeviceListRequestDuringAReportDoesNotLockUp) {
             goOn.get_future().wait();
         }
     });
+    desk.agent.fault("homeloom_client_get_remote_attributes", Fault::late(std::chrono::hours(1)));
     framework::request("hl_get_device_info", {{"device_id", "washer"}});
+    desk.waitForLateCall();
+    framework::waitIdle();  // or the framework's thread might be the one that reports
+    desk.agent.hurry();
     reporting.get_future().wait();
     // Meanwhile the framework asks for the list, and the scheduler begins to build one with the session's mutex.
     framework::requestDeviceList();
