@@ -2,7 +2,6 @@
 
 #include <atomic>
 #include <functional>
-#include <future>
 #include <memory>
 #include <stdexcept>
 #include <thread>
@@ -10,6 +9,8 @@
 
 #include <VMFramework/CDirectInvoker.h>
 #include <gtest/gtest.h>
+
+#include "support/Gate.h"
 
 using VMFramework::TPL::CContext;
 using VMFramework::TPL::CDirectInvoker;
@@ -30,10 +31,22 @@ public:
     }
 };
 
+class Context : public testing::Test {
+protected:
+    /// A thread that becomes the worker, and stands still in a job of its own.
+    std::thread BusyWorker() {
+        std::thread thread([this] { worker->Do([this] { gate.pass(); }); });
+        gate.waitUntilEntered();
+        return thread;
+    }
+
+    const std::shared_ptr<Worker> worker = Worker::Create();
+    Gate gate;
+};
+
 }  // namespace
 
-TEST(Context, RunsInPlaceOnlyBetweenInitiateAndTerminate) {
-    const auto worker = Worker::Create();
+TEST_F(Context, RunsInPlaceOnlyBetweenInitiateAndTerminate) {
     int ran = 0;
     EXPECT_TRUE(worker->Do([&] { ++ran; }));  // accepted, and dropped without a word
     EXPECT_EQ(ran, 0);
@@ -45,8 +58,7 @@ TEST(Context, RunsInPlaceOnlyBetweenInitiateAndTerminate) {
     EXPECT_EQ(ran, 1);
 }
 
-TEST(Context, AJobThatPostsRunsTheNewOneAfterItself) {
-    const auto worker = Worker::Create();
+TEST_F(Context, AJobThatPostsRunsTheNewOneAfterItself) {
     worker->Start();
     std::vector<int> order;
     worker->Do([&] {
@@ -56,29 +68,19 @@ TEST(Context, AJobThatPostsRunsTheNewOneAfterItself) {
     EXPECT_EQ(order, (std::vector<int>{1, 2}));
 }
 
-TEST(Context, ASecondCallersJobRunsOnTheFirstOnesThread) {
-    const auto worker = Worker::Create();
+TEST_F(Context, ASecondCallersJobRunsOnTheFirstOnesThread) {
     worker->Start();
-    std::promise<void> entered;
-    std::promise<void> open;
-    std::thread::id second;
-    std::thread first([&] {
-        worker->Do([&] {
-            entered.set_value();
-            open.get_future().wait();
-        });
-    });
+    std::thread first = BusyWorker();
     const auto firstId = first.get_id();
-    entered.get_future().wait();
+    std::thread::id second;
     EXPECT_TRUE(worker->Do([&] { second = std::this_thread::get_id(); }));
     EXPECT_EQ(second, std::thread::id());
-    open.set_value();
+    gate.open();
     first.join();
     EXPECT_EQ(second, firstId);
 }
 
-TEST(Context, AThrowingJobReachesItsCallerAndLeavesTheOthers) {
-    const auto worker = Worker::Create();
+TEST_F(Context, AThrowingJobReachesItsCallerAndLeavesTheOthers) {
     worker->Start();
     int ran = 0;
     EXPECT_THROW(worker->Do([&] {
@@ -92,8 +94,7 @@ TEST(Context, AThrowingJobReachesItsCallerAndLeavesTheOthers) {
 }
 
 // A job that throws just as another thread becomes the worker must not let two threads run jobs at once.
-TEST(Context, NeverTwoWorkers) {
-    const auto worker = Worker::Create();
+TEST_F(Context, NeverTwoWorkers) {
     worker->Start();
     std::atomic<int> inside{0};
     std::atomic<bool> overlapped{false};
@@ -122,29 +123,19 @@ TEST(Context, NeverTwoWorkers) {
     EXPECT_FALSE(overlapped);
 }
 
-TEST(Context, TerminateInTheMiddleOfAJobDoesNotWaitAndDropsTheRest) {
-    const auto worker = Worker::Create();
+TEST_F(Context, TerminateInTheMiddleOfAJobDoesNotWaitAndDropsTheRest) {
     worker->Start();
-    std::promise<void> entered;
-    std::promise<void> open;
+    std::thread first = BusyWorker();
     std::atomic<int> ran{0};
-    std::thread first([&] {
-        worker->Do([&] {
-            entered.set_value();
-            open.get_future().wait();
-        });
-    });
-    entered.get_future().wait();
     EXPECT_TRUE(worker->Do([&] { ++ran; }));
     worker->Stop();  // would hang here if it waited for the job
     EXPECT_FALSE(worker->Do([&] { ++ran; }));
-    open.set_value();
+    gate.open();
     first.join();
     EXPECT_EQ(ran, 0);
 }
 
-TEST(Context, TerminateBetweenQueuingAndRunningDropsWhatIsQueued) {
-    const auto worker = Worker::Create();
+TEST_F(Context, TerminateBetweenQueuingAndRunningDropsWhatIsQueued) {
     worker->Start();
     struct LateInvoker {
         Worker& worker;
@@ -160,9 +151,9 @@ TEST(Context, TerminateBetweenQueuingAndRunningDropsWhatIsQueued) {
     EXPECT_EQ(held.use_count(), 1);
 }
 
-TEST(Context, AnExpiredOwnerIsAnError) {
-    Worker worker;
-    EXPECT_THROW(worker.Start(), std::bad_weak_ptr);
+TEST_F(Context, AnExpiredOwnerIsAnError) {
+    Worker orphan;
+    EXPECT_THROW(orphan.Start(), std::bad_weak_ptr);
     // The failed call has not left the context taken.
-    EXPECT_THROW(worker.Do([] {}), std::bad_weak_ptr);
+    EXPECT_THROW(orphan.Do([] {}), std::bad_weak_ptr);
 }

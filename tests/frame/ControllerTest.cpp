@@ -26,12 +26,6 @@ using testing::IsEmpty;
 namespace {
 
 vmf_request_service_cb requestCallback = nullptr;
-vmf_search_cb deviceListCallback = nullptr;
-
-template <typename Function>
-Function* Next(Function*, const char* name) {
-    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
-}
 
 int ExceptionsLogged(const Desk& desk, const char* what) {
     return desk.log.count(std::string("Exception !! - ") + what + "(error:2)(error_code:2)");
@@ -39,15 +33,12 @@ int ExceptionsLogged(const Desk& desk, const char* what) {
 
 }  // namespace
 
-// In the way of the real ones, to get hold of what the plug-in registers.
+// In the way of the real one, to get hold of what the plug-in registers.
 int vmf_service_handler_set_request_service_callback(vmf_service_handler_h handler, vmf_request_service_cb callback,
                                                      void* userData) {
     requestCallback = callback;
-    return Next(vmf_service_handler_set_request_service_callback, __func__)(handler, callback, userData);
-}
-int vmf_service_handler_set_search_all_callback(vmf_service_handler_h handler, vmf_search_cb callback, void* userData) {
-    deviceListCallback = callback;
-    return Next(vmf_service_handler_set_search_all_callback, __func__)(handler, callback, userData);
+    return reinterpret_cast<decltype(&vmf_service_handler_set_request_service_callback)>(dlsym(RTLD_NEXT, __func__))(
+        handler, callback, userData);
 }
 
 // ---- A step of the start that fails is logged, and the session comes up all the same ----
@@ -194,5 +185,4 @@ TEST(Controller, ACallbackWithoutUserDataThrows) {
     desk.start();
     ASSERT_NE(requestCallback, nullptr);
     EXPECT_THROW(requestCallback(nullptr, nullptr, nullptr, nullptr), VMFramework::HomeLoom::CException);
-    EXPECT_THROW(deviceListCallback(nullptr, vmf_string_new("", 0), nullptr), VMFramework::HomeLoom::CException);
 }

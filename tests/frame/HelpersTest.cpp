@@ -92,18 +92,6 @@ TEST_F(Helpers, WhatIsMissingOrOfAnotherTypeReadsAsEmpty) {
     EXPECT_EQ(log.count("failed to GetBool"), 4);
 }
 
-TEST_F(Helpers, ACopyOutlivesItsSource) {
-    auto source = IPropertyListHelper::Create();
-    source->SetName("request");
-    source->PushStringData("text", "t");
-    const auto copy = IPropertyListHelper::Create(source->GetHandle());
-    source->PushIntData("later", 1);
-    source.reset();
-    EXPECT_EQ(copy->GetName(), "request");
-    EXPECT_EQ(copy->GetString("text"), "t");
-    EXPECT_EQ(copy->Find("later"), nullptr);
-}
-
 TEST_F(Helpers, AFailingFrameworkIsLoggedAndKeepsNothing) {
     const auto list = IPropertyListHelper::Create();
     const struct {

@@ -1,10 +1,11 @@
-#include <future>
+#include <chrono>
 #include <string>
 #include <vector>
 
 #include <gmock/gmock.h>
 
 #include "support/Desk.h"
+#include "support/Gate.h"
 
 namespace framework = homeloom::desktop::framework;
 using simulator::Agent;
@@ -152,13 +153,11 @@ TEST(RequestDispatch, ADeviceListRequestDuringAReportDoesNotLockUp) {
     desk.settle();
 
     // A thread that reads the washer's values stands still in the middle of its report.
-    std::promise<void> reporting;
-    std::promise<void> goOn;
+    Gate report;
     bool isHeld = false;
-    const int listener = framework::addListener([&](const Desk::ReportPtr& report) {
-        if (report->name == "hl_device_state_updated" && !std::exchange(isHeld, true)) {
-            reporting.set_value();
-            goOn.get_future().wait();
+    const int listener = framework::addListener([&](const Desk::ReportPtr& shown) {
+        if (shown->name == "hl_device_state_updated" && !std::exchange(isHeld, true)) {
+            report.pass();
         }
     });
     desk.agent.fault("homeloom_client_get_remote_attributes", Fault::late(std::chrono::hours(1)));
@@ -166,7 +165,7 @@ TEST(RequestDispatch, ADeviceListRequestDuringAReportDoesNotLockUp) {
     desk.waitForLateCall();
     framework::waitIdle();  // or the framework's thread might be the one that reports
     desk.agent.hurry();
-    reporting.get_future().wait();
+    report.waitUntilEntered();
     // Meanwhile the framework asks for the list, and the scheduler begins to build one with the session's mutex.
     framework::requestDeviceList();
     framework::waitIdle();
@@ -175,7 +174,7 @@ TEST(RequestDispatch, ADeviceListRequestDuringAReportDoesNotLockUp) {
     EXPECT_TRUE(desk.log.waitFor("device_detail_size: 1"));
 
     const int lists = desk.screen().lists;
-    goOn.set_value();
+    report.open();
     desk.waitForLists(lists + 2);  // one that was asked for, one for the details
     framework::removeListener(listener);
 }

@@ -205,17 +205,6 @@ TEST(JsonValue, WritingIsSeenByNobodyElse) {
     }
 }
 
-TEST(JsonValue, APartOutlivesItsDocument) {
-    JsonValue part;
-    {
-        const JsonValue document = JsonValue::Create(R"({"a":{"long":"a text that is too long to stay inside"}})");
-        part = document["a"];
-    }
-    EXPECT_EQ(part["long"].asString(), "a text that is too long to stay inside");
-    part = part["long"];
-    EXPECT_EQ(part.asString(), "a text that is too long to stay inside");
-}
-
 TEST(JsonValue, PartsServeSeveralThreads) {
     JsonValue document;
     document["a"] = JsonValue::Create(R"({"b":[1,2,3]})");

@@ -14,6 +14,7 @@
 
 #include "desktop/Guard.h"
 #include "desktop/MainLoop.h"
+#include "support/Gate.h"
 
 namespace packages = homeloom::desktop::packages;
 using homeloom::desktop::MainLoop;
@@ -73,17 +74,15 @@ TEST_F(Packages, AreToldWithAllTheirSteps) {
 }
 
 TEST_F(Packages, EndOfAWatchWaitsForARunningCallback) {
-    std::promise<void> entered;
-    std::promise<void> mayLeave;
+    Gate gate;
     std::atomic<bool> hasLeft{false};
     told = [&](const std::string&) {
-        entered.set_value();
-        mayLeave.get_future().wait();
+        gate.pass();
         hasLeft = true;
     };
     packages::tell({kApp});
     packages::tell({kApp});  // not told any more
-    entered.get_future().wait();
+    gate.waitUntilEntered();
     std::future<void> end = std::async(std::launch::async, [&] {
         EXPECT_EQ(package_manager_unset_event_cb(manager), 0);
         EXPECT_TRUE(hasLeft);
@@ -91,7 +90,7 @@ TEST_F(Packages, EndOfAWatchWaitsForARunningCallback) {
     while (packages::watchCount() > 0) {
         std::this_thread::yield();
     }
-    mayLeave.set_value();
+    gate.open();
     end.get();
     waitForLoop();
 

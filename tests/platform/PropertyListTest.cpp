@@ -1,4 +1,3 @@
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -7,20 +6,15 @@
 #include <vmf_property.h>
 #include <vmf_service_handler.h>
 
-#include "desktop/CallFaults.h"
 #include "desktop/Framework.h"
 
 namespace {
 
 using namespace homeloom::desktop;
-using testing::ElementsAre;
 
 class PropertyListTest : public testing::Test {
 protected:
-    ~PropertyListTest() override {
-        passCalls();
-        EXPECT_EQ(framework::liveHandles().total(), 0u);
-    }
+    ~PropertyListTest() override { EXPECT_EQ(framework::liveHandles().total(), 0u); }
 
     vmf_property_list_h makeList(const std::string& keys) {
         vmf_error_e error = VMF_ERROR_FAILED;
@@ -32,91 +26,27 @@ protected:
         }
         return list;
     }
-
-    static std::vector<vmf_property_h> contents(vmf_property_list_h list) {
-        std::vector<vmf_property_h> found;
-        for (void* at = vmf_property_list_get_first(list); at; at = vmf_property_list_get_next(list, at)) {
-            found.push_back(static_cast<vmf_property_h>(at));
-        }
-        return found;
-    }
 };
 
-TEST_F(PropertyListTest, KeepsOrderAndTypes) {
-    vmf_error_e error = VMF_ERROR_FAILED;
-    const vmf_property_list_h list = makeList("ba");
-    EXPECT_EQ(vmf_property_list_get_name(list), nullptr);
-    EXPECT_EQ(vmf_property_list_set_name(list, "hl_request"), VMF_ERROR_NONE);
-    vmf_property_list_push_property(list, vmf_property_create_int("number", -7, &error));
-    vmf_property_list_push_property(list, vmf_property_create_bool("flag", true, &error));
-    vmf_property_list_push_property(list, vmf_property_create_string("a", "", &error));
-
-    const vmf_property_list_h copy = vmf_property_list_copy(list, &error);
-    EXPECT_EQ(vmf_property_list_destroy(list), VMF_ERROR_NONE);
-    EXPECT_STREQ(vmf_property_list_get_name(copy), "hl_request");
-    const auto found = contents(copy);
-    ASSERT_EQ(found.size(), 5u);
-    EXPECT_EQ(vmf_property_list_find(copy, "a"), found[1]);  // the first of two
-    EXPECT_EQ(vmf_property_list_find(copy, "z"), nullptr);
-
-    const char* text = nullptr;
-    int number = 1;
-    bool flag = false;
-    EXPECT_EQ(vmf_property_get_string(found[4], &text), VMF_ERROR_NONE);
-    EXPECT_STREQ(text, "");
-    EXPECT_EQ(vmf_property_get_int(found[2], &number), VMF_ERROR_NONE);
-    EXPECT_EQ(number, -7);
-    EXPECT_EQ(vmf_property_get_bool(found[3], &flag), VMF_ERROR_NONE);
-    EXPECT_TRUE(flag);
-    EXPECT_EQ(vmf_property_get_int(found[3], &number), VMF_ERROR_WRONG_TYPE);
-    EXPECT_EQ(vmf_property_get_int(nullptr, &number), VMF_ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(number, -7);  // left as it was
-
-    void* popped = nullptr;
-    EXPECT_EQ(vmf_property_list_pop(copy, &popped), VMF_ERROR_NONE);
-    EXPECT_EQ(popped, found[0]);
-    EXPECT_EQ(vmf_property_get_string(found[0], &text), VMF_ERROR_NONE);  // lives as long as the list
-    EXPECT_EQ(contents(copy).size(), 4u);
-    EXPECT_EQ(vmf_property_list_get_next(copy, popped), nullptr);
-    for (int i = 0; i < 4; ++i) {
-        EXPECT_FALSE(vmf_property_list_empty(copy));
-        vmf_property_list_pop(copy, &popped);
-    }
-    EXPECT_TRUE(vmf_property_list_empty(copy));
-    EXPECT_EQ(vmf_property_list_pop(copy, &popped), VMF_ERROR_NOT_FOUND);
-    EXPECT_EQ(vmf_property_list_destroy(copy), VMF_ERROR_NONE);
-    EXPECT_EQ(vmf_property_get_string(found[0], &text), VMF_ERROR_INVALID_PARAMETER);
-}
-
-TEST_F(PropertyListTest, EndpointsKeepWhatWasSet) {
+TEST_F(PropertyListTest, EndpointsBelongToTheirList) {
     const vmf_endpoint_h washer = vmf_endpoint_create();
-    vmf_endpoint_set_service_name(washer, "homeloom");
     vmf_endpoint_set_device_id(washer, "w1");
-    vmf_endpoint_set_device_type(washer, "washer");
     vmf_endpoint_set_extra_data(washer, "z", "text");
-    vmf_endpoint_set_extra_data_int(washer, "a", 1);
-    vmf_endpoint_set_extra_data_int(washer, "z", 2);  // replaces, in its place, with another type
+    vmf_endpoint_set_extra_data_int(washer, "z", 2);  // replaces it, with another type
     EXPECT_EQ(vmf_endpoint_get_extra_data(washer, "z"), nullptr);
-    EXPECT_EQ(vmf_endpoint_get_device_name(washer), nullptr);
-    EXPECT_STREQ(vmf_endpoint_get_device_id(washer), "w1");
-
     const vmf_endpoint_h copy = vmf_endpoint_copy(washer);
     vmf_endpoint_set_device_id(copy, "w2");
+    EXPECT_STREQ(vmf_endpoint_get_device_id(washer), "w1");
+
     vmf_error_e error = VMF_ERROR_FAILED;
     const vmf_endpoint_list_h list = vmf_endpoint_list_create(&error);
-    EXPECT_TRUE(vmf_endpoint_list_empty(list));
     EXPECT_EQ(vmf_endpoint_list_push_endpoint(list, washer), VMF_ERROR_NONE);
     EXPECT_EQ(vmf_endpoint_list_push_endpoint(list, copy), VMF_ERROR_NONE);
     EXPECT_EQ(vmf_endpoint_list_push_endpoint(list, copy), VMF_ERROR_INVALID_STATE);
     EXPECT_EQ(vmf_endpoint_destroy(copy), VMF_ERROR_INVALID_STATE);  // it is the list's
-    EXPECT_EQ(vmf_endpoint_list_find(list, "w2"), copy);
-    EXPECT_EQ(vmf_endpoint_list_find(list, "w3"), nullptr);
-    EXPECT_EQ(vmf_endpoint_list_count(list, "washer"), 2);
-    EXPECT_EQ(vmf_endpoint_list_get_next(list, vmf_endpoint_list_get_first(list)), copy);
     void* popped = nullptr;
     EXPECT_EQ(vmf_endpoint_list_pop(list, &popped), VMF_ERROR_NONE);
     EXPECT_EQ(popped, washer);
-    EXPECT_EQ(vmf_endpoint_list_get_first(list), copy);
     EXPECT_EQ(vmf_endpoint_list_destroy(list), VMF_ERROR_NONE);
     EXPECT_EQ(vmf_endpoint_get_device_id(copy), nullptr);
     EXPECT_EQ(vmf_endpoint_destroy(washer), VMF_ERROR_NONE);
@@ -171,30 +101,9 @@ TEST_F(PropertyListTest, RefusesBadHandles) {
     EXPECT_EQ(vmf_property_list_set_name(list, nullptr), VMF_ERROR_INVALID_PARAMETER);
     EXPECT_EQ(vmf_property_list_push_property(list, static_cast<vmf_property_h>(vmf_property_list_get_first(list))),
               VMF_ERROR_INVALID_STATE);
-    EXPECT_EQ(contents(list).size(), 1u);
+    EXPECT_EQ(vmf_property_list_get_next(list, vmf_property_list_get_first(list)), nullptr);
     vmf_property_list_destroy(list);
     vmf_endpoint_destroy(endpoint);
-}
-
-TEST_F(PropertyListTest, CallsFailAsTold) {
-    vmf_error_e error = VMF_ERROR_NONE;
-    failCalls("vmf_property_list_create", VMF_ERROR_OUT_OF_MEMORY, onlyCall(2));
-    const vmf_property_list_h list = makeList("");
-    EXPECT_EQ(vmf_property_list_create(&error), nullptr);
-    EXPECT_EQ(error, VMF_ERROR_OUT_OF_MEMORY);
-    vmf_property_list_destroy(makeList(""));
-
-    failCalls("vmf_property_list_push_property", VMF_ERROR_FAILED, firstCalls(1));
-    EXPECT_EQ(vmf_property_list_push_property(list, vmf_property_create_int("x", 1, &error)), VMF_ERROR_FAILED);
-    EXPECT_TRUE(vmf_property_list_empty(list));
-    vmf_property_list_push_property(list, vmf_property_create_int("x", 1, &error));
-    EXPECT_FALSE(vmf_property_list_empty(list));
-    failCalls("vmf_endpoint_create", VMF_ERROR_FAILED);
-    EXPECT_EQ(vmf_endpoint_create(), nullptr);
-    EXPECT_EQ(vmf_endpoint_create(), nullptr);
-    EXPECT_THROW(failCalls("vmf_property_list_creat", -1), std::invalid_argument);
-    EXPECT_THROW(failCalls("vmf_endpoint_create", 0), std::invalid_argument);
-    vmf_property_list_destroy(list);
 }
 
 }  // namespace

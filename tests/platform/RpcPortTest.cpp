@@ -19,6 +19,7 @@
 #include "desktop/MainLoop.h"
 #include "desktop/RpcPort.h"
 #include "desktop/RpcServer.h"
+#include "support/Gate.h"
 
 namespace {
 
@@ -85,25 +86,18 @@ std::string framed(const std::string& values) {
 /// Keeps the main loop, and with it the application, from doing anything while it lives.
 class Busy {
 public:
-    explicit Busy(MainLoop& loop)
-        : _thread([this, &loop] {
-              loop.call([this] {
-                  _entered.set_value();
-                  _over.get_future().wait();
-              });
-          }) {
-        _entered.get_future().wait();
+    explicit Busy(MainLoop& loop) : _thread([this, &loop] { loop.call([this] { _gate.pass(); }); }) {
+        _gate.waitUntilEntered();
     }
     ~Busy() {
-        _over.set_value();
+        _gate.open();
         _thread.join();
     }
     Busy(const Busy&) = delete;
     Busy& operator=(const Busy&) = delete;
 
 private:
-    std::promise<void> _entered;
-    std::promise<void> _over;
+    Gate _gate;
     std::thread _thread;
 };
 
@@ -124,10 +118,9 @@ protected:
         EXPECT_EQ(rpc::holdings().parcels, 0);
     }
 
-    void startApplication(bool welcomes = true) {
+    void startApplication() {
         loop.call([&] {
             RpcServer::Events told;
-            told.isWelcome = [welcomes] { return welcomes; };
             told.connected = [this](int id) { client = id; };
             told.called = [this](int, rpc_port_parcel_h parcel) { note("called " + read(parcel, "is")); };
             told.disconnected = [this](int) { note("client gone"); };
@@ -304,25 +297,15 @@ TEST_F(RpcPort, LengthsThatNoParcelHasEndTheConnection) {
     }
 }
 
-TEST_F(RpcPort, ConnectingTellsHowItEnded) {
+TEST_F(RpcPort, ConnectsOnceAndOnlyToApplications) {
     addCallbacks();
-    const auto outcome = [this] {
-        takeEvents();
-        loop.call([this] {
-            EXPECT_EQ(rpc_port_proxy_connect(proxy, kApp, kPort), 0);
-            // As long as that is open there is no second one.
-            EXPECT_EQ(rpc_port_proxy_connect(proxy, kApp, kPort), RPC_PORT_ERROR_IO_ERROR);
-        });
-        EXPECT_TRUE(waitFor("rejected"));
-        return rpc_port_proxy_connect_sync(proxy, kApp, kPort);
-    };
-    EXPECT_EQ(outcome(), RPC_PORT_ERROR_IO_ERROR);  // nobody is there
-    startApplication(false);
-    EXPECT_EQ(outcome(), RPC_PORT_ERROR_PERMISSION_DENIED);
-    stopApplication();
-    EXPECT_EQ(outcome(), RPC_PORT_ERROR_IO_ERROR);  // nobody is there any more
-    EXPECT_THAT(takeEvents(), ElementsAre("rejected"));
-
+    loop.call([this] {
+        EXPECT_EQ(rpc_port_proxy_connect(proxy, kApp, kPort), 0);  // nobody is there
+        // As long as that is open there is no second one.
+        EXPECT_EQ(rpc_port_proxy_connect(proxy, kApp, kPort), RPC_PORT_ERROR_IO_ERROR);
+    });
+    EXPECT_TRUE(waitFor("rejected"));
+    takeEvents();
     for (const auto& [app, port] : {std::pair(static_cast<const char*>(nullptr), kPort), {"", kPort}, {kApp, ""}}) {
         EXPECT_EQ(rpc_port_proxy_connect(proxy, app, port), RPC_PORT_ERROR_INVALID_PARAMETER);
         EXPECT_EQ(rpc_port_proxy_connect_sync(proxy, app, port), RPC_PORT_ERROR_INVALID_PARAMETER);
@@ -396,20 +379,18 @@ TEST_F(RpcPort, NothingIsCalledAfterTheEnd) {
             rpc_port_proxy_create(&proxy);
         }
         connect();
-        std::promise<void> entered;
-        std::promise<void> gate;
+        Gate gate;
         duringReceived = [&] {
             if (fromCallback) {
                 rpc_port_proxy_destroy(std::exchange(proxy, nullptr));
             }
-            entered.set_value();
-            gate.get_future().wait();
+            gate.pass();
             note("left");
         };
         // Two events, of which only the first is delivered.
         const std::string event = framed("i\0\0\0\5s\0\0\0\2ab"s);
         sendBytes(RPC_PORT_PORT_CALLBACK, event + event);
-        entered.get_future().wait();
+        gate.waitUntilEntered();
         takeEvents();
         const rpc_port_proxy_h ended = proxy;
         auto ending = std::async(std::launch::async, [&] {
@@ -427,7 +408,7 @@ TEST_F(RpcPort, NothingIsCalledAfterTheEnd) {
                 std::this_thread::yield();
             }
         }
-        gate.set_value();
+        gate.open();
         ending.get();
         EXPECT_TRUE(waitFor("client gone"));
         const auto seen = takeEvents();
@@ -439,42 +420,12 @@ TEST_F(RpcPort, NothingIsCalledAfterTheEnd) {
     EXPECT_EQ(openFiles(), files);
 }
 
-TEST_F(RpcPort, ExceptionOfACallbackIsKeptFromTheDesk) {
-    startApplication();
-    connect();
-    duringReceived = [] { throw std::runtime_error("stoi"); };
-    const std::string event = framed("i\0\0\0\5s\0\0\0\2ab"s);
-    sendBytes(RPC_PORT_PORT_CALLBACK, event + event + framed("i\0\0\0\6s\0\0\0\0"s));
-    EXPECT_TRUE(waitFor("received 6  "));
-    loop.call([] {});
-    EXPECT_THAT(pluginExceptions(), ElementsAre("IPC received callback: stoi", "IPC received callback: stoi",
-                                                "IPC received callback: stoi"));
-    forgetPluginExceptions();
-}
-
 TEST_F(RpcPort, SocketsStandInAFolderOfTheUserAlone) {
     const std::filesystem::path path = rpc::socketPath("../app", kPort);
     struct stat folder {};
     ASSERT_EQ(stat(path.parent_path().c_str(), &folder), 0);
     EXPECT_EQ(folder.st_mode & 0777u, 0700u);
     EXPECT_EQ(path.parent_path(), std::filesystem::path(rpc::socketPath(kApp, kPort)).parent_path());
-}
-
-TEST_F(RpcPort, FailsWhereTheDeskSaysSo) {
-    startApplication();
-    connect();
-    rpc_port_proxy_h other = nullptr;
-    rpc::failCreate(RPC_PORT_ERROR_IO_ERROR);
-    EXPECT_EQ(rpc_port_proxy_create(&other), RPC_PORT_ERROR_IO_ERROR);
-    rpc::failCreate(0);
-    rpc::failConnect(-99);
-    EXPECT_EQ(rpc_port_proxy_connect(proxy, kApp, kPort), -99);
-    rpc::failSend(-7);
-    const Parcel parcel;
-    EXPECT_EQ(rpc_port_parcel_send(parcel.handle, mainPort), -7);
-    rpc::failSend(0);
-    EXPECT_EQ(rpc_port_parcel_send(parcel.handle, mainPort), 0);
-    EXPECT_TRUE(waitFor("called - - "));
 }
 
 }  // namespace

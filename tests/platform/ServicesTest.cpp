@@ -2,16 +2,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <future>
 #include <memory>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include <app_common.h>
 #include <dlog.h>
 #include <gmock/gmock.h>
-#include <system_info.h>
 #include <unistd.h>
 #include <vconf.h>
 
@@ -19,7 +16,7 @@
 #include "desktop/Log.h"
 #include "desktop/MainLoop.h"
 #include "desktop/Settings.h"
-#include "desktop/System.h"
+#include "support/Gate.h"
 
 namespace {
 
@@ -132,19 +129,17 @@ TEST_F(SettingsWatch, TellsOfEachChangeOnTheMainLoop) {
 }
 
 TEST_F(SettingsWatch, IgnoringWaitsForARunningCallback) {
-    std::promise<void> entered;
-    std::promise<void> mayLeave;
+    Gate gate;
     std::atomic<bool> left{false};
     changed = [&](const std::string&) {
-        entered.set_value();
-        mayLeave.get_future().wait();
+        gate.pass();
         left = true;
     };
     watch();
     settings::setString(kLanguage, "en_GB");
-    settings::setString(kLanguage, "de_DE");  // would set the promise again
-    entered.get_future().wait();
-    std::thread release([&] { mayLeave.set_value(); });
+    settings::setString(kLanguage, "de_DE");  // would pass the gate again
+    gate.waitUntilEntered();
+    std::thread release([&] { gate.open(); });
     EXPECT_EQ(ignore(), 0);
     EXPECT_TRUE(left);
     release.join();
@@ -193,37 +188,6 @@ TEST(Log, GoesToWhoeverTakesIt) {
     EXPECT_THAT(written, HasSubstr("info\n"));
     EXPECT_THAT(written, EndsWith("at last\n"));
     std::remove(path.c_str());
-
-    EXPECT_FALSE(dlog_trace_is_active());
-    std::string marks;
-    log::setTraceSink([&](const char* mark) { marks += mark; });
-    EXPECT_TRUE(dlog_trace_is_active());
-    dlog_trace_write("[mark]");
-    log::setTraceSink(nullptr);
-    dlog_trace_write("[late]");
-    EXPECT_EQ(marks, "[mark]");
-}
-
-TEST(System, TellsTheFactsThatTheDeskSets) {
-    char* text = nullptr;
-    ASSERT_EQ(app_get_name(&text), 0);
-    EXPECT_EQ(takeText(text), "homeloom-tv");
-    system::setAppVersion("9.9");
-    ASSERT_EQ(app_get_version(&text), 0);
-    EXPECT_EQ(takeText(text), "9.9");
-    system::setAppName(std::nullopt);
-    EXPECT_NE(app_get_name(&text), 0);
-
-    ASSERT_EQ(system_info_get_platform_string(SYSTEM_INFO_PLATFORM_VERSION, &text), 0);
-    EXPECT_EQ(takeText(text), "9.0");
-    system::setPlatformText(SYSTEM_INFO_PLATFORM_VERSION, std::nullopt);
-    EXPECT_NE(system_info_get_platform_string(SYSTEM_INFO_PLATFORM_VERSION, &text), 0);
-    bool isSupported = true;
-    EXPECT_NE(system_info_get_custom_bool("hub", &isSupported), 0);
-    EXPECT_TRUE(isSupported);
-    system::setFeature("hub", false);
-    EXPECT_EQ(system_info_get_custom_bool("hub", &isSupported), 0);
-    EXPECT_FALSE(isSupported);
 }
 
 }  // namespace

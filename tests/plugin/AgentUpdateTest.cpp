@@ -285,7 +285,7 @@ TEST_P(HammeredToTheEnd, _) {
             UpdateOnce(round);
         }
     });
-    GetParam() ? desk.stopOnMainLoop() : desk.stop();
+    desk.stop(GetParam());
     isOver = true;
     updates.join();
     StopHammering();

@@ -1,9 +1,9 @@
-#include <algorithm>
 #include <future>
-#include <iterator>
 #include <ostream>
 #include <string>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include <gmock/gmock.h>
 
@@ -101,55 +101,47 @@ const Moment kMoments[] = {
 };
 // clang-format on
 
-class StoppedWhile : public testing::TestWithParam<Moment> {
-protected:
-    /// Returns when a thread is caught at the moment; it goes on when the end has set its first flags.
-    void CatchThread() {
-        const Moment& moment = GetParam();
-        if (moment.cause != nullptr) {
-            desk.start();
-            Show(desk);
+// By a thread and by the main loop, which can't be busy with both.
+std::vector<std::pair<Moment, bool>> Stops() {
+    std::vector<std::pair<Moment, bool>> stops;
+    for (const Moment& moment : kMoments) {
+        stops.emplace_back(moment, false);
+        if (!moment.isOnMainLoop) {
+            stops.emplace_back(moment, true);
         }
-        desk.atLogLine(moment.line, [this] {
-            _caught.set_value();
-            desk.log.waitFor("[DeviceHandler] Quit", std::chrono::seconds(1));
-        });
-        moment.cause != nullptr ? moment.cause(desk) : desk.start();
-        ASSERT_EQ(_caught.get_future().wait_for(std::chrono::seconds(30)), std::future_status::ready)
-            << "no line: " << moment.line;
     }
+    return stops;
+}
 
-    Desk desk{Desk::apartmentWith({"washer", "bedside-button", "hub-button", "hub-plug", "tv-hub"})};
-
-private:
-    std::promise<void> _caught;
-};
-class StoppedByTheMainLoopWhile : public StoppedWhile {};
+class StoppedWhile : public testing::TestWithParam<std::pair<Moment, bool>> {};
+INSTANTIATE_TEST_SUITE_P(Teardown, StoppedWhile, testing::ValuesIn(Stops()), [](const auto& stop) {
+    return std::string(stop.param.first.name) + (stop.param.second ? "ByTheMainLoop" : "");
+});
 
 TEST_P(StoppedWhile, _) {
-    CatchThread();
-    desk.stop();
+    Desk desk(Desk::apartmentWith({"washer", "bedside-button", "hub-button", "hub-plug", "tv-hub"}));
+    const auto& [moment, byMainLoop] = GetParam();
+    if (moment.cause != nullptr) {
+        desk.start();
+        Show(desk);
+    }
+    // A thread is caught at the moment, and goes on when the end has set its first flags.
+    std::promise<void> caught;
+    desk.atLogLine(moment.line, [&] {
+        caught.set_value();
+        desk.log.waitFor("[DeviceHandler] Quit", std::chrono::seconds(1));
+    });
+    moment.cause != nullptr ? moment.cause(desk) : desk.start();
+    ASSERT_EQ(caught.get_future().wait_for(std::chrono::seconds(30)), std::future_status::ready)
+        << "no line: " << moment.line;
+    desk.stop(byMainLoop);
 }
-
-TEST_P(StoppedByTheMainLoopWhile, _) {
-    CatchThread();
-    desk.stopOnMainLoop();
-}
-
-const auto kNameOf = [](const auto& moment) { return std::string(moment.param.name); };
-INSTANTIATE_TEST_SUITE_P(Teardown, StoppedWhile, testing::ValuesIn(kMoments), kNameOf);
-// The loop can't be busy with both.
-INSTANTIATE_TEST_SUITE_P(Teardown, StoppedByTheMainLoopWhile,
-                         testing::ValuesIn(std::begin(kMoments),
-                                           std::find_if(std::begin(kMoments), std::end(kMoments),
-                                                        [](const Moment& m) { return m.isOnMainLoop; })),
-                         kNameOf);
 
 // ---- Stopped with much or nothing to do ----
 
 class Teardown : public testing::TestWithParam<bool> {
 protected:
-    void Stop() { GetParam() ? desk.stopOnMainLoop() : desk.stop(); }
+    void Stop() { desk.stop(GetParam()); }
 
     Desk desk{Desk::apartmentWith({"washer", "bedside-button", "hub-button", "hub-plug", "tv-hub"})};
 };

@@ -133,14 +133,10 @@ void Desk::startAndShow() {
     waitForLists(2);
 }
 
-void Desk::stop() {
+void Desk::stop(bool onMainLoop) {
     _isRunning = false;
-    runWithLimit("DestroyPlugin", [] { EXPECT_TRUE(DestroyPlugin()); });
-}
-
-void Desk::stopOnMainLoop() {
-    _isRunning = false;
-    runWithLimit("DestroyPlugin on the main loop", [this] { loop.call([] { EXPECT_TRUE(DestroyPlugin()); }); });
+    const auto destroy = [] { EXPECT_TRUE(DestroyPlugin()); };
+    runWithLimit("DestroyPlugin", [&] { onMainLoop ? loop.call(destroy) : destroy(); });
 }
 
 // What hangs for good would leave its test without a word.

@@ -42,8 +42,7 @@ public:
     void start();
     /// Starts, and waits until the list has come in which metadata and canvas are worked in.
     void startAndShow();
-    void stop();
-    void stopOnMainLoop();
+    void stop(bool onMainLoop = false);
 
     void setDisclaimer(int value);
     /// All the hosts that the plug-in knows are the simulated cloud's from here on. To be called before start().

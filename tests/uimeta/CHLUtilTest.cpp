@@ -6,6 +6,8 @@
 
 #include "Homeloom/Devices/DeviceInfoStructs.h"
 #include "UIMetaTest.h"
+#include "desktop/Log.h"
+#include "desktop/System.h"
 
 namespace VMFramework::HomeLoom {
 namespace {
@@ -41,6 +43,19 @@ TEST(CHLUtilTest, PropertyValuesTravelAsText) {
     EXPECT_TRUE(CHLUtil::GetMemberBool(attributes, "b"));
     EXPECT_FALSE(CHLUtil::GetMemberBool(attributes, "absent"));
     EXPECT_EQ(CHLUtil::GetMemberString(attributes, "s") + CHLUtil::GetMemberString(attributes, "absent"), "on");
+}
+
+TEST(CHLUtilTest, TheVersionNeedsANameToo) {
+    using namespace homeloom::desktop;
+    const log::Capture log(DLOG_ERROR);
+    system::setAppVersion("9.9");
+    EXPECT_EQ(CHLUtil::GetAppVersion(), "9.9");
+    system::setAppVersion(std::nullopt);
+    EXPECT_EQ(CHLUtil::GetAppVersion(), "");
+    EXPECT_TRUE(log.contains("failed to get app version"));
+    system::setAppName(std::nullopt);
+    EXPECT_EQ(CHLUtil::GetAppVersion(), "");
+    EXPECT_TRUE(log.contains("failed to get app name"));
 }
 
 }  // namespace

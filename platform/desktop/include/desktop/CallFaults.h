@@ -9,7 +9,7 @@ namespace homeloom::desktop {
 /// Makes calls of the framework's functions (vmf_*.h) and of app_control.h's fail, by name.
 ///
 ///     failCalls("vmf_service_handler_create", VMF_ERROR_FAILED);         // null
-///     failCalls("vmf_service_handler_notify", -5, afterCalls(2));          // the third and all that follow
+///     failCalls("vmf_service_handler_notify", -5, {2});                    // the third and all that follow
 ///     failCalls("vmf_property_list_create", VMF_ERROR_FAILED, firstCalls(1));
 ///
 /// A function that fails does nothing. It returns the code, or hands it out through its error argument; functions that
@@ -23,13 +23,6 @@ struct CallRange {
 };
 inline CallRange firstCalls(int count) {
     return {0, count};
-}
-inline CallRange afterCalls(int count) {
-    return {count, -1};
-}
-// Counted from 1.
-inline CallRange onlyCall(int number) {
-    return {number - 1, 1};
 }
 
 /// Throws std::invalid_argument for a name that is no such function, and for code 0. Replaces what was set for it.
