@@ -84,17 +84,6 @@ TEST(RequestDispatch, EachRequestGoesItsWayAndIsGuarded) {
             EXPECT_FALSE(desk.isAnswered(request)) << name;
         }
     }
-    // These go on to their owners, who answer for themselves or not at all.
-    for (const std::string name :
-         {"hl_change_device_name", "hl_start_hub_onboarding", "hl_stop_hub_onboarding", "hl_reset_hub",
-          "hl_reset_dongle", "hl_get_hub_info", "hl_create_favorite", "hl_delete_favorite", "hl_replace_favorite_list",
-          "hl_get_favorite", "hl_get_favorite_migration_status", "hl_update_favorite_migration_status",
-          "hl_send_active_user_event", "hl_get_energy_info", "get_wifi_locker_user_setting",
-          "set_wifi_locker_user_setting", "execute_command", "get_capability_status",
-          "hl_get_installed_service_app_info"}) {
-        framework::request(name);
-        EXPECT_TRUE(desk.log.waitFor("][" + name + "] after job")) << name;
-    }
 }
 
 TEST(RequestDispatch, NormalRequestsKeepTheirOrderAndPriorOnesOvertake) {

@@ -29,11 +29,7 @@ std::string nested(std::size_t depth) {
 
 TEST(JsonValue, ConvertsByItsTable) {
     struct Case {
-        const char* text;
-        const char* asString;
-        const char* asInt;
-        const char* asDouble;
-        const char* asBool;
+        const char *text, *asString, *asInt, *asDouble, *asBool;
         std::size_t size;
     };
     const Case cases[] = {
@@ -64,8 +60,7 @@ TEST(JsonValue, ConvertsByItsTable) {
 
 TEST(JsonValue, PrintsWhatItRead) {
     struct Case {
-        const char* text;
-        const char* printed;
+        const char *text, *printed;
     };
     const Case cases[] = {
         {" { \"b\" : 1 , \"a\" : [ true , null , { } , [ ] , \"x\" ] } ", R"({"b":1,"a":[true,null,{},[],"x"]})"},
