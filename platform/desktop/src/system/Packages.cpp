@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <condition_variable>
+#include <deque>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -40,6 +41,7 @@ struct Packages {
     std::map<std::string, int> failures{
         {"app_manager_get_app_info", 0}, {"package_manager_create", 0}, {"package_manager_set_event_cb", 0}};
     int appInfos = 0;
+    std::deque<Event> due;  // that the main loop has to deliver
 
     // The watch whose callback runs now, and on which thread.
     const Watch* running = nullptr;
@@ -76,12 +78,14 @@ void deliver(const std::shared_ptr<const Watch>& watch, const Event& event) {
     packages().callbackEnded.notify_all();
 }
 
-// On the main loop.
-gboolean deliverToAll(gpointer data) {
-    const Event& event = *static_cast<Event*>(data);
+// On the main loop: tells everybody one event.
+gboolean deliverNext(gpointer) {
+    Event event;
     std::vector<std::shared_ptr<const Watch>> watches;
     {
         const std::lock_guard lock(packages().mutex);
+        event = std::move(packages().due.front());
+        packages().due.pop_front();
         for (const auto& entry : packages().managers) {
             if (entry.second) {
                 watches.push_back(entry.second);
@@ -124,8 +128,9 @@ bool isInstalled(const std::string& appId) {
 }
 
 void tell(const Event& event) {
-    g_idle_add_full(G_PRIORITY_DEFAULT, deliverToAll, new Event(event),
-                    [](gpointer data) { delete static_cast<Event*>(data); });
+    const std::lock_guard lock(packages().mutex);
+    packages().due.push_back(event);
+    g_idle_add_full(G_PRIORITY_DEFAULT, deliverNext, nullptr, nullptr);
 }
 
 void install(const std::string& appId) {
