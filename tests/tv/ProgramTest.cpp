@@ -127,6 +127,16 @@ TEST(Program, RunsMainActionsAndShowsWhatTheyCause) {
     EXPECT_EQ(result.status, 1) << "one command failed";
 }
 
+TEST(Program, KeepsTheSettingsOfTheRunBefore) {
+    const Folder folder;
+    const std::vector<std::string> kept = {"--settings", folder.write("settings", "{}")};
+    EXPECT_EQ(runCommands({"sim disclaimer off"}, kept).status, 0);
+    EXPECT_THAT(runCommands({"watch 0"}, kept).output, HasSubstr("The disclaimer is not accepted"));
+    // What is asked for on the command line comes before what was kept.
+    EXPECT_THAT(runCommands({"watch 0"}, {kept[0], kept[1], "--disclaimer", "on"}).output, HasSubstr("Laundry Room"));
+    EXPECT_THAT(runCommands({"watch 0"}, kept).output, HasSubstr("Laundry Room"));
+}
+
 TEST(Program, KeepsStillUntilTheDisclaimerIsAccepted) {
     const Finished result = runSteps({{"rooms", "failed: the plug-in has reported no home"},
                                       {"sim calls", Not(HasSubstr("homeloom_client_connect"))},
@@ -236,6 +246,7 @@ TEST(Program, RefusesWhatItCannotBeginWith) {
         {{"--home", wrongType}, "homeloom-tv: " + wrongType + ": account: expected an object, found a number\n"},
         {{"--home", "/nowhere.json"}, "homeloom-tv: /nowhere.json: "},
         {{"--script", "/nowhere"}, "homeloom-tv: there is no script /nowhere\n"},
+        {{"--settings", HOMELOOM_TV_PROGRAM}, "homeloom-tv: " HOMELOOM_TV_PROGRAM " holds no settings\n"},
         {{"--plugin", wrongType}, "homeloom-tv: the plug-in can't be loaded: "},
         {{"--generate", "0"}, "--generate"},
         {{"--settled"}, "--json"},

@@ -22,7 +22,7 @@ std::string checkDuration(const std::string& text) {
 
 std::variant<Arguments, int> parseArguments(int argc, char** argv) {
     Arguments arguments;
-    std::string disclaimer = "on";
+    std::string disclaimer;
     std::string hub = "on";
     std::string level;
     std::string limit;
@@ -48,6 +48,8 @@ std::variant<Arguments, int> parseArguments(int argc, char** argv) {
     app.add_option("--disclaimer", disclaimer, "Whether the disclaimer is accepted at the start")
         ->type_name("on|off")
         ->check(CLI::IsMember({"on", "off"}));
+    app.add_option("--settings", arguments.settings, "Take the TV's settings from a file, and keep them there")
+        ->type_name("FILE");
     app.add_option("--hub", hub,
                    "Whether this TV can be a hub (on if not given), and lacks only the hub control application")
         ->type_name("on|uninstalled|off")
@@ -65,7 +67,9 @@ std::variant<Arguments, int> parseArguments(int argc, char** argv) {
     } catch (const CLI::ParseError& e) {
         return app.exit(e) == 0 ? kExitSuccess : kExitUsage;
     }
-    arguments.disclaimer = disclaimer == "on";
+    if (!disclaimer.empty()) {
+        arguments.disclaimer = disclaimer == "on";
+    }
     arguments.hub = hub == "on"            ? Arguments::Hub::On
                     : hub == "uninstalled" ? Arguments::Hub::Uninstalled
                                            : Arguments::Hub::Off;

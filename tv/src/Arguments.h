@@ -22,7 +22,8 @@ struct Arguments {
     std::vector<std::string> commands;
     bool json = false;
     bool settled = false;
-    bool disclaimer = true;
+    std::optional<bool> disclaimer;  // none: as it is kept, or accepted
+    std::string settings;            // file; empty: none are kept
     enum class Hub { On, Uninstalled, Off };
     Hub hub = Hub::On;
     std::optional<log_priority> log;

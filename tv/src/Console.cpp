@@ -14,6 +14,7 @@
 #include "CommandError.h"
 #include "Completion.h"
 #include "Desk.h"
+#include "DeskSettings.h"
 #include "HomeText.h"
 #include "Inbox.h"
 #include "LineEditor.h"
@@ -110,7 +111,7 @@ void Console::showStart() {
     }
     out.say(out.style().paint(Tone::Strong, _title));
     if (_desk.loadStatus() < 0) {
-        out.say(_arguments.disclaimer
+        out.say(isDisclaimerAccepted()
                     ? "The plug-in has reported no load status."
                     : "The disclaimer is not accepted: the plug-in keeps still. \"sim disclaimer on\" accepts it.");
     } else {

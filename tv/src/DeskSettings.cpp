@@ -1,20 +1,33 @@
 #include "DeskSettings.h"
 
+#include <stdexcept>
+
 #include <VMFramework/JsonValue.h>
 #include <desktop/Settings.h>
+#include <fmt/format.h>
 #include <simulator/Home.h>
 
 namespace homeloom::tv {
 
-void applyDeskSettings(const simulator::Account& account, bool disclaimerAccepted) {
-    using VMFramework::json::JsonValue;
-    namespace settings = desktop::settings;
-    JsonValue signUp = JsonValue::CreateObject();
+namespace settings = desktop::settings;
+
+void applyDeskSettings(const simulator::Account& account, const std::string& file, std::optional<bool> disclaimer) {
+    auto signUp = VMFramework::json::JsonValue::CreateObject();
     signUp.set("di", account.deviceId);
     settings::setString("db/es_master/signup_info", signUp.toString());
     settings::setString("db/menu_widget/language", "en_US.utf8");
     settings::setString("db/comss/countrycode", "US");
-    settings::setInt(kDisclaimerKey, disclaimerAccepted ? 1 : 0);
+    settings::setInt(kDisclaimerKey, 1);
+    if (!file.empty() && !settings::keepIn(file)) {
+        throw std::runtime_error(fmt::format("{} holds no settings", file));
+    }
+    if (disclaimer) {
+        settings::setInt(kDisclaimerKey, *disclaimer ? 1 : 0);
+    }
+}
+
+bool isDisclaimerAccepted() {
+    return settings::get(kDisclaimerKey) == settings::Value(1);
 }
 
 }  // namespace homeloom::tv

@@ -112,7 +112,7 @@ int run(const Arguments& arguments) {
         homeloom::desktop::log::toStderr(*arguments.log);
     }
     PluginHost plugin(arguments.plugin.empty() ? findPlugin(programPath()) : std::filesystem::path(arguments.plugin));
-    applyDeskSettings(chosen.home.account, arguments.disclaimer);
+    applyDeskSettings(chosen.home.account, arguments.settings, arguments.disclaimer);
     std::optional<HubHost> hub;
     if (arguments.hub != Arguments::Hub::Off) {
         hub.emplace(chosen.home, arguments.hub == Arguments::Hub::On);
