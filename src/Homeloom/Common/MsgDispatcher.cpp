@@ -51,11 +51,39 @@ bool MsgDispatcher::MsgQueue::IsEmpty() const {
 }
 
 void MsgDispatcher::MsgQueue::Clear() {
+    clear(false);
+}
+
+void MsgDispatcher::MsgQueue::ClearIfPaused() {
+    clear(true);
+}
+
+void MsgDispatcher::MsgQueue::Pause() {
+    const std::lock_guard<std::mutex> lock(_mutex);
+    _paused = true;
+}
+
+void MsgDispatcher::MsgQueue::Resume() {
+    std::deque<Msg> dropped;  // destroyed after the lock is released
+    const std::lock_guard<std::mutex> lock(_mutex);
+    if (std::exchange(_paused, false)) {
+        dropped.swap(_queue);
+    }
+}
+
+bool MsgDispatcher::MsgQueue::IsPaused() const {
+    const std::lock_guard<std::mutex> lock(_mutex);
+    return _paused;
+}
+
+void MsgDispatcher::MsgQueue::clear(bool onlyIfPaused) {
     HL_LOGI("[%s] Clear Enter", _name.c_str());
     std::deque<Msg> dropped;
     {
         const std::lock_guard<std::mutex> lock(_mutex);
-        dropped.swap(_queue);
+        if (_paused || !onlyIfPaused) {
+            dropped.swap(_queue);
+        }
     }
     // What a job holds may push on this queue when it is destroyed.
     dropped.clear();
@@ -66,7 +94,7 @@ void MsgDispatcher::MsgQueue::RunFirstJob() {
     Msg msg;
     {
         const std::lock_guard<std::mutex> lock(_mutex);
-        if (_queue.empty()) {
+        if (_queue.empty() || _paused) {
             return;
         }
         msg = std::move(_queue.front());
@@ -128,16 +156,16 @@ void MsgDispatcher::wake() {
 
 void MsgDispatcher::Pause() {
     HL_LOGE("[%s] Enter. Q Count: %zu", _name.c_str(), _queue.Size());
-    _paused = true;
+    _queue.Pause();
     wake();
-    HL_LOGE("[%s] Exit", _name.c_str());
+    HL_LOGI("[%s] Exit", _name.c_str());
 }
 
 void MsgDispatcher::Resume() {
     HL_LOGE("[%s] Enter. Q Count: %zu", _name.c_str(), _queue.Size());
-    _paused = false;
+    _queue.Resume();
     wake();
-    HL_LOGE("[%s] Exit", _name.c_str());
+    HL_LOGI("[%s] Exit", _name.c_str());
 }
 
 void MsgDispatcher::ClearData() {
@@ -148,7 +176,7 @@ void MsgDispatcher::ClearData() {
 void MsgDispatcher::Quit() {
     HL_LOGE("[%s] Enter. Q Count: %zu", _name.c_str(), _queue.Size());
     _running = false;
-    _paused = false;
+    _queue.Resume();
     wake();
     if (_thread.joinable()) {
         HL_LOGI("[%s] before join", _name.c_str());
@@ -157,7 +185,7 @@ void MsgDispatcher::Quit() {
     } else {
         HL_LOGI("[%s] Not joinable", _name.c_str());
     }
-    HL_LOGE("[%s] Exit", _name.c_str());
+    HL_LOGI("[%s] Exit", _name.c_str());
 }
 
 bool MsgDispatcher::isEmptyQueue() const {
@@ -184,14 +212,14 @@ void MsgDispatcher::dispatchUntilQuit() {
             continue;
         }
         _goingToSleep = false;
-        // A pause that comes after Quit must not keep the thread here for ever.
-        if (_paused && _running) {
-            HL_LOGE("[%s] PAUSED STATUS. clear all", _name.c_str());
-            ClearData();
-            continue;
-        }
+        // Asked first: a pause that comes after Quit must not keep the thread here for ever.
         if (!_running) {
             break;
+        }
+        if (_queue.IsPaused()) {
+            HL_LOGE("[%s] PAUSED STATUS. clear all", _name.c_str());
+            _queue.ClearIfPaused();
+            continue;
         }
         _queue.RunFirstJob();
     }

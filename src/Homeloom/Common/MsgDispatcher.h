@@ -39,11 +39,21 @@ public:
         bool IsEmpty() const;
         /// Drops all jobs unrun. They are destroyed outside the queue's lock.
         void Clear();
+        /// While paused no job is run. Resume drops what is there and ends the pause in one step, so that a job pushed
+        /// before it never runs and one pushed after it is never dropped.
+        void Pause();
+        void Resume();
+        bool IsPaused() const;
+        /// The same as Clear, unless the pause has ended in the meantime.
+        void ClearIfPaused();
         void RunFirstJob();
 
     private:
+        void clear(bool onlyIfPaused);
+
         mutable std::mutex _mutex;
         std::deque<Msg> _queue;
+        bool _paused = false;
         const std::string _name;
     };
 
@@ -56,7 +66,8 @@ public:
 
     /// Adds a job; it is dropped, and logged, after Quit, and thrown away while paused.
     void EnqueueData(ThreadJob job, const std::string& name);
-    /// While paused every queued and arriving job is thrown away. A running job is not waited for.
+    /// While paused every queued and arriving job is thrown away: none that was queued before Resume runs, and every
+    /// one that is queued after it has returned. A running job is not waited for.
     void Pause();
     void Resume();
     void ClearData();
@@ -76,7 +87,6 @@ private:
     std::mutex _mutex;
     MsgQueue _queue;
     std::atomic<bool> _running{true};
-    std::atomic<bool> _paused{false};
     // True from just before the thread looks at its queue for the last time until it has woken up.
     std::atomic<bool> _goingToSleep{false};
     const std::string _name;
