@@ -5,14 +5,12 @@
 #include <sstream>
 
 #include "DocumentReader.h"
+#include "HomeNames.h"
 #include "World.h"
 
 namespace simulator {
 
 namespace {
-
-const std::pair<const char*, int> statusNames[] = {
-    {"connected", Connected}, {"disconnected", Disconnected}, {"inactive", Inactive}, {"hidden", Hidden}};
 
 std::string readFile(const std::string& file) {
     std::ifstream stream(file, std::ios::binary);
@@ -29,22 +27,6 @@ std::string beside(const std::string& file, const std::string& name) {
 }
 
 // ---- Resources ----
-
-const char* typeOf(const json::value& value) {
-    switch (value.kind()) {
-        case json::kind::bool_:
-            return "Boolean";
-        case json::kind::int64:
-        case json::kind::uint64:
-            return "Integer";
-        case json::kind::double_:
-            return "Double";
-        case json::kind::array:
-            return "Array";
-        default:
-            return "String";
-    }
-}
 
 /// "value", or {"type": "Object", "value": {...}} where the type can't be seen from the value.
 Property readProperty(const std::string& name, const Node& node) {
@@ -140,7 +122,7 @@ Reaction readReaction(const Node& node, const std::vector<Resource>& resources) 
     reaction.changes = readChanges(node["set"], resources);
     checkTargets(node["set"], resources);
     reaction.afterMilliseconds = node["after_ms"].number(0);
-    reaction.status = node["status"].isMissing() ? -1 : node["status"].oneOf(statusNames);
+    reaction.status = node["status"].isMissing() ? -1 : node["status"].oneOf(kStatusNames);
     return reaction;
 }
 
@@ -320,7 +302,7 @@ private:
         device.name = node["name"].text(device.name);
         device.nick = node["nick"].text("");
         device.prefix = node["prefix"].text("");
-        device.status = node["status"].isMissing() ? Connected : node["status"].oneOf(statusNames);
+        device.status = node["status"].isMissing() ? Connected : node["status"].oneOf(kStatusNames);
         if (!node["types"].isMissing()) {
             device.types = node["types"].texts();
         }
@@ -421,6 +403,22 @@ private:
 };
 
 }  // namespace
+
+const char* typeOf(const json::value& value) {
+    switch (value.kind()) {
+        case json::kind::bool_:
+            return "Boolean";
+        case json::kind::int64:
+        case json::kind::uint64:
+            return "Integer";
+        case json::kind::double_:
+            return "Double";
+        case json::kind::array:
+            return "Array";
+        default:
+            return "String";
+    }
+}
 
 HomeError::HomeError(const std::string& file, const std::string& place, const std::string& reason)
     : std::runtime_error(file + ": " + place + ": " + reason), _file(file), _place(place), _reason(reason) {}

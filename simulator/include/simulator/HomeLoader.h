@@ -32,6 +32,10 @@ Home parseHome(std::string_view text, const std::string& name = "home");
 /// Reads one model file (homes/models). Throws HomeError.
 Model loadModel(const std::string& file);
 
+/// A home as a document that loads again, models and all, laid out for people. Throws std::runtime_error with the
+/// reason when something of it has no place in a document, as a text that is no JSON where a document is expected.
+std::string writeHome(const Home& home);
+
 /// A made-up home, for measuring. Ids and names are the same in each run: "device-0", "location-0", ...
 struct HomePlan {
     int devices = 0;

@@ -1,5 +1,9 @@
+#include <fstream>
+#include <stdexcept>
+
 #include <fmt/format.h>
 #include <simulator/Agent.h>
+#include <simulator/HomeLoader.h>
 
 #include "Command.h"
 #include "CommandError.h"
@@ -146,6 +150,21 @@ void move(Desk& desk, const Words& words) {
     awaitHome(desk);
 }
 
+void save(Desk&, const Words& words) {
+    if (words.size() != 1) {
+        throw UsageError();
+    }
+    std::string document;
+    try {
+        document = simulator::writeHome(agent().home());
+    } catch (const std::runtime_error& e) {
+        throw CommandError(e.what());
+    }
+    if (std::ofstream file(words[0]); !(file << document << std::flush)) {
+        throw CommandError(fmt::format("{} can't be written", words[0]));
+    }
+}
+
 }  // namespace
 
 std::vector<Command> simHomeCommands() {
@@ -175,6 +194,12 @@ std::vector<Command> simHomeCommands() {
          {"sim move washer kitchen"},
          move,
          {Kind::Device, Kind::Room}},
+        {"sim save",
+         "FILE",
+         "writes the home as it is now, models and all, as a document that --home takes",
+         {"sim save my-home.json"},
+         save,
+         {}},
     };
 }
 
