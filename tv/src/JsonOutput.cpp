@@ -3,12 +3,12 @@
 #include <cstdio>
 #include <map>
 #include <optional>
-#include <tuple>
 
 #include <VMFramework/JsonValue.h>
 
 #include "HomeView.h"
 #include "Output.h"
+#include "Settled.h"
 #include "Text.h"
 
 namespace homeloom::tv {
@@ -94,45 +94,11 @@ void writeLine(const std::string& line) {
     std::fflush(stdout);
 }
 
-/// The reports of one step in an order that every run has.
-class Step {
-public:
-    void add(const Report& report) {
-        const bool isState = report.kind == Report::Kind::Notify && report.name == "hl_device_state_updated";
-        const bool replaces = isState || report.kind == Report::Kind::DeviceList;
-        const Key key(report.kind, report.name, report.properties.text("device_id"), replaces ? 0 : _reports.size());
-        _reports[key] = jsonLine(report);
-        _hasList = _hasList || report.kind == Report::Kind::DeviceList;
-    }
-
-    // A home that was built anew stands for the lists and the states that came on the way.
-    void write(const HomeView& home) {
-        for (const auto& [key, line] : _reports) {
-            const auto& [kind, name, device, number] = key;
-            const bool isOnTheWay = kind == Report::Kind::DeviceList ||
-                                    (name == "hl_device_state_updated" && home.device(device) != nullptr);
-            if (!_hasList || !isOnTheWay) {
-                writeLine(line);
-            }
-        }
-        if (_hasList) {
-            writeLine(jsonLine(home));
-        }
-        *this = Step();
-    }
-
-private:
-    using Key = std::tuple<Report::Kind, std::string, std::string, std::size_t>;
-
-    std::map<Key, std::string> _reports;
-    bool _hasList = false;
-};
-
 class JsonOutput : public Output {
 public:
     explicit JsonOutput(bool settled) : Output(Style()), _settled(settled) {}
 
-    void endStart(const HomeView& home) override { _step.write(home); }
+    void endStart(const HomeView& home) override { writeStep(home); }
 
     void beginCommand(const std::string& line) override {
         _command = line;
@@ -143,7 +109,7 @@ public:
         if (!error.empty()) {
             say("failed: " + error);
         }
-        _step.write(home);
+        writeStep(home);
         writeLine(jsonLine(_command, error.empty(), _said));
     }
 
@@ -154,8 +120,18 @@ public:
     }
 
 private:
+    void writeStep(const HomeView& home) {
+        const bool hasList = _step.hasList();
+        for (const std::string& line : _step.take(home)) {
+            writeLine(line);
+        }
+        if (hasList) {
+            writeLine(jsonLine(home));
+        }
+    }
+
     const bool _settled;
-    Step _step;
+    SettledStep _step;
     std::string _command;
     std::vector<std::string> _said;
 };
