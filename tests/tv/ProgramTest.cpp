@@ -186,10 +186,11 @@ TEST(Program, WorksTheHubControlApplication) {
     runSteps({
         {"sim hub info", HasSubstr(R"({"hub_di":"","user_id":""})")},
         {"sim hub info {\"hub_di\":\"h\"}", _},
-        {"sim hub event x", HasSubstr("failed: usage: sim hub ")},
-        {"sim hub dance", HasSubstr("failed: usage: sim hub ")},
-        {"sim hub onboarding sometimes", HasSubstr("failed: usage: sim hub ")},
-        {"sim hub pace 5 6", HasSubstr("failed: usage: sim hub ")},
+        {"sim hub event x", HasSubstr("failed: usage: sim hub event NUMBER [DATA]")},
+        {"sim hub dance", HasSubstr("there is no command \"sim hub dance\"; near: sim hub ")},
+        {"sim hub", HasSubstr("\"help sim hub\" lists them")},
+        {"sim hub onboarding sometimes", HasSubstr("failed: usage: sim hub onboarding succeeds|fails|waits")},
+        {"sim hub pace 5 6", HasSubstr("failed: usage: sim hub pace TIME")},
         {"sim hub kill", _},
         {"sim hub event 0 42", HasSubstr("failed: the hub control application doesn't run")},
         {"sim hub reject", _},
@@ -311,7 +312,7 @@ TEST(Program, LetsTheCloudMisbehave) {
               {"sim cloud requests", "POST  av.homeloom.example/v1/stream?source_id=living-camera"},
               {"sim cloud cut strem", HasSubstr("no endpoint strem; there are commands, devices")},
               {"sim cloud fail stream 200", HasSubstr("\"200\" is no code of a failure")},
-              {"sim cloud delay stream", HasSubstr("usage: sim cloud fail")}});
+              {"sim cloud delay stream", HasSubstr("usage: sim cloud delay ENDPOINT[:PART] TIME [REQUESTS]")}});
 }
 
 TEST(Program, SendsEveryRequestByItsName) {

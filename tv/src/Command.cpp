@@ -13,6 +13,8 @@ namespace homeloom::tv {
 
 namespace {
 
+constexpr std::size_t kMostNameWords = 3;
+
 std::vector<Command> makeTable() {
     std::vector<Command> table;
     for (const auto& family :
@@ -30,6 +32,10 @@ const Command* named(const std::string& name) {
     return found != table.end() ? &*found : nullptr;
 }
 
+Words firstWords(const Words& words, std::size_t count) {
+    return Words(words.begin(), words.begin() + static_cast<std::ptrdiff_t>(count));
+}
+
 }  // namespace
 
 const std::vector<Command>& commandTable() {
@@ -37,21 +43,40 @@ const std::vector<Command>& commandTable() {
     return table;
 }
 
+const std::vector<CommandGroup>& commandGroups() {
+    static const std::vector<CommandGroup> groups{
+        {"sim cloud", "the cloud's web endpoints: has them misbehave, tells what they were asked"},
+        {"sim hub", "the hub control application: installs, ends and steers it, tells what it was asked"},
+    };
+    return groups;
+}
+
 const Command& findCommand(const Words& words, std::size_t& at) {
-    for (at = std::min<std::size_t>(2, words.size()); at > 0; --at) {
-        const Words first(words.begin(), words.begin() + static_cast<std::ptrdiff_t>(at));
-        if (const Command* const command = named(lowered(joinWords(first)))) {
+    for (at = std::min(kMostNameWords, words.size()); at > 0; --at) {
+        if (const Command* const command = named(lowered(joinWords(firstWords(words, at))))) {
             return *command;
         }
     }
-    const bool isSim = words.size() > 1 && lowered(words[0]) == "sim";
-    const std::string wanted = isSim ? "sim " + words[1] : joinWords({words[0]});
+    // What was meant has as many words as the names of the group that it begins like.
+    std::size_t length = 1;
+    for (const Command& command : commandTable()) {
+        for (std::size_t i = length; i < std::min(kMostNameWords, words.size()); ++i) {
+            const std::string begun = lowered(joinWords(firstWords(words, i))) + ' ';
+            length = command.name.compare(0, begun.size(), begun) == 0 ? i + 1 : length;
+        }
+    }
+    const std::string wanted = joinWords(firstWords(words, length));
+    const auto& groups = commandGroups();
+    if (std::any_of(groups.begin(), groups.end(), [&](const auto& g) { return g.name == lowered(wanted); })) {
+        throw CommandError(fmt::format("\"{}\" wants a word behind it; \"help {}\" lists them", wanted, wanted));
+    }
     Words names;
     for (const Command& command : commandTable()) {
         names.push_back(command.name);
     }
-    throw CommandError(
-        fmt::format("there is no command \"{}\"{}; \"help\" lists all", wanted, nearHint(nearTo(wanted, names))));
+    throw CommandError(fmt::format("there is no command \"{}\"{}; \"help{}\" lists all", wanted,
+                                   nearHint(nearTo(wanted, names)),
+                                   length > 1 ? ' ' + lowered(joinWords(firstWords(words, length - 1))) : ""));
 }
 
 void runCommand(Desk& desk, const std::string& line) {
@@ -64,7 +89,7 @@ void runCommand(Desk& desk, const std::string& line) {
     try {
         command.run(desk, Words(words.begin() + static_cast<std::ptrdiff_t>(at), words.end()));
     } catch (const UsageError&) {
-        throw CommandError(fmt::format("usage: {} {}", command.name, command.usage));
+        throw CommandError("usage: " + command.name + (command.usage.empty() ? "" : " " + command.usage));
     }
 }
 

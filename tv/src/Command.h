@@ -23,7 +23,7 @@ struct Hint {
 };
 
 struct Command {
-    std::string name;   // one word, or two for the other side: "sim set"
+    std::string name;   // one to three words: "do", "sim set", "sim hub event"
     std::string usage;  // what follows the name
     std::string summary;
     Words examples;
@@ -32,8 +32,18 @@ struct Command {
     std::vector<Hint> hints;  // by place
 };
 
+/// Commands whose names begin alike, and what they have in common. Where all commands are listed, one line stands for
+/// the group.
+struct CommandGroup {
+    std::string name;  // "sim hub"
+    std::string summary;
+
+    bool holds(const Command& command) const { return command.name.compare(0, name.size() + 1, name + ' ') == 0; }
+};
+
 /// All commands, in the order of the help.
 const std::vector<Command>& commandTable();
+const std::vector<CommandGroup>& commandGroups();
 
 /// The command at the start of the words; `at` becomes the number of words that name it. Throws CommandError.
 const Command& findCommand(const Words& words, std::size_t& at);

@@ -15,14 +15,12 @@ namespace homeloom::tv {
 
 namespace {
 
-Words commandNames(const std::string& group) {
+// The words that follow `begun` in commands' names.
+Words commandNames(const std::string& begun) {
     Words names;
     for (const Command& command : commandTable()) {
-        const std::size_t blank = command.name.find(' ');
-        if (group.empty()) {
-            names.push_back(command.name.substr(0, blank));
-        } else if (blank != std::string::npos && command.name.substr(0, blank) == group) {
-            names.push_back(command.name.substr(blank + 1));
+        if (command.name.compare(0, begun.size(), begun) == 0) {
+            names.push_back(command.name.substr(begun.size(), command.name.find(' ', begun.size()) - begun.size()));
         }
     }
     return names;
@@ -83,11 +81,9 @@ Words keysOf(const std::string& request) {
 }
 
 Words choicesBehind(const Words& before, const HomeView& home) {
-    if (before.empty()) {
-        return commandNames("");
-    }
-    if (before.size() == 1 && before[0] == "sim") {
-        return commandNames("sim");
+    const Words names = commandNames(before.empty() ? "" : joinWords(before) + ' ');
+    if (!names.empty()) {
+        return names;
     }
     if (before.size() > 1 && before[0] == "request") {
         return keysOf(before[1]);

@@ -1,5 +1,5 @@
 #include <algorithm>
-#include <map>
+#include <functional>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -31,57 +31,37 @@ std::string endpointNamed(const std::string& name) {
     return name;
 }
 
-std::optional<int> numberAt(const Words& words, std::size_t at) {
-    return words.size() > at ? parseInt(words[at]) : std::nullopt;
+CloudFault statusFault(const std::string& word) {
+    const auto code = parseInt(word);
+    if (!code || *code < 400 || *code > 599) {
+        throw CommandError(fmt::format("\"{}\" is no code of a failure; 400 to 599 are", word));
+    }
+    return CloudFault::status(*code);
 }
 
-// Faults that take something besides the endpoint: the code, the text or the time is the word behind it.
-CloudFault faultWithWord(const Words& words) {
-    if (words.size() < 3) {
-        throw UsageError();
-    }
-    if (words[0] == "answer") {
-        return CloudFault::body(words[2]);
-    }
-    if (words[0] == "fail") {
-        const auto code = parseInt(words[2]);
-        if (!code || *code < 400 || *code > 599) {
-            throw CommandError(fmt::format("\"{}\" is no code of a failure; 400 to 599 are", words[2]));
-        }
-        return CloudFault::status(*code);
-    }
-    const auto time = parseDuration(words[2]);
+CloudFault lateFault(const std::string& word) {
+    const auto time = parseDuration(word);
     if (!time) {
         throw UsageError();
     }
     return CloudFault::late(*time);
 }
 
-const std::map<std::string, CloudFault>& plainFaults() {
-    static const std::map<std::string, CloudFault> faults{
-        {"drop", CloudFault::never()},      {"cut", CloudFault::cut()},           {"huge", CloudFault::huge()},
-        {"endless", CloudFault::endless()}, {"loop", CloudFault::redirectLoop()}, {"chunks", CloudFault::chunks()}};
-    return faults;
-}
-
-// "file_links:shelf-3" is an endpoint and what its target contains.
-void setFault(const Words& words) {
-    const auto plain = plainFaults().find(words[0]);
-    const std::size_t countAt = plain != plainFaults().end() ? 2 : 3;
-    if (words.size() < 2 || words.size() > countAt + 1) {
+// "file_links:shelf-3" is an endpoint and what its target contains. A number at `countAt` says for how many requests.
+void setFault(const Words& words, std::size_t countAt, CloudFault fault) {
+    if (words.size() > countAt + 1) {
         throw UsageError();
     }
-    CloudFault fault = plain != plainFaults().end() ? plain->second : faultWithWord(words);
     if (words.size() > countAt) {
-        const auto times = numberAt(words, countAt);
+        const auto times = parseInt(words[countAt]);
         if (!times || *times < 1) {
             throw UsageError();
         }
         fault = fault.times(*times);
     }
-    const std::size_t colon = std::min(words[1].find(':'), words[1].size());
-    const std::string part = words[1].substr(std::min(colon + 1, words[1].size()));
-    cloud().fault(endpointNamed(words[1].substr(0, colon)), fault.only(part));
+    const std::size_t colon = std::min(words[0].find(':'), words[0].size());
+    const std::string part = words[0].substr(std::min(colon + 1, words[0].size()));
+    cloud().fault(endpointNamed(words[0].substr(0, colon)), fault.only(part));
 }
 
 std::string faultText(const CloudFault& fault) {
@@ -121,7 +101,14 @@ void listFaults(Desk& desk) {
     desk.out().say(table);
 }
 
-void listRequests(Desk& desk) {
+void listRequests(Desk& desk, const Words& words) {
+    if (words == Words{"reset"}) {
+        cloud().resetRequests();
+        return;
+    }
+    if (!words.empty()) {
+        throw UsageError();
+    }
     Table table;
     for (const auto& request : cloud().requests()) {
         table.add({request.method, request.host + request.target, {request.body, Tone::Dim}});
@@ -129,55 +116,103 @@ void listRequests(Desk& desk) {
     desk.out().say(table);
 }
 
-// One word, or two.
-void control(Desk& desk, const Words& words) {
-    if (words == Words{"faults"}) {
-        listFaults(desk);
-    } else if (words == Words{"requests"}) {
-        listRequests(desk);
-    } else if (words == Words{"requests", "reset"}) {
-        cloud().resetRequests();
-    } else if (words == Words{"clear"}) {
-        cloud().clearFaults();
-    } else if (words[0] == "clear" && words.size() == 2) {
-        cloud().clearFault(endpointNamed(words[1]));
-    } else if (words == Words{"forged"} || words == Words{"genuine"}) {
-        cloud().setForeignCertificates(words[0] == "forged");
-    } else if (words == Words{"down"}) {
-        CloudHost::down();
-    } else if (words == Words{"up"}) {
-        CloudHost::up();
-    } else {
+void clear(Desk&, const Words& words) {
+    if (words.size() > 1) {
         throw UsageError();
     }
+    words.empty() ? cloud().clearFaults() : cloud().clearFault(endpointNamed(words[0]));
 }
 
-void simCloud(Desk& desk, const Words& words) {
-    if (words.empty()) {
-        throw UsageError();
-    }
-    const bool isFault =
-        words[0] == "fail" || words[0] == "answer" || words[0] == "delay" || plainFaults().count(words[0]) > 0;
-    isFault ? setFault(words) : control(desk, words);
+/// A fault that takes a word besides the endpoint.
+Command faultCommand(const std::string& verb, const std::string& what, const std::string& summary,
+                     const std::string& example, CloudFault (*make)(const std::string& word)) {
+    const std::string name = "sim cloud " + verb;
+    return {name,
+            "ENDPOINT[:PART] " + what + " [REQUESTS]",
+            summary,
+            {name + " " + example},
+            [make](Desk&, const Words& words) {
+                if (words.size() < 2) {
+                    throw UsageError();
+                }
+                setFault(words, 2, make(words[1]));
+            },
+            {Cloud::endpointNames()}};
+}
+
+Command faultCommand(const std::string& verb, const std::string& summary, const std::string& example,
+                     const CloudFault& fault) {
+    const std::string name = "sim cloud " + verb;
+    return {name,
+            "ENDPOINT[:PART] [REQUESTS]",
+            summary,
+            {name + " " + example},
+            [fault](Desk&, const Words& words) {
+                if (words.empty()) {
+                    throw UsageError();
+                }
+                setFault(words, 1, fault);
+            },
+            {Cloud::endpointNames()}};
+}
+
+Command plainCommand(const std::string& verb, const std::string& summary, const std::function<void()>& run) {
+    const std::string name = "sim cloud " + verb;
+    return {name,
+            "",
+            summary,
+            {name},
+            [run](Desk&, const Words& words) {
+                if (!words.empty()) {
+                    throw UsageError();
+                }
+                run();
+            },
+            {}};
 }
 
 }  // namespace
 
 std::vector<Command> simCloudCommands() {
-    const Words verbs{"answer", "chunks", "clear",  "cut",     "delay", "down", "drop",     "endless",
-                      "fail",   "faults", "forged", "genuine", "huge",  "loop", "requests", "up"};
     return {
-        {"sim cloud",
-         "fail ENDPOINT[:PART] CODE [REQUESTS] | answer ... TEXT | delay ... TIME | drop|cut|huge|endless|loop|chunks "
-         "... "
-         "| faults | clear [ENDPOINT] | requests [reset] | forged | genuine | down | up",
-         fmt::format(
-             "has an endpoint of the cloud misbehave ({}), for all requests or those with PART in their address; or "
-             "lists that, takes it back, lists what was asked, shows certificates that nobody knows, goes away",
-             fmt::join(Cloud::endpointNames(), ", ")),
-         {"sim cloud fail stream 500", "sim cloud delay file_links:shelf-3 2s 1", "sim cloud requests"},
-         simCloud,
-         {verbs, Cloud::endpointNames()}}};
+        faultCommand("fail", "CODE", "has an endpoint answer with a code of failure, 400 to 599", "stream 500",
+                     statusFault),
+        faultCommand("answer", "TEXT", "has an endpoint answer 200 with that body", R"(stream {"items": []} 1)",
+                     CloudFault::body),
+        faultCommand("delay", "TIME", "has an endpoint answer late; \"sim hurry\" cuts that short",
+                     "file_links:shelf-3 2s 1", lateFault),
+        faultCommand("drop", "has an endpoint never answer", "devices:living-camera", CloudFault::never()),
+        faultCommand("cut", "has an endpoint close the connection in the middle of its answer", "files",
+                     CloudFault::cut()),
+        faultCommand("huge", "has an endpoint answer with 32 MB", "files 1", CloudFault::huge()),
+        faultCommand("endless", "has an endpoint answer without an end", "files 1", CloudFault::endless()),
+        faultCommand("loop", "has an endpoint redirect to itself", "file_links", CloudFault::redirectLoop()),
+        faultCommand("chunks", "has an endpoint answer in chunks and not in one piece", "stream", CloudFault::chunks()),
+        {"sim cloud faults",
+         "",
+         "lists what was set so",
+         {"sim cloud faults"},
+         [](Desk& desk, const Words& words) { words.empty() ? listFaults(desk) : throw UsageError(); },
+         {}},
+        {"sim cloud clear",
+         "[ENDPOINT]",
+         "takes back the faults of an endpoint, or of all",
+         {"sim cloud clear stream"},
+         clear,
+         {Cloud::endpointNames()}},
+        {"sim cloud requests",
+         "[reset]",
+         "lists what the plug-in asked the cloud, or forgets that",
+         {"sim cloud requests"},
+         listRequests,
+         {Hint(Words{"reset"})}},
+        plainCommand("forged", "shows certificates from an authority that nobody knows",
+                     [] { cloud().setForeignCertificates(true); }),
+        plainCommand("genuine", "shows certificates that are trusted again",
+                     [] { cloud().setForeignCertificates(false); }),
+        plainCommand("down", "takes the cloud's web endpoints away", CloudHost::down),
+        plainCommand("up", "brings them back", CloudHost::up),
+    };
 }
 
 }  // namespace homeloom::tv

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <fstream>
 
 #include <fmt/format.h>
@@ -43,11 +44,41 @@ void device(Desk& desk, const Words& words) {
     showDevice(desk.out(), *desk.home().device(deviceLookup(desk.home()).takeAll(words, 0)));
 }
 
+std::string titleOf(const Command& command) {
+    return command.name + (command.usage.empty() ? "" : " " + command.usage);
+}
+
+const CommandGroup* groupOf(const Command& command) {
+    const auto& groups = commandGroups();
+    const auto found = std::find_if(groups.begin(), groups.end(), [&](const auto& g) { return g.holds(command); });
+    return found != groups.end() ? &*found : nullptr;
+}
+
 void listCommands(Desk& desk, bool ofTheOtherSide) {
     Table table(2);
+    const CommandGroup* last = nullptr;
     for (const Command& command : commandTable()) {
-        if ((command.name.compare(0, 4, "sim ") == 0) == ofTheOtherSide) {
-            table.add({{command.name + " " + command.usage, Tone::Strong}, command.summary});
+        if ((command.name.compare(0, 4, "sim ") == 0) != ofTheOtherSide) {
+            continue;
+        }
+        const CommandGroup* const group = groupOf(command);
+        if (group == nullptr) {
+            table.add({{titleOf(command), Tone::Strong}, command.summary});
+        } else if (group != last) {
+            table.add({{group->name + " ...", Tone::Strong},
+                       fmt::format("{}; \"help {}\" lists its commands", group->summary, group->name)});
+        }
+        last = group;
+    }
+    desk.out().say(table);
+}
+
+void explain(Desk& desk, const CommandGroup& group) {
+    desk.out().say(fmt::format("{}: {}", desk.out().style().paint(Tone::Strong, group.name), group.summary));
+    Table table(2);
+    for (const Command& command : commandTable()) {
+        if (group.holds(command)) {
+            table.add({{titleOf(command), Tone::Strong}, command.summary});
         }
     }
     desk.out().say(table);
@@ -55,7 +86,7 @@ void listCommands(Desk& desk, bool ofTheOtherSide) {
 
 void explain(Desk& desk, const Command& command) {
     Output& out = desk.out();
-    out.say(out.style().paint(Tone::Strong, command.name + " " + command.usage));
+    out.say(out.style().paint(Tone::Strong, titleOf(command)));
     out.say("  " + command.summary);
     for (const std::string& example : command.examples) {
         out.say(out.style().paint(Tone::Dim, "  for example:  ") + example);
@@ -87,7 +118,12 @@ void explainRequest(Desk& desk, const RequestSpec& spec) {
 
 void help(Desk& desk, const Words& words) {
     std::size_t at = 0;
-    if (words.empty()) {
+    const auto& groups = commandGroups();
+    const auto group = std::find_if(groups.begin(), groups.end(),
+                                    [&words](const auto& g) { return g.name == lowered(joinWords(words)); });
+    if (group != groups.end()) {
+        explain(desk, *group);
+    } else if (words.empty()) {
         desk.out().say("The TV's side:");
         listCommands(desk, false);
         desk.out().say("The other side (agent, home, cloud):");
