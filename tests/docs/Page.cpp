@@ -1,5 +1,6 @@
 #include "Page.h"
 
+#include <algorithm>
 #include <fstream>
 #include <regex>
 #include <stdexcept>
@@ -12,12 +13,19 @@ bool startsWith(const std::string& line, const std::string& start) {
     return line.compare(0, start.size(), start) == 0;
 }
 
-/// "`key` text, `other` int"
+std::string withoutTicks(std::string text) {
+    text.erase(std::remove(text.begin(), text.end(), '`'), text.end());
+    const auto begin = text.find_first_not_of(' ');
+    return begin == std::string::npos ? "" : text.substr(begin, text.find_last_not_of(' ') + 1 - begin);
+}
+
+/// "`key` text, `other` int (what it means)"
 DocumentedFields fieldsIn(const std::string& text) {
-    static const std::regex field("`([^`]+)` (text|int|bool)");
+    static const std::regex field("`([^`]+)` (text|int|bool)( \\(([^)]*)\\))?");
     DocumentedFields fields;
     for (std::sregex_iterator found(text.begin(), text.end(), field), end; found != end; ++found) {
-        fields.push_back((*found)[1].str() + " " + (*found)[2].str());
+        const std::string meaning = withoutTicks((*found)[4]);
+        fields.push_back((*found)[1].str() + " " + (*found)[2].str() + (meaning.empty() ? "" : ": " + meaning));
     }
     return fields;
 }
@@ -31,10 +39,10 @@ std::vector<std::string> namesIn(const std::string& text) {
     return names;
 }
 
-/// The cells of a row of a table; none for another line.
+/// The cells of a row of a table; none for another line, and for a table's head.
 std::vector<std::string> cellsOf(const std::string& line) {
     std::vector<std::string> cells;
-    if (startsWith(line, "| `")) {
+    if (startsWith(line, "| ") && line.find('`') != std::string::npos) {
         for (std::size_t begin = 1, end; (end = line.find('|', begin)) != std::string::npos; begin = end + 1) {
             cells.push_back(line.substr(begin, end - begin));
         }
@@ -49,25 +57,24 @@ std::vector<std::string> section(const std::string& heading) {
                       [&](const std::string& line) { return startsWith(line, level) || startsWith(line, "## "); });
 }
 
-/// The fields of a section's table, "| `key`, `other` | text, int | ..." a row; one type may stand for all keys.
-DocumentedFields fieldsOfTable(const std::string& heading) {
+/// The fields of a row, "| `key`, `other` | text, int | what they mean |"; one type may stand for all keys.
+DocumentedFields fieldsOfRow(const std::vector<std::string>& cells) {
     static const std::regex word("text|int|bool");
     DocumentedFields fields;
-    for (const auto& line : section(heading)) {
-        const auto cells = cellsOf(line);
-        if (cells.size() < 2) {
-            continue;
+    const std::string meaning = withoutTicks(cells.at(2));
+    std::sregex_iterator type(cells[1].begin(), cells[1].end(), word);
+    std::string last;
+    for (const auto& key : namesIn(cells[0])) {
+        if (type != std::sregex_iterator()) {
+            last = (*type++)[0];
         }
-        std::sregex_iterator type(cells[1].begin(), cells[1].end(), word);
-        std::string last;
-        for (const auto& key : namesIn(cells[0])) {
-            if (type != std::sregex_iterator()) {
-                last = (*type++)[0];
-            }
-            fields.push_back(key + " " + last);
-        }
+        fields.push_back(key + " " + last + (meaning.empty() ? "" : ": " + meaning));
     }
     return fields;
+}
+
+void append(DocumentedFields& fields, const DocumentedFields& more) {
+    fields.insert(fields.end(), more.begin(), more.end());
 }
 
 /// A list item with the lines that go on with it: "- Word: ..." gives what follows the word.
@@ -120,14 +127,16 @@ std::vector<DocumentedRequest> documentedRequests() {
                 requests.back().answerFields = fieldsIn(text);
             }
         } else if (startsWith(line, "- Needs: ")) {
-            requests.back().needsNothing = item(lines, i) == "nothing";
+            requests.back().needs = item(lines, i);
+        } else if (startsWith(line, "- No answer: ")) {
+            requests.back().refusals = withoutTicks(item(lines, i));
         }
     }
     return requests;
 }
 
-std::map<std::string, DocumentedFields> documentedNotifies() {
-    std::map<std::string, DocumentedFields> notifies;
+std::map<std::string, DocumentedNotify> documentedNotifies() {
+    std::map<std::string, DocumentedNotify> notifies;
     for (const auto& line : section("## Notifies")) {
         const auto cells = cellsOf(line);
         if (startsWith(line, "###")) {
@@ -135,14 +144,31 @@ std::map<std::string, DocumentedFields> documentedNotifies() {
         }
         if (cells.size() == 3) {
             for (const auto& name : namesIn(cells[0])) {
-                notifies[name] = fieldsIn(cells[2]);
+                notifies[name] = {withoutTicks(cells[1]), fieldsIn(cells[2])};
             }
         }
     }
-    notifies["hl_device_state_updated"] = fieldsOfTable("### `hl_device_state_updated`");
+    for (const auto& line : section("### `hl_device_state_updated`")) {
+        if (const auto cells = cellsOf(line); !cells.empty()) {
+            append(notifies["hl_device_state_updated"].fields, fieldsOfRow(cells));
+        }
+    }
     return notifies;
 }
 
-DocumentedFields documentedEndpointFields() {
-    return fieldsOfTable("## The device list");
+std::map<std::string, DocumentedEndpoint> documentedEndpoints() {
+    std::map<std::string, DocumentedEndpoint> endpoints;
+    std::string entry;
+    for (const auto& line : section("## The device list")) {
+        const auto cells = cellsOf(line);
+        if (startsWith(line, "A **")) {
+            entry = line.substr(4, line.find("**", 4) - 4);
+        } else if (cells.size() == 5) {
+            endpoints[withoutTicks(cells[0])].names = {withoutTicks(cells[1]), withoutTicks(cells[2]),
+                                                       withoutTicks(cells[3])};
+        } else if (cells.size() == 3) {
+            append(endpoints[entry].fields, fieldsOfRow(cells));
+        }
+    }
+    return endpoints;
 }

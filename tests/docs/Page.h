@@ -8,7 +8,7 @@
 
 /// What the pages for UI developers say, read from their Markdown.
 
-/// "KEY TYPE" of each; the type is "text", "int" or "bool".
+/// "KEY TYPE" of each, the type being "text", "int" or "bool"; where the page says what it means, "KEY TYPE: MEANING".
 using DocumentedFields = std::vector<std::string>;
 
 struct DocumentedRequest {
@@ -16,9 +16,20 @@ struct DocumentedRequest {
     DocumentedFields arguments;
     std::string answer;  // "notify NAME" or "result NAME"; empty if the answer is not tied to the request
     DocumentedFields answerFields;
-    bool needsNothing = false;
+    std::string needs;
+    std::string refusals;
     bool overtakes = false;
     std::string example;  // the console's line
+};
+
+struct DocumentedNotify {
+    std::string when;
+    DocumentedFields fields;
+};
+
+struct DocumentedEndpoint {
+    std::vector<std::string> names;  // service name, interface type, device type
+    DocumentedFields fields;
 };
 
 /// The lines of a file of the repository below one line, up to another. Throws if there are none.
@@ -28,8 +39,8 @@ std::vector<std::string> linesBelow(const std::string& file, const std::string& 
 /// docs/requests.md
 std::vector<DocumentedRequest> documentedRequests();
 /// The notifies of docs/framework.md, by name.
-std::map<std::string, DocumentedFields> documentedNotifies();
-/// The extra data of endpoints in docs/framework.md.
-DocumentedFields documentedEndpointFields();
+std::map<std::string, DocumentedNotify> documentedNotifies();
+/// The entries of the device list in docs/framework.md, by what they are.
+std::map<std::string, DocumentedEndpoint> documentedEndpoints();
 
 #endif

@@ -13,14 +13,15 @@
 #include <vmf_property.h>
 
 #include "Page.h"
+#include "ReportTable.h"
 #include "RequestTable.h"
 #include "Words.h"
 #include "desktop/Records.h"
 #include "support/Desk.h"
 
 namespace framework = homeloom::desktop::framework;
+using homeloom::tv::FieldSpec;
 using homeloom::tv::RequestSpec;
-using testing::Contains;
 using testing::UnorderedElementsAreArray;
 
 // ---- What the plug-in reads of a request: these take the place of the framework's own functions ----
@@ -65,8 +66,23 @@ std::string TypeOf(const homeloom::desktop::Value& value) {
     return std::holds_alternative<bool>(value) ? "bool" : std::holds_alternative<int>(value) ? "int" : "text";
 }
 
-std::string TypeOf(RequestSpec::Type type) {
-    return type == RequestSpec::Type::Flag ? "bool" : type == RequestSpec::Type::Number ? "int" : "text";
+/// As the pages write them; the endpoints' table refers to the notify for what both have.
+DocumentedFields Written(const std::vector<FieldSpec>& fields, bool asInTheNotify = false) {
+    DocumentedFields written;
+    for (const auto& field : fields) {
+        const auto& notified = homeloom::tv::findNotify("hl_device_state_updated")->fields;
+        const bool isThere =
+            asInTheNotify && std::any_of(notified.begin(), notified.end(),
+                                         [&](const FieldSpec& other) { return other.key == field.key; });
+        const std::string meaning = isThere ? "as in the notify" : field.meaning;
+        written.push_back(field.key + " " + nameOf(field.type) + (meaning.empty() ? "" : ": " + meaning));
+    }
+    return written;
+}
+
+bool HasField(const std::vector<FieldSpec>& fields, const std::string& key, const homeloom::desktop::Value& value) {
+    return std::any_of(fields.begin(), fields.end(),
+                       [&](const FieldSpec& field) { return field.key == key && nameOf(field.type) == TypeOf(value); });
 }
 
 /// The constants of the vocabulary below a comment, up to the next empty line.
@@ -97,12 +113,14 @@ TEST(Pages, TheRequestsAreThoseOfTheTables) {
         documented.push_back(request.name);
         const auto* const spec = homeloom::tv::findRequest(request.name);
         ASSERT_NE(spec, nullptr) << request.name;
-        DocumentedFields arguments;
-        for (const auto& [key, type] : spec->arguments) {
-            arguments.push_back(key + " " + TypeOf(type));
-        }
-        EXPECT_EQ(request.arguments, arguments) << request.name;
-        EXPECT_EQ(request.example, "request " + request.name + (spec->example.empty() ? "" : " " + spec->example));
+        EXPECT_EQ(request.arguments, Written(spec->arguments)) << request.name;
+        const bool isTied = spec->answer == RequestSpec::Answer::Notify || spec->answer == RequestSpec::Answer::Result;
+        const char* const kind = spec->answer == RequestSpec::Answer::Result ? "result " : "notify ";
+        EXPECT_EQ(request.answer, isTied ? kind + spec->answerName : "") << request.name;
+        EXPECT_EQ(request.answerFields, Written(spec->answerFields)) << request.name;
+        EXPECT_EQ(request.needs, nameOf(spec->need)) << request.name;
+        EXPECT_EQ(request.refusals, spec->refusals) << request.name;
+        EXPECT_EQ(request.example, exampleOf(*spec));
         EXPECT_EQ(request.overtakes, spec->overtakes) << request.name;
         EXPECT_NO_THROW(ArgumentsOf(request.example)) << request.example;
     }
@@ -110,10 +128,24 @@ TEST(Pages, TheRequestsAreThoseOfTheTables) {
     EXPECT_EQ(documented.size(), homeloom::tv::requestTable().size());
 }
 
-TEST(Pages, TheNotifiesAreThoseOfTheVocabulary) {
+TEST(Pages, TheNotifiesAndEndpointsAreThoseOfTheTables) {
     const auto documented = documentedNotifies();
+    EXPECT_EQ(documented.size(), homeloom::tv::notifyTable().size());
+    for (const auto& spec : homeloom::tv::notifyTable()) {
+        ASSERT_EQ(documented.count(spec.name), 1u) << spec.name;
+        EXPECT_EQ(documented.at(spec.name).when, spec.when);
+        EXPECT_EQ(documented.at(spec.name).fields, Written(spec.fields)) << spec.name;
+    }
     for (const auto& name : NamesBelow("// Notifies")) {
-        EXPECT_EQ(documented.count(name), 1u) << name;
+        EXPECT_NE(homeloom::tv::findNotify(name), nullptr) << name;
+    }
+    const auto endpoints = documentedEndpoints();
+    EXPECT_EQ(endpoints.size(), homeloom::tv::endpointTable().size());
+    for (const auto& spec : homeloom::tv::endpointTable()) {
+        const std::vector<std::string> names{spec.serviceName, spec.interfaceType, spec.deviceType};
+        ASSERT_EQ(endpoints.count(spec.entry), 1u) << spec.entry;
+        EXPECT_EQ(endpoints.at(spec.entry).names, names);
+        EXPECT_EQ(endpoints.at(spec.entry).fields, Written(spec.extraData, true)) << spec.entry;
     }
 }
 
@@ -124,7 +156,7 @@ TEST(Pages, ARequestThatNeedsSomethingIsNotAnsweredWithoutIt) {
     for (const auto& request : documentedRequests()) {
         const auto sent = framework::request(request.name, ArgumentsOf(request.example));
         desk.settle();
-        EXPECT_TRUE(request.needsNothing || !desk.isAnswered(sent)) << request.name;
+        EXPECT_TRUE(request.needs == "nothing" || !desk.isAnswered(sent)) << request.name;
         EXPECT_FALSE(desk.log.contains("[Normal][" + request.name + "] exception from job : bad_function_call"));
         const char* const way = request.overtakes ? "prior request for " : "normal request for ";
         EXPECT_TRUE(desk.log.contains(way + request.name)) << request.name;
@@ -163,27 +195,33 @@ TEST(Pages, WhatIsReadAndReportedStandsThere) {
         EXPECT_THAT(readFields[request.name], UnorderedElementsAreArray(request.arguments)) << request.name;
     }
 
-    const auto notifies = documentedNotifies();
-    const auto endpointFields = documentedEndpointFields();
     std::set<std::string> answered;
     for (const auto& report : framework::reports()) {
         const auto request = sent.find(report->transaction);
-        DocumentedFields documented;
+        std::vector<FieldSpec> fields;
         if (request != sent.end()) {
             const bool isResult = report->kind == framework::Report::Kind::Result;
             EXPECT_EQ(request->second.answer, (isResult ? "result " : "notify ") + report->name);
-            documented = request->second.answerFields;
+            fields = homeloom::tv::findRequest(request->second.name)->answerFields;
             answered.insert(request->second.name);
         } else if (report->kind == framework::Report::Kind::Notify) {
-            ASSERT_EQ(notifies.count(report->name), 1u) << report->name;
-            documented = notifies.at(report->name);
+            const auto* const spec = homeloom::tv::findNotify(report->name);
+            ASSERT_NE(spec, nullptr) << report->name;
+            fields = spec->fields;
         }
         for (const auto& [key, value] : report->properties) {
-            EXPECT_THAT(documented, Contains(key + " " + TypeOf(value))) << report->name;
+            EXPECT_TRUE(HasField(fields, key, value)) << report->name << " " << key;
         }
         for (const auto& endpoint : report->endpoints) {
+            const auto& table = homeloom::tv::endpointTable();
+            const auto spec = std::find_if(table.begin(), table.end(), [&](const auto& each) {
+                return each.serviceName == endpoint.serviceName &&
+                       each.interfaceType == endpoint.interfaceType.value_or("") &&
+                       each.deviceType == endpoint.deviceType;
+            });
+            ASSERT_NE(spec, table.end()) << endpoint.deviceId.value_or("");
             for (const auto& [key, value] : endpoint.extraData) {
-                EXPECT_THAT(endpointFields, Contains(key + " " + TypeOf(value)));
+                EXPECT_TRUE(HasField(spec->extraData, key, value)) << spec->entry << " " << key;
             }
         }
     }

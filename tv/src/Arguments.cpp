@@ -3,6 +3,7 @@
 #include <desktop/Log.h>
 #include <CLI/CLI.hpp>
 
+#include "Schemas.h"
 #include "Text.h"
 
 namespace homeloom::tv {
@@ -62,6 +63,11 @@ std::variant<Arguments, int> parseArguments(int argc, char** argv) {
         ->check(CLI::Validator(checkLevel, ""));
     app.add_option("--plugin", arguments.plugin, "The plug-in to load; the one beside the program if none is given")
         ->type_name("PATH");
+    app.add_flag("--catalogue", arguments.catalogue,
+                 "Print all requests, notifies, endpoint fields and commands as one JSON document, and end");
+    app.add_option("--schema", arguments.schema, "Print the JSON Schema of these documents, and end")
+        ->type_name("NAME")
+        ->check(CLI::IsMember(schemaNames()));
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {

@@ -28,6 +28,9 @@ struct Arguments {
     Hub hub = Hub::On;
     std::optional<log_priority> log;
     std::string plugin;  // file; empty: the one beside the program
+    // What to print instead of running: empty for nothing
+    bool catalogue = false;
+    std::string schema;
     std::chrono::milliseconds limit{5000};
 };
 

@@ -38,6 +38,30 @@ Words firstWords(const Words& words, std::size_t count) {
 
 }  // namespace
 
+const char* nameOf(Hint::Kind kind) {
+    switch (kind) {
+        case Hint::Kind::Nothing:
+            break;
+        case Hint::Kind::Device:
+            return "device";
+        case Hint::Kind::Location:
+            return "location";
+        case Hint::Kind::Room:
+            return "room";
+        case Hint::Kind::Request:
+            return "request";
+        case Hint::Kind::AgentFunction:
+            return "agent_function";
+        case Hint::Kind::Setting:
+            return "setting";
+        case Hint::Kind::Command:
+            return "command";
+        case Hint::Kind::Choice:
+            return "choice";
+    }
+    return "anything";
+}
+
 const std::vector<Command>& commandTable() {
     static const std::vector<Command> table = makeTable();
     return table;

@@ -22,6 +22,9 @@ struct Hint {
     std::vector<std::string> choices;
 };
 
+/// "device", "agent_function", ...
+const char* nameOf(Hint::Kind kind);
+
 struct Command {
     std::string name;   // one to three words: "do", "sim set", "sim hub event"
     std::string usage;  // what follows the name

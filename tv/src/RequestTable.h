@@ -4,30 +4,37 @@
 #include <string>
 #include <vector>
 
+#include "FieldSpec.h"
 #include "Report.h"
 
 namespace homeloom::tv {
 
 /// What a request takes, and how its end shows.
 struct RequestSpec {
-    enum class Type { Text, Number, Flag };
+    using Type = FieldSpec::Type;
+    using Argument = FieldSpec;
     enum class Answer {
-        Tied,   // a result or a notification that is tied to the request
-        State,  // hl_device_state_updated of its device
+        Notify,  // a notification that is tied to the request
+        Result,
+        State,  // hl_device_state_updated of its device, which isn't tied to it
         None    // nothing that is reported
     };
-    struct Argument {
-        std::string key;
-        Type type = Type::Text;
-    };
+    enum class Need { Nothing, ConnectedAgent, SignedInUser };
 
     std::string name;
     std::vector<Argument> arguments;
-    Answer answer = Answer::Tied;
-    bool overtakes = false;  // served ahead of the others, on a thread of its own
-    std::string needs;       // text that an answer has only if the request succeeded
-    std::string example;     // arguments that fit the apartment
+    Answer answer = Answer::Notify;
+    std::string answerName;               // empty if there is no answer
+    std::vector<FieldSpec> answerFields;  // of an answer that is tied to the request
+    bool overtakes = false;               // served ahead of the others, on a thread of its own
+    std::string proof;                    // text that an answer has only if the request succeeded
+    Need need = Need::Nothing;            // without it there is no answer at all
+    std::string refusals;                 // for people: what else gets no answer
+    std::string example;                  // arguments that fit the apartment
 };
+
+/// "a connected agent", "a signed-in user" or "nothing".
+const char* nameOf(RequestSpec::Need need);
 
 /// All requests that the plug-in serves, by name.
 const std::vector<RequestSpec>& requestTable();
@@ -44,6 +51,10 @@ bool tellsSuccess(const RequestSpec* spec, const Report& answer);
 
 /// "hl_create_room location_id=TEXT room_name=TEXT".
 std::string usageOf(const RequestSpec& spec);
+/// The console's line for its example: "request hl_create_room location_id=home room_name=Study".
+std::string exampleOf(const RequestSpec& spec);
+/// What its answer may hold, tied to it or not.
+const std::vector<FieldSpec>& answerFieldsOf(const RequestSpec& spec);
 
 }  // namespace homeloom::tv
 

@@ -17,6 +17,7 @@
 #include <simulator/HomeLoader.h>
 
 #include "Arguments.h"
+#include "Catalogue.h"
 #include "CloudHost.h"
 #include "Console.h"
 #include "Desk.h"
@@ -25,6 +26,7 @@
 #include "Inbox.h"
 #include "Output.h"
 #include "PluginHost.h"
+#include "Schemas.h"
 
 namespace {
 
@@ -144,7 +146,16 @@ int main(int argc, char** argv) {
         return *status;
     }
     try {
-        return run(std::get<Arguments>(parsed));
+        const auto& arguments = std::get<Arguments>(parsed);
+        if (arguments.catalogue) {
+            fmt::print("{}\n", catalogueJson());
+            return kExitSuccess;
+        }
+        if (!arguments.schema.empty()) {
+            fmt::print("{}\n", schemaJson(arguments.schema));
+            return kExitSuccess;
+        }
+        return run(arguments);
     } catch (const std::exception& e) {
         fmt::print(stderr, "homeloom-tv: {}\n", e.what());
         return kExitUsage;

@@ -111,9 +111,17 @@ void explainRequest(Desk& desk, const RequestSpec& spec) {
         out.say("  Answered by the device's state notification.");
     } else if (spec.answer == RequestSpec::Answer::None) {
         out.say("  Has no answer.");
+    } else {
+        const std::string fields = textOf(spec.answerFields);
+        out.say(fmt::format("  Answered by {}{}.", spec.answerName, fields.empty() ? "" : ": " + fields));
     }
-    out.say(out.style().paint(Tone::Dim, "  for example:  ") + "request " + spec.name +
-            (spec.example.empty() ? "" : " " + spec.example));
+    if (spec.need != RequestSpec::Need::Nothing) {
+        out.say(fmt::format("  Needs {}.", nameOf(spec.need)));
+    }
+    if (!spec.refusals.empty()) {
+        out.say(fmt::format("  Gets no answer: {}.", spec.refusals));
+    }
+    out.say(out.style().paint(Tone::Dim, "  for example:  ") + exampleOf(spec));
 }
 
 void help(Desk& desk, const Words& words) {
