@@ -19,6 +19,9 @@ Call::Call(Function& function, homeloom_client_h client, const Arguments& argume
     for (const Argument& argument : arguments) {
         _isValid = _isValid && !argument.isMissing();
     }
+    if (text != nullptr) {
+        mark(Function::AnswersText);
+    }
     _fault = function.enter(textsOf(arguments));
 }
 
@@ -46,6 +49,12 @@ JsonAnswer success(const std::string& json) {
 
 int answerJson(const Call& call, homeloom_core_json_cb callback, void* userData,
                std::function<JsonAnswer(World&)> work) {
+    call.mark(Function::AnswersText);
+    if (call.isHitBy(Fault::Kind::Null)) {
+        return call.later<JsonAnswer>(
+            callback != nullptr, [](World&) { return success(""); },
+            [callback, userData](const JsonAnswer& answer) { callback(answer.error, nullptr, nullptr, userData); });
+    }
     if (call.said() != nullptr) {
         work = [text = *call.said()](World&) { return success(text); };
     }

@@ -48,6 +48,9 @@ public:
 
     /// What a fault says in place of the home; null without such a fault.
     const std::string* said() const;
+    const Fault* fault() const { return _fault ? &*_fault : nullptr; }
+    bool isHitBy(Fault::Kind kind) const { return _fault && _fault->kind == kind; }
+    void mark(Function::Trait trait) const { _function.mark(trait); }
 
 private:
     /// Why the call can't be served; 0 if it can. Needs the mutex.
@@ -79,8 +82,8 @@ int Call::now(Work work) const {
         return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
     }
     const int code = refusal(world, client->second);
-    if (code == 0 && _text != nullptr && said() != nullptr) {
-        *_text = handOut(*said());
+    if (code == 0 && _text != nullptr && (said() != nullptr || isHitBy(Fault::Kind::Null))) {
+        *_text = said() != nullptr ? handOut(*said()) : nullptr;
         return HOMELOOM_CLIENT_ERROR_NONE;
     }
     return code != 0 ? code : work(world, client->second);
@@ -89,6 +92,7 @@ int Call::now(Work work) const {
 template <class Answer>
 int Call::later(bool hasCallback, std::function<Answer(World&)> work,
                 std::function<void(const Answer&)> deliver) const {
+    mark(Function::HasCallback);
     if (_fault && _fault->kind == Fault::Kind::Fail) {
         return _fault->code;
     }
@@ -133,9 +137,20 @@ struct ListAnswer {
     int error = 0;
     Records records;
 };
+/// Hands a list out as the call's fault has it.
+template <class Handle>
+void giveList(const Call& call, Records records, Handle** list, int* count) {
+    call.mark(Function::AnswersList);
+    if (call.isHitBy(Fault::Kind::Miscount)) {
+        records.emplace_back();
+    }
+    *list = call.isHitBy(Fault::Kind::Null) ? nullptr : makeList<Handle>(records);
+    *count = static_cast<int>(records.size());
+}
 template <class Handle>
 int answerList(const Call& call, void (*callback)(int, Handle*, int, void*), void* userData,
                std::function<Records(World&)> work) {
+    call.mark(Function::AnswersList);
     return call.later<ListAnswer>(
         callback != nullptr,
         [work = std::move(work)](World& world) {
@@ -143,8 +158,13 @@ int answerList(const Call& call, void (*callback)(int, Handle*, int, void*), voi
             answer.records = work(world);
             return answer;
         },
-        [callback, userData](const ListAnswer& answer) {
-            callback(answer.error, makeList<Handle>(answer.records), static_cast<int>(answer.records.size()), userData);
+        [call, callback, userData](const ListAnswer& answer) {
+            Handle* list = nullptr;
+            int count = 0;
+            if (answer.error == 0) {
+                giveList(call, answer.records, &list, &count);
+            }
+            callback(answer.error, list, count, userData);
         });
 }
 /// `work` gives null when there is no such thing.

@@ -44,6 +44,18 @@ Fault Fault::twice() {
     return fault;
 }
 
+Fault Fault::null() {
+    Fault fault;
+    fault.kind = Kind::Null;
+    return fault;
+}
+
+Fault Fault::miscount() {
+    Fault fault;
+    fault.kind = Kind::Miscount;
+    return fault;
+}
+
 Fault Fault::times(int calls) const {
     Fault fault = *this;
     fault.remaining = calls;

@@ -203,13 +203,17 @@ void Function::hold(const Hit& hit) {
     }
 }
 
-int Function::enterAndHold(std::vector<std::string> arguments) {
-    const auto fault = enter(std::move(arguments));
-    if (!fault) {
-        return 0;
+std::optional<Hit> Function::enterHeld(std::vector<std::string> arguments) {
+    auto fault = enter(std::move(arguments));
+    if (fault) {
+        hold(*fault);
     }
-    hold(*fault);
-    return fault->code;
+    return fault;
+}
+
+int Function::enterAndHold(std::vector<std::string> arguments) {
+    const auto fault = enterHeld(std::move(arguments));
+    return fault ? fault->code : 0;
 }
 
 void Function::setFault(const Fault& fault) {
@@ -239,7 +243,8 @@ void Function::hurry() {
 
 Agent::Calls Function::calls() const {
     const std::lock_guard<std::mutex> lock(_mutex);
-    return {_calls, _arguments};
+    const unsigned traits = _traits;
+    return {_calls, _arguments, (traits & HasCallback) != 0, (traits & AnswersText) != 0, (traits & AnswersList) != 0};
 }
 
 void Function::resetCalls() {

@@ -32,7 +32,10 @@ public:
     std::optional<Hit> enter(std::vector<std::string> arguments = {});
     /// Keeps the caller of a function that has no callback waiting, as Late or Never say.
     void hold(const Hit& hit);
-    /// Both, for a function without a callback: gives the code with which the call ends, or 0 for one that goes on.
+    /// Both, for a function without a callback. A fault with a code ends the call.
+    std::optional<Hit> enterHeld(std::vector<std::string> arguments = {});
+    /// The same, for one that answers nothing but its code: gives the code with which the call ends, or 0 for one that
+    /// goes on.
     int enterAndHold(std::vector<std::string> arguments = {});
 
     void setFault(const Fault& fault);
@@ -40,6 +43,10 @@ public:
     std::optional<Fault> fault() const;
     /// Lets go of those whom a Late fault keeps waiting.
     void hurry();
+
+    /// What the function is like, told by those who serve it.
+    enum Trait : unsigned { HasCallback = 1, AnswersText = 2, AnswersList = 4 };
+    void mark(Trait trait) { _traits.fetch_or(trait, std::memory_order_relaxed); }
 
     int callCount() const { return _calls; }
     Agent::Calls calls() const;
@@ -50,6 +57,7 @@ private:
 
     const std::string _name;
     std::atomic<int> _calls{0};
+    std::atomic<unsigned> _traits{0};
     std::atomic<bool> _isFaulty{false};
     mutable std::mutex _mutex;
     std::condition_variable _released;

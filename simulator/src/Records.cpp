@@ -81,11 +81,12 @@ char* handOut(const std::string& text) {
     return strdup(text.c_str());
 }
 
-char** handOut(const std::vector<std::string>& texts) {
-    if (texts.empty()) {
+char** handOut(const std::vector<std::string>& texts, bool withNull) {
+    const std::size_t size = texts.size() + (withNull ? 1 : 0);
+    if (size == 0) {
         return nullptr;
     }
-    auto** copies = static_cast<char**>(std::malloc(texts.size() * sizeof(char*)));
+    auto** copies = static_cast<char**>(std::calloc(size, sizeof(char*)));
     for (std::size_t i = 0; i < texts.size(); ++i) {
         copies[i] = handOut(texts[i]);
     }
@@ -93,11 +94,17 @@ char** handOut(const std::vector<std::string>& texts) {
 }
 
 int getText(Function& function, const LiveRecord* record, int field, char** value) {
-    if (const int code = function.enterAndHold()) {
-        return code;
+    function.mark(Function::AnswersText);
+    const auto fault = function.enterHeld();
+    if (fault && fault->code != 0) {
+        return fault->code;
     }
     if (record == nullptr || value == nullptr) {
         return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
+    }
+    if (fault && (fault->kind == Fault::Kind::Say || fault->kind == Fault::Kind::Null)) {
+        *value = fault->kind == Fault::Kind::Say ? handOut(fault->text) : nullptr;
+        return HOMELOOM_CLIENT_ERROR_NONE;
     }
     const std::string* text = findField((**record).texts, field);
     if (text == nullptr) {
@@ -122,9 +129,17 @@ int getNumber(Function& function, const LiveRecord* record, int field, int* valu
     return HOMELOOM_CLIENT_ERROR_NONE;
 }
 
+void giveTexts(const Fault* fault, const std::vector<std::string>& texts, char*** values, int* count) {
+    const bool isMiscounted = fault != nullptr && fault->kind == Fault::Kind::Miscount;
+    *values = fault != nullptr && fault->kind == Fault::Kind::Null ? nullptr : handOut(texts, isMiscounted);
+    *count = static_cast<int>(texts.size()) + (isMiscounted ? 1 : 0);
+}
+
 int getList(Function& function, const LiveRecord* record, int field, char*** values, int* count) {
-    if (const int code = function.enterAndHold()) {
-        return code;
+    function.mark(Function::AnswersList);
+    const auto fault = function.enterHeld();
+    if (fault && fault->code != 0) {
+        return fault->code;
     }
     if (record == nullptr || values == nullptr || count == nullptr) {
         return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
@@ -133,8 +148,7 @@ int getList(Function& function, const LiveRecord* record, int field, char*** val
     if (list == nullptr) {
         return HOMELOOM_CLIENT_ERROR_NO_DATA;
     }
-    *values = handOut(*list);
-    *count = static_cast<int>(list->size());
+    giveTexts(fault ? &*fault : nullptr, *list, values, count);
     return HOMELOOM_CLIENT_ERROR_NONE;
 }
 

@@ -15,6 +15,7 @@
 namespace simulator {
 
 class Function;
+struct Fault;
 
 /// What a record of a list tells, by field number.
 struct Record {
@@ -45,7 +46,7 @@ SharedRecord detailRecord(const Device& device);
 SharedRecord groupRecord(const Location& location);
 SharedRecord groupRecord(const Room& room, const Location& location);
 
-/// A malloc'ed array of new records; null for none.
+/// A malloc'ed array of new records, a null record giving a null handle; null for none.
 template <class Handle>
 Handle* makeList(const Records& records) {
     if (records.empty()) {
@@ -53,15 +54,17 @@ Handle* makeList(const Records& records) {
     }
     auto* list = static_cast<Handle*>(std::malloc(records.size() * sizeof(Handle)));
     for (std::size_t i = 0; i < records.size(); ++i) {
-        list[i] = new std::remove_pointer_t<Handle>(records[i]);
+        list[i] = records[i] == nullptr ? nullptr : new std::remove_pointer_t<Handle>(records[i]);
     }
     return list;
 }
 
 /// A malloc'ed copy for the caller to free.
 char* handOut(const std::string& text);
-/// The same for an array of texts; null for none.
-char** handOut(const std::vector<std::string>& texts);
+/// The same for an array of texts, and of a null behind them; null for none.
+char** handOut(const std::vector<std::string>& texts, bool withNull = false);
+/// Hands texts out as a fault has it; null for none.
+void giveTexts(const Fault* fault, const std::vector<std::string>& texts, char*** values, int* count);
 
 // The getters and destroyers of all kinds of records. A field that the record has not gives NO_DATA.
 int getText(Function& function, const LiveRecord* record, int field, char** value);

@@ -120,6 +120,10 @@ public:
     struct Calls {
         int count = 0;
         std::vector<std::string> arguments;  // texts and numbers of the last call, in the function's order
+        // What a call has shown the function to be: which faults have an effect.
+        bool hasCallback = false;
+        bool answersText = false;
+        bool answersList = false;
     };
     /// The functions called since start or resetCalls(), by name.
     std::map<std::string, Calls> calls() const;

@@ -36,6 +36,8 @@ struct CloudFault {
 
     /// For that many requests; without it, for good.
     CloudFault times(int requests) const;
+    /// Only after that many good requests.
+    CloudFault after(int requests) const;
     /// For requests whose target contains the text.
     CloudFault only(const std::string& text) const;
 
@@ -47,6 +49,7 @@ struct CloudFault {
     std::string text;
     std::chrono::milliseconds delay{0};
     int remaining = -1;  // requests that it still hits; -1: all
+    int skip = 0;        // requests that it still lets pass
     std::string filter;  // empty: any target
 };
 

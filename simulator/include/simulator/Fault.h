@@ -11,7 +11,7 @@ namespace simulator {
 ///     agent.fault("homeloom_core_get_scene_list_async", Fault::answer(-5).times(2));
 ///     agent.fault("homeloom_client_device_detail_get_string", Fault::fail(-5).after(3));
 struct Fault {
-    enum class Kind { Fail, Answer, Say, Late, Never, Twice };
+    enum class Kind { Fail, Answer, Say, Late, Never, Twice, Null, Miscount };
 
     /// The function returns this code at once, does nothing and never calls back.
     static Fault fail(int code);
@@ -27,6 +27,11 @@ struct Fault {
     static Fault never();
     /// The work is done once, and answered twice. No effect without a callback.
     static Fault twice();
+    /// The function says that it succeeded, and answers null in place of its text or its list; the list's count stays.
+    /// No effect on functions that answer neither.
+    static Fault null();
+    /// The list's count is one too high: its last element is null. No effect on functions that answer no list.
+    static Fault miscount();
 
     /// For that many calls; without it, for good.
     Fault times(int calls) const;

@@ -65,7 +65,8 @@ int homeloom_client_unset_device_detail_list_updated_cb(homeloom_client_h client
 int homeloom_client_get_device_detail_list(homeloom_client_h client, homeloom_client_device_detail_h** list,
                                            int* count) {
     static Function& function = functionNamed(__func__);
-    return Call(function, client, {}, Needs::SignIn).now([&](World& world, Client&) {
+    const Call call(function, client, {}, Needs::SignIn);
+    return call.now([&](World& world, Client&) {
         if (list == nullptr || count == nullptr) {
             return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
         }
@@ -73,8 +74,7 @@ int homeloom_client_get_device_detail_list(homeloom_client_h client, homeloom_cl
         if (details.empty()) {
             return HOMELOOM_CLIENT_ERROR_NO_DATA;
         }
-        *list = makeList<homeloom_client_device_detail_h>(details);
-        *count = static_cast<int>(details.size());
+        giveList(call, details, list, count);
         return HOMELOOM_CLIENT_ERROR_NONE;
     });
 }

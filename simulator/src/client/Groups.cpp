@@ -16,7 +16,8 @@ struct CodeAnswer {
 int homeloom_client_get_group_list(homeloom_client_h client, homeloom_client_group_h** list, int group_type,
                                    int* count) {
     static Function& function = functionNamed(__func__);
-    return Call(function, client, {group_type}, Needs::SignIn).now([&](World& world, Client&) {
+    const Call call(function, client, {group_type}, Needs::SignIn);
+    return call.now([&](World& world, Client&) {
         if (list == nullptr || count == nullptr) {
             return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
         }
@@ -24,8 +25,7 @@ int homeloom_client_get_group_list(homeloom_client_h client, homeloom_client_gro
         if (groups.empty()) {
             return HOMELOOM_CLIENT_ERROR_NO_DATA;
         }
-        *list = makeList<homeloom_client_group_h>(groups);
-        *count = static_cast<int>(groups.size());
+        giveList(call, groups, list, count);
         return HOMELOOM_CLIENT_ERROR_NONE;
     });
 }

@@ -58,11 +58,16 @@ RemoteAnswer write(World& world, const std::string& deviceId, const std::string&
 
 int answerRemote(const Call& call, const char* device_id, const char* uri, homeloom_client_remote_cb callback,
                  void* userData, std::function<RemoteAnswer(World&)> work) {
-    const auto deliver = [callback, userData, deviceId = Argument(device_id).text(),
-                          uri = Argument(uri).text()](const RemoteAnswer& answer) {
-        callback(answer.error, CallbackText(deviceId), CallbackText(answer.attributes), CallbackText(uri),
-                 CallbackText(answer.dataTypes), userData);
+    const auto deliver = [callback, userData, deviceId = Argument(device_id).text(), uri = Argument(uri).text(),
+                          isNull = call.isHitBy(Fault::Kind::Null)](const RemoteAnswer& answer) {
+        const CallbackText attributes(answer.attributes);
+        callback(answer.error, CallbackText(deviceId), isNull ? nullptr : static_cast<const char*>(attributes),
+                 CallbackText(uri), CallbackText(answer.dataTypes), userData);
     };
+    call.mark(Function::AnswersText);
+    if (call.said() != nullptr) {
+        work = [text = *call.said()](World&) { return RemoteAnswer{HOMELOOM_CLIENT_ERROR_NONE, text, ""}; };
+    }
     return call.later<RemoteAnswer>(callback != nullptr, std::move(work), deliver);
 }
 

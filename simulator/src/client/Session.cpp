@@ -37,7 +37,7 @@ int give(char** out, const std::string& text) {
 }
 
 int giveOfAccount(Function& function, homeloom_client_h client, Needs needs, std::string Account::*field, char** out) {
-    return Call(function, client, {}, needs).now([&](World& world, Client&) {
+    return Call(function, client, {}, needs, out).now([&](World& world, Client&) {
         return give(out, world.home.account.*field);
     });
 }
@@ -47,6 +47,7 @@ int giveOfAccount(Function& function, homeloom_client_h client, Needs needs, std
 int homeloom_client_connect(homeloom_client_h* client, homeloom_client_connection_state_changed_cb callback,
                             void* user_data) {
     static Function& function = functionNamed(__func__);
+    function.mark(Function::HasCallback);
     const auto fault = function.enter();
     if (fault && fault->kind == Fault::Kind::Fail) {
         return fault->code;

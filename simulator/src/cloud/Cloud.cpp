@@ -234,6 +234,10 @@ std::optional<CloudFault> Cloud::Server::hit(const std::string& endpoint, const 
     if (found == end) {
         return std::nullopt;
     }
+    if (found->second.skip > 0) {
+        --found->second.skip;
+        return std::nullopt;
+    }
     CloudFault fault = found->second;
     if (found->second.remaining > 0 && --found->second.remaining == 0) {
         faults.erase(found);

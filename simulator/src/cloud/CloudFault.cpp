@@ -66,6 +66,12 @@ CloudFault CloudFault::times(int requests) const {
     return fault;
 }
 
+CloudFault CloudFault::after(int requests) const {
+    CloudFault fault = *this;
+    fault.skip = requests;
+    return fault;
+}
+
 CloudFault CloudFault::only(const std::string& part) const {
     CloudFault fault = *this;
     fault.filter = part;

@@ -141,16 +141,14 @@ int homeloom_core_replace_favorites(homeloom_client_h client, const char* locati
             if (!readFavorite(world, location_id, info, replacement.emplace_back())) {
                 // The favorites stay as they are, and are handed out all the same.
                 const Records present = favoritesOf(world, location_id);
-                *list = makeList<homeloom_core_favorite_h>(present);
-                *count = static_cast<int>(present.size());
+                giveList(call, present, list, count);
                 return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
             }
         }
         removeFavorites(world, [&](const Favorite& favorite) { return favorite.location == location_id; });
         world.home.favorites.insert(world.home.favorites.end(), replacement.begin(), replacement.end());
         const Records present = favoritesOf(world, location_id);
-        *list = makeList<homeloom_core_favorite_h>(present);
-        *count = static_cast<int>(present.size());
+        giveList(call, present, list, count);
         postLifecycle(world, "UPDATE", location_id);
         return HOMELOOM_CLIENT_ERROR_NONE;
     });

@@ -56,12 +56,13 @@ std::string createIrDevice(World& world, const std::string& locationId, const js
 
 int homeloom_core_get_hub_device_id_list(homeloom_client_h client, char*** device_ids, int* count) {
     static Function& function = functionNamed(__func__);
-    return Call(function, client, {}, Needs::SignIn).now([&](World& world, Client&) {
+    const Call call(function, client, {}, Needs::SignIn);
+    call.mark(Function::AnswersList);
+    return call.now([&](World& world, Client&) {
         if (device_ids == nullptr || count == nullptr) {
             return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
         }
-        *device_ids = handOut(world.home.hub.serves);
-        *count = static_cast<int>(world.home.hub.serves.size());
+        giveTexts(call.fault(), world.home.hub.serves, device_ids, count);
         return HOMELOOM_CLIENT_ERROR_NONE;
     });
 }

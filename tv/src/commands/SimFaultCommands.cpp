@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include <desktop/CallFaults.h>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 #include <simulator/Agent.h>
@@ -34,16 +35,42 @@ std::string functionNamed(const std::string& name) {
     throw CommandError(fmt::format("the agent has no function {}{}", name, nearHint(nearTo(name, names))));
 }
 
-// The fault for the first function; a number at `countAt` says for how many calls.
-void setFault(const Words& words, std::size_t countAt, const Fault& fault) {
-    if (words.size() > countAt + 1 || words.size() < countAt) {
+// "get_scene_list_async#3" is the third call from now on, and that one alone.
+struct Place {
+    std::string function;
+    int number = 0;  // 0: all calls
+};
+
+Place placeOf(const std::string& word) {
+    const std::size_t hash = word.find('#');
+    if (hash == std::string::npos) {
+        return {word, 0};
+    }
+    const auto number = parseInt(word.substr(hash + 1));
+    if (!number || *number < 1) {
         throw UsageError();
     }
-    const auto times = words.size() > countAt ? parseInt(words[countAt]) : std::optional<int>(-1);
+    return {word.substr(0, hash), *number};
+}
+
+// For how many calls; -1 for all, when nothing says it.
+int timesOf(const Words& words, std::size_t at) {
+    if (words.size() > at + 1 || words.size() < at) {
+        throw UsageError();
+    }
+    const auto times = words.size() > at ? parseInt(words[at]) : std::optional<int>(-1);
     if (!times || *times == 0 || *times < -1) {
         throw UsageError();
     }
-    agent().fault(functionNamed(words[0]), *times > 0 ? fault.times(*times) : fault);
+    return *times;
+}
+
+// The fault for the first function; a number at `countAt` says for how many calls.
+void setFault(const Words& words, std::size_t countAt, const Fault& fault) {
+    const int times = timesOf(words, countAt);
+    const Place place = placeOf(words[0]);
+    agent().fault(functionNamed(place.function),
+                  place.number > 0 ? fault.after(place.number - 1).times(1) : fault.times(times));
 }
 
 int codeOf(const Words& words) {
@@ -54,8 +81,17 @@ int codeOf(const Words& words) {
     return *code;
 }
 
+// The desk's own functions can do nothing but fail.
 void fail(Desk&, const Words& words) {
-    setFault(words, 2, Fault::fail(codeOf(words)));
+    const int code = codeOf(words);
+    const Place place = placeOf(words[0]);
+    const auto& names = desktop::failableFunctions();
+    if (!std::binary_search(names.begin(), names.end(), place.function)) {
+        setFault(words, 2, Fault::fail(code));
+        return;
+    }
+    const int times = place.number > 0 ? 1 : timesOf(words, 2);
+    desktop::failCalls(place.function, code, {place.number > 0 ? place.number - 1 : 0, times});
 }
 
 void answer(Desk&, const Words& words) {
@@ -85,6 +121,14 @@ void twice(Desk&, const Words& words) {
     setFault(words, 1, Fault::twice());
 }
 
+void answerNull(Desk&, const Words& words) {
+    setFault(words, 1, Fault::null());
+}
+
+void miscount(Desk&, const Words& words) {
+    setFault(words, 1, Fault::miscount());
+}
+
 std::string faultText(const Fault& fault) {
     switch (fault.kind) {
         case Fault::Kind::Fail:
@@ -99,6 +143,10 @@ std::string faultText(const Fault& fault) {
             return "never answers";
         case Fault::Kind::Twice:
             return "answers twice";
+        case Fault::Kind::Null:
+            return "answers null";
+        case Fault::Kind::Miscount:
+            return "counts one too many";
     }
     return "";
 }
@@ -122,7 +170,12 @@ void clear(Desk& desk, const Words& words) {
         throw UsageError();
     }
     desk.pump();
-    words.empty() ? agent().clearFaults() : agent().clearFault(functionNamed(words[0]));
+    if (words.empty()) {
+        agent().clearFaults();
+        desktop::passCalls();
+    } else {
+        agent().clearFault(functionNamed(words[0]));
+    }
     desk.settle();
 }
 
@@ -178,8 +231,10 @@ std::vector<Command> simFaultCommands() {
     const Hint function = Hint::Kind::AgentFunction;
     return {
         {"sim fail",
-         "FUNCTION CODE [CALLS]",
-         "has a function of the agent fail at once, and do nothing",
+         "FUNCTION[#NUMBER] CODE [CALLS]",
+         "has a function of the agent, or of the desk (vmf_..., vconf_..., rpc_port_...), fail at once, and do "
+         "nothing; with #3, as all of these take it, at its third "
+         "call from now on",
          {"sim fail homeloom_core_execute_scene_async -5", "sim fail homeloom_client_connect -1 3"},
          fail,
          {function}},
@@ -212,6 +267,18 @@ std::vector<Command> simFaultCommands() {
          "has a function answer twice",
          {"sim twice get_scene_list_async"},
          twice,
+         {function}},
+        {"sim null",
+         "FUNCTION [CALLS]",
+         "has a function answer null in place of its text or its list",
+         {"sim null get_scene_list_async"},
+         answerNull,
+         {function}},
+        {"sim miscount",
+         "FUNCTION [CALLS]",
+         "has a function answer a list whose count is one too high",
+         {"sim miscount get_device_list_async 1"},
+         miscount,
          {function}},
         {"sim faults", "", "lists what was set so", {"sim faults"}, list, {}},
         {"sim clear", "[FUNCTION]", "takes back one of them, or all", {"sim clear"}, clear, {function}},

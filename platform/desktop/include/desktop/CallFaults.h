@@ -1,12 +1,15 @@
 #ifndef HOMELOOM_DESKTOP_CALLFAULTS_H
 #define HOMELOOM_DESKTOP_CALLFAULTS_H
 
+#include <functional>
 #include <string>
 #include <vector>
 
 namespace homeloom::desktop {
 
-/// Makes calls of the framework's functions (vmf_*.h) and of app_control.h's fail, by name.
+/// Watches the calls of the desk's C functions and makes them fail, by name: the framework's (vmf_*.h), those of
+/// app_control.h and vconf.h, those of rpc_port.h that can fail by themselves, and the steps of web requests
+/// ("KRCurlEasy.send", and "KRCurlEasy." with any other name of web::steps()). All operations are thread-safe.
 ///
 ///     failCalls("vmf_service_handler_create", VMF_ERROR_FAILED);         // null
 ///     failCalls("vmf_service_handler_notify", -5, {2});                    // the third and all that follow
@@ -28,6 +31,9 @@ inline CallRange firstCalls(int count) {
 /// Throws std::invalid_argument for a name that is no such function, and for code 0. Replaces what was set for it.
 void failCalls(const std::string& function, int code, CallRange range = {});
 void passCalls();
+
+/// Told of each call of such a function, on the caller's thread, before anything else happens. Null takes it away.
+void setDeskCallObserver(std::function<void(const char* function)> observer);
 
 /// The names of all functions that can be made to fail, sorted.
 const std::vector<std::string>& failableFunctions();

@@ -25,6 +25,9 @@ using TransactionId = std::uint64_t;
 
 /// Returns 0 when nobody is subscribed.
 TransactionId request(const std::string& name, const Fields& arguments = {}, const std::string& service = "homeloom");
+/// Told of each request after it was sent, on the thread that sends; its answer may have come by then. Null takes it
+/// away.
+void setRequestObserver(std::function<void(TransactionId id, const std::string& name, const Fields& arguments)>);
 void search(const std::string& text = "");
 void stopSearch(const std::string& text = "");
 void requestDeviceList(const std::string& text = "");

@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "desktop/Web.h"
+#include "vmf/CallFaults.h"
 
 namespace homeloom::desktop::web {
 
@@ -125,6 +126,9 @@ Surroundings surroundings() {
 }
 
 bool takeFailure(std::string_view step) {
+    if (takeFault(("KRCurlEasy." + std::string(step)).c_str()) != 0) {
+        return true;
+    }
     const std::lock_guard lock(state().mutex);
     const auto found = state().failures.find(step);
     return found != state().failures.end() && found->second.take();

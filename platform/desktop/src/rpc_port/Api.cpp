@@ -7,6 +7,7 @@
 #include "Parcel.h"
 #include "Port.h"
 #include "Proxy.h"
+#include "vmf/CallFaults.h"
 
 struct rpc_port_proxy_s {
     const std::shared_ptr<homeloom::desktop::rpc::Proxy> proxy = std::make_shared<homeloom::desktop::rpc::Proxy>();
@@ -29,12 +30,19 @@ int setCallback(rpc_port_proxy_h proxy, Slot slot, Function function, void* user
 
 using Connect = int (Proxy::*)(const std::string& appId, const std::string& portName);
 
-int connectWith(Connect connect, rpc_port_proxy_h proxy, const char* appId, const char* portName) {
+// The code with which a function fails, by its name or by what the desk has set for all of its kind.
+int failureAt(const char* function, Operation operation) {
+    const int fault = homeloom::desktop::takeFault(function);
+    return fault != 0 ? fault : failureOf(operation);
+}
+
+int connectWith(const char* function, Connect connect, rpc_port_proxy_h proxy, const char* appId,
+                const char* portName) {
     const bool isAddress = appId != nullptr && *appId != '\0' && portName != nullptr && *portName != '\0';
     if (proxy == nullptr || !isAddress) {
         return RPC_PORT_ERROR_INVALID_PARAMETER;
     }
-    const int failure = failureOf(Operation::Connect);
+    const int failure = failureAt(function, Operation::Connect);
     return failure != 0 ? failure : ((*proxy->proxy).*connect)(appId, portName);
 }
 
@@ -44,7 +52,7 @@ int rpc_port_proxy_create(rpc_port_proxy_h* proxy) {
     if (proxy == nullptr) {
         return RPC_PORT_ERROR_INVALID_PARAMETER;
     }
-    if (const int failure = failureOf(Operation::Create)) {
+    if (const int failure = failureAt(__func__, Operation::Create)) {
         return failure;
     }
     *proxy = new rpc_port_proxy_s();
@@ -83,11 +91,11 @@ int rpc_port_proxy_add_received_event_cb(rpc_port_proxy_h proxy, rpc_port_proxy_
 }
 
 int rpc_port_proxy_connect(rpc_port_proxy_h proxy, const char* app_id, const char* port_name) {
-    return connectWith(&Proxy::connect, proxy, app_id, port_name);
+    return connectWith(__func__, &Proxy::connect, proxy, app_id, port_name);
 }
 
 int rpc_port_proxy_connect_sync(rpc_port_proxy_h proxy, const char* app_id, const char* port_name) {
-    return connectWith(&Proxy::connectSync, proxy, app_id, port_name);
+    return connectWith(__func__, &Proxy::connectSync, proxy, app_id, port_name);
 }
 
 int rpc_port_proxy_get_port(rpc_port_proxy_h proxy, rpc_port_port_type_e type, rpc_port_h* port) {
@@ -113,7 +121,7 @@ int rpc_port_parcel_send(rpc_port_parcel_h parcel, rpc_port_h port) {
     if (parcel == nullptr || port == nullptr || !parcel->isWhole()) {
         return RPC_PORT_ERROR_INVALID_PARAMETER;
     }
-    if (const int failure = failureOf(Operation::Send)) {
+    if (const int failure = failureAt(__func__, Operation::Send)) {
         return failure;
     }
     return port->send(parcel->bytes()) ? RPC_PORT_ERROR_NONE : RPC_PORT_ERROR_IO_ERROR;

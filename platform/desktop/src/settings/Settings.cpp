@@ -22,6 +22,7 @@
 #include <vconf.h>
 
 #include "desktop/Guard.h"
+#include "vmf/CallFaults.h"
 
 struct vconf_keynode_s {
     std::string name;
@@ -231,9 +232,10 @@ int vconf_get_int(const char* key, int* value) {
     if (key == nullptr || value == nullptr) {
         return -1;
     }
+    const bool fails = homeloom::desktop::takeFault(__func__) != 0;
     const std::lock_guard<std::mutex> lock(store().mutex);
     const auto entry = store().values.find(key);
-    if (store().fails(Operation::Get, key) || entry == store().values.end()) {
+    if (fails || store().fails(Operation::Get, key) || entry == store().values.end()) {
         return -1;
     }
     const int* number = std::get_if<int>(&entry->second);
@@ -248,9 +250,10 @@ char* vconf_get_str(const char* key) {
     if (key == nullptr) {
         return nullptr;
     }
+    const bool fails = homeloom::desktop::takeFault(__func__) != 0;
     const std::lock_guard<std::mutex> lock(store().mutex);
     const auto entry = store().values.find(key);
-    if (store().fails(Operation::Get, key) || entry == store().values.end()) {
+    if (fails || store().fails(Operation::Get, key) || entry == store().values.end()) {
         return nullptr;
     }
     const std::string* text = std::get_if<std::string>(&entry->second);
@@ -261,9 +264,10 @@ int vconf_set_str(const char* key, const char* value) {
     if (key == nullptr || value == nullptr) {
         return -1;
     }
+    const bool fails = homeloom::desktop::takeFault(__func__) != 0;
     {
         const std::lock_guard<std::mutex> lock(store().mutex);
-        if (store().fails(Operation::Set, key)) {
+        if (fails || store().fails(Operation::Set, key)) {
             return -1;
         }
     }
@@ -275,9 +279,10 @@ int vconf_notify_key_changed(const char* key, vconf_callback_fn callback, void* 
     if (key == nullptr || callback == nullptr) {
         return -1;
     }
+    const bool fails = homeloom::desktop::takeFault(__func__) != 0;
     using homeloom::desktop::settings::Watch;
     const std::lock_guard<std::mutex> lock(store().mutex);
-    if (store().fails(Operation::Notify, key)) {
+    if (fails || store().fails(Operation::Notify, key)) {
         return -1;
     }
     auto& watches = store().watches;

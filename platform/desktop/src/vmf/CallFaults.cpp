@@ -8,6 +8,8 @@
 #include <stdexcept>
 
 #include "desktop/CallFaults.h"
+#include "desktop/Web.h"
+#include "vmf/ObserverSlot.h"
 
 namespace homeloom::desktop {
 
@@ -17,6 +19,12 @@ struct Fault {
     int code;
     CallRange range;
 };
+
+// Never destroyed: calls may come as late as from the destructors of statics.
+ObserverSlot<const char*>& observers() {
+    static ObserverSlot<const char*>& slot = *new ObserverSlot<const char*>;
+    return slot;
+}
 
 // Lets the ordinary case, in which nothing is to fail, pass without a lock.
 std::atomic<bool> anyFault{false};
@@ -49,6 +57,14 @@ const std::vector<std::string>& failableFunctions() {
             "app_control_create",
             "app_control_send_launch_request",
             "app_control_set_app_id",
+            "rpc_port_parcel_send",
+            "rpc_port_proxy_connect",
+            "rpc_port_proxy_connect_sync",
+            "rpc_port_proxy_create",
+            "vconf_get_int",
+            "vconf_get_str",
+            "vconf_notify_key_changed",
+            "vconf_set_str",
             "vmf_endpoint_copy",
             "vmf_endpoint_create",
             "vmf_endpoint_list_create",
@@ -91,6 +107,9 @@ const std::vector<std::string>& failableFunctions() {
             "vmf_service_handler_subscribe_service",
             "vmf_service_handler_unsubscribe_service",
         };
+        for (const std::string& step : web::steps()) {
+            all.push_back("KRCurlEasy." + step);
+        }
         std::sort(all.begin(), all.end());
         return all;
     }();
@@ -116,7 +135,12 @@ void passCalls() {
     anyFault = false;
 }
 
+void setDeskCallObserver(std::function<void(const char*)> told) {
+    observers().set(std::move(told));
+}
+
 int takeFault(const char* function) {
+    observers().tell(function);
     if (!anyFault.load(std::memory_order_relaxed)) {
         return 0;
     }

@@ -3,7 +3,7 @@
 
 namespace homeloom::desktop {
 
-/// The code with which this call is to fail, or 0. Each function of the framework asks once, with its own name.
+/// The code with which this call is to fail, or 0. Each function asks once, with its own name.
 int takeFault(const char* function);
 
 }  // namespace homeloom::desktop

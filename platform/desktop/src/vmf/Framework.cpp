@@ -6,6 +6,7 @@
 
 #include "desktop/Guard.h"
 #include "vmf/Objects.h"
+#include "vmf/ObserverSlot.h"
 #include "vmf/ReportStream.h"
 #include "vmf/ServiceHandlers.h"
 
@@ -14,6 +15,8 @@ namespace homeloom::desktop::framework {
 namespace {
 
 constexpr char kService[] = "homeloom";
+
+ObserverSlot<TransactionId, const std::string&, const Fields&> requestObservers;
 
 void fireSearch(const char* name, Callback<vmf_search_cb> Callbacks::*place, const std::string& text) {
     ServiceHandlers::instance().fire(kService, [=](vmf_service_handler_h handler, const Callbacks& callbacks) {
@@ -28,7 +31,7 @@ void fireSearch(const char* name, Callback<vmf_search_cb> Callbacks::*place, con
 }  // namespace
 
 TransactionId request(const std::string& name, const Fields& arguments, const std::string& service) {
-    return ServiceHandlers::instance().fireRequest(service, [&](vmf_transaction_h transaction) {
+    const TransactionId id = ServiceHandlers::instance().fireRequest(service, [&](vmf_transaction_h transaction) {
         return [=](vmf_service_handler_h handler, const Callbacks& callbacks) {
             // The list ends right after the callback, so that a plug-in which goes on using it is found out.
             const auto list = makePropertyList(name, arguments);
@@ -39,6 +42,12 @@ TransactionId request(const std::string& name, const Fields& arguments, const st
             }
         };
     });
+    requestObservers.tell(id, name, arguments);
+    return id;
+}
+
+void setRequestObserver(std::function<void(TransactionId, const std::string&, const Fields&)> observer) {
+    requestObservers.set(std::move(observer));
 }
 
 void search(const std::string& text) {
