@@ -4,8 +4,6 @@
 #include <exception>
 #include <utility>
 
-#include <glib.h>
-
 #include "CPluginMgr.h"
 #include "Common/CException.h"
 #include "Common/CHLUtil.h"
@@ -174,7 +172,7 @@ void HomeloomClient::deinitClient() {
             location->CleanUpTimer();
         }
         stopConnectionRetryTimer();
-        waitForTimerCallback();
+        _connectTimer.Cancel();
         TesselHandler::GetInstance().UnsetSignInStateChangeCb();
         deregisterCallbacks();
         disconnectClient();
@@ -186,6 +184,8 @@ void HomeloomClient::deinitClient() {
         _deviceHandler.Reset();
         Metadata::GetInstance().StopLanguageWatch();
         _hubHandler->Stop();
+        // Also for the timer of a device that had left the list.
+        MainLoopTimer::WaitForCallbacks();
         HL_LOGI("deinitClient End");
     } catch (const std::exception& e) {
         HL_LOG_EXCEPTION(e);
@@ -273,7 +273,7 @@ void HomeloomClient::startConnectionRetryTimer() {
         if (_retryCounter.Increase() < kMaxRetryCount) {
             const int interval = _retryCounter.GetInterval();
             HL_LOGI("%d sec delayed, will start Reinit", interval / 1000);
-            _connectTimerId = g_timeout_add(static_cast<guint>(interval), _ConnectTimerCallback, this);
+            _connectTimerId = _connectTimer.Start(static_cast<unsigned>(interval), [this] { _ConnectTimerCallback(); });
             if (_connectTimerId == 0) {
                 HL_LOGE("g_timeout_add failed");
             } else {
@@ -288,40 +288,23 @@ void HomeloomClient::startConnectionRetryTimer() {
 
 void HomeloomClient::stopConnectionRetryTimer() {
     const std::lock_guard<std::mutex> lock(_retryTimerMutex);
-    const unsigned id = std::exchange(_connectTimerId, 0U);
-    if (id == 0) {
+    if (std::exchange(_connectTimerId, 0U) == 0) {
         HL_LOGI("no timer handle. do nothing");
         return;
     }
-    // Its callback begins here too, so a source that is still to be found can't be freed under this lock.
-    GSource* source = g_main_context_find_source_by_id(nullptr, id);
-    if (source != nullptr) {
-        g_source_destroy(source);
-    }
+    // Its callback is not waited for: it may be in a call of the agent, and the session's mutex is
+    // held here.
+    _connectTimer.Disarm();
 }
 
-void HomeloomClient::waitForTimerCallback() {
-    const std::lock_guard<std::recursive_mutex> barrier(_retryCallbackMutex);
-}
-
-int HomeloomClient::_ConnectTimerCallback(void* data) {
-    if (data == nullptr) {
-        return G_SOURCE_REMOVE;
+void HomeloomClient::_ConnectTimerCallback() {
+    stopConnectionRetryTimer();
+    if (getIsAgentConnected()) {
+        HL_LOGI("already connected");
+        reportPluginReady(true);
+    } else {
+        connectClient();
     }
-    auto& session = *static_cast<HomeloomClient*>(data);
-    try {
-        const std::lock_guard<std::recursive_mutex> running(session._retryCallbackMutex);
-        session.stopConnectionRetryTimer();
-        if (session.getIsAgentConnected()) {
-            HL_LOGI("already connected");
-            session.reportPluginReady(true);
-        } else {
-            session.connectClient();
-        }
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
-    return G_SOURCE_REMOVE;
 }
 
 void HomeloomClient::reportPluginReady(bool ready) {

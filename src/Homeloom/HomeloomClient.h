@@ -16,6 +16,7 @@
 #include "Common/HLLog.h"
 #include "Homeloom/Canvas/Canvas.h"
 #include "Homeloom/Common/HandlerSlot.h"
+#include "Homeloom/Common/MainLoopTimer.h"
 #include "Homeloom/Connector.h"
 #include "Homeloom/Devices/Device.h"
 #include "Homeloom/RetryCounter.h"
@@ -187,7 +188,6 @@ private:
     void disconnectClient();
     void startConnectionRetryTimer();
     void stopConnectionRetryTimer();
-    void waitForTimerCallback();
     void reportPluginReady(bool ready);
     int getConnectionStatus();
     void setIsAgentConnected(bool isConnected);
@@ -220,7 +220,7 @@ private:
     void AddJobToScheduler(std::function<void()> job, const std::string& name);
     void clearJobFromScheduler();
 
-    static int _ConnectTimerCallback(void* data);
+    void _ConnectTimerCallback();
     static void disclaimerAgreeChanged(keynode_t* node, void* userData);
     static void _HomeLoomClientConnectionStateChanged(homeloom_client_error_e result,
                                                       homeloom_client_connection_state_e state, void* userData);
@@ -325,9 +325,7 @@ private:
 
     mutable std::mutex _retryTimerMutex;  // a leaf: guards the timer's id and its arming
     unsigned _connectTimerId = 0;
-    // Held by the retry timer's callback, so that teardown can wait for it. Recursive: the host may stop the plug-in
-    // from inside.
-    std::recursive_mutex _retryCallbackMutex;
+    MainLoopTimer _connectTimer;
     // Held around {still wanted? connect}: once teardown has disconnected, no timer and no setting connects again.
     std::mutex _connectGate;
     // From asking for a connection to letting go of it. Written under the gate. What was told of a connection in

@@ -1,9 +1,5 @@
-#include <chrono>
-#include <condition_variable>
 #include <memory>
-#include <mutex>
 #include <stdexcept>
-#include <thread>
 #include <vector>
 
 #include <glib.h>
@@ -75,33 +71,6 @@ TEST_F(DeviceTimerTest, MayThrowAndMayDropItsDevice) {
     });
     runMainLoop(20);
     EXPECT_EQ(std::vector<int>{1}, runs);
-}
-
-TEST_F(DeviceTimerTest, TeardownWaitsForACallbackThatRuns) {
-    bool isEntered = false;
-    bool isLeft = false;
-    std::mutex mutex;
-    std::condition_variable changed;
-    device->SetTimer(1, [&] {
-        Device::WaitForTimerCallbacks();  // from a callback itself it must not block
-        std::unique_lock<std::mutex> lock(mutex);
-        isEntered = true;
-        changed.notify_all();
-        changed.wait_for(lock, std::chrono::milliseconds(20), [] { return false; });
-        isLeft = true;
-    });
-    std::thread mainLoop([] { runMainLoop(10); });
-    {
-        std::unique_lock<std::mutex> lock(mutex);
-        changed.wait(lock, [&] { return isEntered; });
-    }
-    device->CancelTimer();
-    Device::WaitForTimerCallbacks();
-    {
-        std::lock_guard<std::mutex> lock(mutex);
-        EXPECT_TRUE(isLeft);
-    }
-    mainLoop.join();
 }
 
 }  // namespace

@@ -1,9 +1,6 @@
 #include "Homeloom/Devices/Device.h"
 
-#include <exception>
 #include <utility>
-
-#include <glib.h>
 
 #include <VMFramework/JsonValue.h>
 
@@ -13,19 +10,6 @@
 #include "Homeloom/Devices/Resource.h"
 
 namespace VMFramework::HomeLoom {
-
-namespace {
-
-// Held while a device's timer callback runs, so that teardown can wait for it. Recursive, as teardown
-// may come from one.
-std::recursive_mutex timerRunMutex;
-
-}  // namespace
-
-void Device::TimerSourceDeleter::operator()(_GSource* source) const {
-    g_source_destroy(source);
-    g_source_unref(source);
-}
 
 Device::Device() = default;
 
@@ -205,62 +189,21 @@ void Device::SetTimer(unsigned interval, std::function<void()> callback) {
         HL_LOGE("callback null!");
         return;
     }
-    std::lock_guard<std::mutex> lock(_timerMutex);
-    _timerCallback.swap(callback);
-    _timerSource.reset();
-
-    TimerSource source(g_timeout_source_new(interval));
-    g_source_set_callback(source.get(), _TimerCallback, new std::weak_ptr<Device>(weak_from_this()),
-                          [](gpointer data) { delete static_cast<std::weak_ptr<Device>*>(data); });
-    if (g_source_attach(source.get(), nullptr) == 0) {
+    const auto fire = [weak = weak_from_this(), callback = std::move(callback)] {
+        // The device stays until its callback has returned.
+        if (const auto self = weak.lock()) {
+            callback();
+        }
+    };
+    if (_timer.Start(interval, fire) == 0) {
         HL_LOGE("g_timeout_add failed!");
         return;
     }
-    _timerSource = std::move(source);
     HL_LOGI("timer added[%u milisecond]", interval);
 }
 
 void Device::CancelTimer() {
-    std::function<void()> callback;  // destroyed after the lock is released
-    std::lock_guard<std::mutex> lock(_timerMutex);
-    _timerSource.reset();
-    _timerCallback.swap(callback);
-}
-
-void Device::WaitForTimerCallbacks() {
-    std::lock_guard<std::recursive_mutex> lock(timerRunMutex);
-}
-
-int Device::_TimerCallback(void* userData) {
-    if (userData == nullptr) {
-        HL_LOGE("user_data null!!");
-        return G_SOURCE_REMOVE;
-    }
-    if (const auto device = static_cast<std::weak_ptr<Device>*>(userData)->lock()) {
-        device->_RunTimerCallback();
-    }
-    return G_SOURCE_REMOVE;
-}
-
-void Device::_RunTimerCallback() {
-    std::lock_guard<std::recursive_mutex> running(timerRunMutex);
-    std::function<void()> callback;
-    {
-        std::lock_guard<std::mutex> lock(_timerMutex);
-        // A timer that was replaced or cancelled just as it fired must not run what came in its place.
-        GSource* current = g_main_current_source();
-        if (current != nullptr && g_source_is_destroyed(current)) {
-            return;
-        }
-        callback = _timerCallback;
-    }
-    try {
-        if (callback) {
-            callback();
-        }
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    _timer.Cancel();
 }
 
 }  // namespace VMFramework::HomeLoom

@@ -9,9 +9,8 @@
 #include <string>
 #include <utility>
 
+#include "Homeloom/Common/MainLoopTimer.h"
 #include "Homeloom/Devices/DeviceInfoStructs.h"
-
-struct _GSource;
 
 namespace VMFramework::HomeLoom {
 
@@ -138,11 +137,9 @@ public:
     /// Runs 'callback' once on the main loop, 'interval' milliseconds from now, in place of one that still waits.
     /// It must own neither this device nor its handler.
     void SetTimer(unsigned interval, std::function<void()> callback);
-    /// Takes back what SetTimer set.
+    /// Takes back what SetTimer set and waits for a callback that is running. Not to be called with a lock held that
+    /// such a callback takes.
     void CancelTimer();
-    /// Returns when no device's timer callback is running, unless it is called from one. Not to be called
-    /// with a lock held that such a callback takes.
-    static void WaitForTimerCallbacks();
 
 protected:
     /// What the agent gets as user data in place of this device.
@@ -154,14 +151,7 @@ protected:
     }
 
 private:
-    struct TimerSourceDeleter {
-        void operator()(_GSource* source) const;
-    };
-    using TimerSource = std::unique_ptr<_GSource, TimerSourceDeleter>;
-
     static std::shared_ptr<Device> findByToken(void* token);
-    static int _TimerCallback(void* userData);
-    void _RunTimerCallback();
 
     std::string _id;
     std::shared_ptr<std::recursive_mutex> _valuesMutex;
@@ -179,9 +169,7 @@ private:
     std::once_flag _tokenOnce;
     void* _token = nullptr;
 
-    std::mutex _timerMutex;  // a leaf: guards the next two
-    std::function<void()> _timerCallback;
-    TimerSource _timerSource;
+    MainLoopTimer _timer;
 };
 
 }  // namespace VMFramework::HomeLoom

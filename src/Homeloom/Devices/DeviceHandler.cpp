@@ -53,7 +53,6 @@ void DeviceHandler::ClearTimers() {
     for (const auto& [id, device] : GetAllDevice()) {
         device->CancelTimer();
     }
-    Device::WaitForTimerCallbacks();
 }
 
 void DeviceHandler::HandleDeviceInfo(const Device::_deviceInfo& info, const std::vector<std::string>& uris,

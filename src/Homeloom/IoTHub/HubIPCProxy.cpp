@@ -1,7 +1,5 @@
 #include "Homeloom/IoTHub/HubIPCProxy.h"
 
-#include <glib.h>
-
 #include <exception>
 #include <string_view>
 #include <utility>
@@ -118,7 +116,7 @@ void HubIPCProxy::Stop() {
         _isStarted = false;
     }
     stopHubConnectionTimer();
-    waitForTimerCallback();
+    _timer.Cancel();
     unsetPackageManagerEvent();
     HandleDisconnectedHub();
     std::unique_ptr<IHubControl> ended;
@@ -240,46 +238,25 @@ void HubIPCProxy::HandleHubConnection() {
         return;
     }
     HL_LOGI("%d sec delayed, will connect hub", _connectionInterval / 1000);
-    _timerId = g_timeout_add(static_cast<guint>(_connectionInterval), onHubConnectionTimerCallback, this);
-    _isTimerPending = _timerId != 0;
+    _timerId = _timer.Start(static_cast<unsigned>(_connectionInterval), [this] { onHubConnectionTimerCallback(); });
     if (_timerId == 0) {
         HL_LOGE("invalid timer for hub connection updated");
     }
 }
 
-int HubIPCProxy::onHubConnectionTimerCallback(void* data) {
-    auto& self = *static_cast<HubIPCProxy*>(data);
-    try {
-        const std::lock_guard<std::recursive_mutex> running(self._timerCallbackMutex);
-        {
-            const std::lock_guard<std::mutex> lock(self._retryMutex);
-            if (!std::exchange(self._isTimerPending, false)) {
-                return G_SOURCE_REMOVE;
-            }
-        }
-        if (self._isConnected) {
-            HL_LOGI("already connected");
-            self.stopHubConnectionTimer();
-        } else {
-            self.ConnectHub();
-        }
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
+void HubIPCProxy::onHubConnectionTimerCallback() {
+    if (_isConnected) {
+        HL_LOGI("already connected");
+        stopHubConnectionTimer();
+    } else {
+        ConnectHub();
     }
-    return G_SOURCE_REMOVE;
 }
 
 void HubIPCProxy::stopHubConnectionTimer() {
     const std::lock_guard<std::mutex> lock(_retryMutex);
-    const unsigned id = std::exchange(_timerId, 0U);
-    // While it is pending its callback waits for this lock at the most, so that the source is still there.
-    if (std::exchange(_isTimerPending, false)) {
-        g_source_remove(id);
-    }
-}
-
-void HubIPCProxy::waitForTimerCallback() {
-    const std::lock_guard<std::recursive_mutex> barrier(_timerCallbackMutex);
+    _timerId = 0;
+    _timer.Disarm();
 }
 
 // Doesn't connect again: the next connection comes with the application's next package.

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "Common/CSingleton.h"
+#include "Homeloom/Common/MainLoopTimer.h"
 #include "Homeloom/IoTHub/HUBEventListener.h"
 
 namespace VMFramework::HomeLoom {
@@ -66,9 +67,8 @@ private:
                                       package_manager_event_state_e eventState, int progress,
                                       package_manager_error_e error, void* userData);
     void ConnectHub();
-    static int onHubConnectionTimerCallback(void* data);
+    void onHubConnectionTimerCallback();
     void stopHubConnectionTimer();
-    void waitForTimerCallback();
     void resetRetries();
 
     /// Runs the call with the hub control; its failures are logged. False if it failed, or there is none.
@@ -103,14 +103,11 @@ private:
 
     mutable std::mutex _retryMutex;  // a leaf: guards all that follows
     bool _isStarted = false;
-    unsigned _timerId = 0;
-    // The timer's callback has not begun. The id alone doesn't tell: it stays when the callback reconnects.
-    bool _isTimerPending = false;
+    unsigned _timerId = 0;  // stays when the timer's callback reconnects
     int _connectionInterval = kConnectionIntervalMs;
     int _retryCount = 0;
 
-    // Held by the timer's callback, so that Stop() can wait for it.
-    std::recursive_mutex _timerCallbackMutex;
+    MainLoopTimer _timer;
 
     static constexpr int kConnectionIntervalMs = 5000;
 };

@@ -18,10 +18,7 @@ namespace VMFramework::HomeLoom {
 namespace {
 
 // A burst of group changes ends in one reload, this long after the last.
-constexpr guint kReloadDelayMs = 500;
-
-// Held by the timer's callback, so that a clean-up can wait for it.
-std::mutex timerCallbackMutex;
+constexpr unsigned kReloadDelayMs = 500;
 
 LocationHandler::GroupList MakeGroupList(homeloom_client_group_h* list, int count) {
     if (list == nullptr) {
@@ -149,38 +146,23 @@ void LocationHandler::_HomeLoomClientLocationListUpdated(int notiType, int group
 void LocationHandler::handleLocationListUpdated() {
     CleanUpTimer();
     void* const token = getToken();
-    // The source itself is kept and not its id: an id that has fired names nothing, or soon another source.
-    GSource* const timer = g_timeout_source_new(kReloadDelayMs);
-    g_source_set_callback(timer, _LocationTimerCallback, token, nullptr);
     const std::lock_guard<std::mutex> lock(_mutex);
-    if (g_source_attach(timer, nullptr) == 0) {
+    _locationTimerId = _locationTimer.Start(kReloadDelayMs, [token] { _LocationTimerCallback(token); });
+    if (_locationTimerId == 0) {
         HL_LOGE("g_timeout_add failed!");
-        g_source_unref(timer);
-        return;
     }
-    _locationTimer = timer;
 }
 
-// On the main loop. Leaves the spent source to the next clean-up.
-gboolean LocationHandler::_LocationTimerCallback(gpointer userData) {
-    const std::lock_guard<std::mutex> lock(timerCallbackMutex);
-    try {
-        if (userData == nullptr) {
-            HL_LOGE("user_data null!!");
-            return G_SOURCE_REMOVE;
-        }
-        HL_LOGI("_LocationTimerCallback() start");
-        AddJobToScheduler(
-            [userData] {
-                if (const auto self = CallbackTokens::Find<LocationHandler>(userData)) {
-                    self->reloadDevices();
-                }
-            },
-            "");
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
-    return G_SOURCE_REMOVE;
+// On the main loop. Leaves the spent id to the next clean-up.
+void LocationHandler::_LocationTimerCallback(void* token) {
+    HL_LOGI("_LocationTimerCallback() start");
+    AddJobToScheduler(
+        [token] {
+            if (const auto self = CallbackTokens::Find<LocationHandler>(token)) {
+                self->reloadDevices();
+            }
+        },
+        "");
 }
 
 void LocationHandler::reloadDevices() {
@@ -198,19 +180,15 @@ void LocationHandler::reloadDevices() {
 }
 
 void LocationHandler::CleanUpTimer() {
-    GSource* timer = nullptr;
     {
         const std::lock_guard<std::mutex> lock(_mutex);
-        timer = std::exchange(_locationTimer, nullptr);
-    }
-    if (timer == nullptr) {
-        return;
+        if (std::exchange(_locationTimerId, 0U) == 0) {
+            return;
+        }
     }
     // Also for one that has fired already.
     HL_LOGI("already has timer, remove previous one");
-    g_source_destroy(timer);
-    g_source_unref(timer);
-    const std::lock_guard<std::mutex> callbackHasReturned(timerCallbackMutex);
+    _locationTimer.Cancel();
 }
 
 // ---- Reading ----

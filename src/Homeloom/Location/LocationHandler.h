@@ -9,10 +9,10 @@
 #include <utility>
 #include <vector>
 
-#include <glib.h>
 #include <homeloom_client.h>
 
 #include "Homeloom/Common/Handler.h"
+#include "Homeloom/Common/MainLoopTimer.h"
 #include "Homeloom/Common/UpdateList.h"
 #include "Homeloom/Location/CoreLocationInfo.h"
 
@@ -73,7 +73,7 @@ private:
     static void _HomeLoomClientLocationListUpdated(int notiType, int groupType, homeloom_client_group_h* list,
                                                    int count, const char* id, void* userData);
     static void _HomeLoomClientMoveDevicesCompleted(int error, void* userData);
-    static gboolean _LocationTimerCallback(gpointer userData);
+    static void _LocationTimerCallback(void* token);
     static void AddJobToScheduler(std::function<void()> job, const std::string& name);
 
     void handleLocationListUpdated();
@@ -89,8 +89,9 @@ private:
     std::function<bool()> _getDevicesInfoCallback;
     std::function<void(UpdateList)> _profileUpdateCallback;
     std::function<std::string(const std::string&)> _getFavoritesCallback;
-    GSource* _locationTimer = nullptr;  // owned; null when none was armed since the last clean-up
-    void* _token = nullptr;             // what the agent and GLib know of this handler
+    unsigned _locationTimerId = 0;  // 0 when none was armed since the last clean-up
+    void* _token = nullptr;         // what the agent and GLib know of this handler
+    MainLoopTimer _locationTimer;
 };
 
 }  // namespace VMFramework::HomeLoom
