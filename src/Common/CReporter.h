@@ -5,6 +5,8 @@
 #include <string>
 #include <utility>
 
+#include "Common/HLNames.h"
+
 namespace VMFramework::HomeLoom {
 
 class CTransaction;
@@ -78,430 +80,197 @@ struct ReportParam {
     const std::shared_ptr<CTransaction> transaction;
 };
 
-// Main action
+/// The values that reports are made of: each a key, a type and the member that a handler fills.
+namespace Value {
 
-struct DoMainActionReportParam : ReportParam {
-    explicit DoMainActionReportParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::DoMainAction, std::move(request)) {}
+template <const char* Key = Names::RESULT>
+struct Result {
+    static constexpr const char* kKey = Key;
     bool result = false;
-    std::string deviceId;
 };
+
+#define HL_REPORT_VALUE(Name, key, Type, member) \
+    struct Name {                                \
+        static constexpr const char* kKey = key; \
+        Type member{};                           \
+    };
+
+HL_REPORT_VALUE(DeviceId, Names::DEVICE_ID, std::string, deviceId)
+HL_REPORT_VALUE(CameraStreamUrl, Names::CAMERA_STREAM_URL, std::string, cameraStreamUrl)
+HL_REPORT_VALUE(AccessToken, Names::ACCESS_TOKEN, std::string, accessToken)
+HL_REPORT_VALUE(IsSuccess, Names::IS_SUCCESS, bool, isSuccess)
+HL_REPORT_VALUE(InnerViewUrl, Names::INNER_VIEW_URL, std::string, innerViewUrl)
+HL_REPORT_VALUE(Datetime, Names::DATETIME, std::string, datetime)
+HL_REPORT_VALUE(DeviceIconInfo, Names::DEVICE_ICON_INFO, std::string, deviceIconInfo)
+HL_REPORT_VALUE(LocationId, Names::LOCATION_ID, std::string, locationId)
+HL_REPORT_VALUE(FavoriteSize, Names::FAVORITE_SIZE, int, favoriteSize)
+HL_REPORT_VALUE(FavoriteInfoArray, Names::FAVORITE_INFO_ARRAY, std::string, favoriteInfoArray)
+HL_REPORT_VALUE(HlHubInfo, Names::HL_HUB_INFO, std::string, hlHubInfo)
+HL_REPORT_VALUE(HlHubDi, Names::HL_HUB_DI, std::string, hlHubDi)
+HL_REPORT_VALUE(CameraNotificationType, Names::CAMERA_NOTIFICATION_TYPE, int, cameraNotificationType)
+HL_REPORT_VALUE(PushProvider, Names::PUSH_PROVIDER, std::string, pushProvider)
+HL_REPORT_VALUE(PushRegId, Names::PUSH_REG_ID, std::string, pushRegId)
+HL_REPORT_VALUE(PushAppId, Names::PUSH_APP_ID, std::string, pushAppId)
+HL_REPORT_VALUE(Locale, Names::LOCALE, std::string, locale)
+HL_REPORT_VALUE(BlockDeviceIds, Names::BLOCK_DEVICE_IDS, std::string, blockDeviceIds)
+HL_REPORT_VALUE(InstalledServiceAppInfoJson, Names::INSTALLED_SERVICE_APP_INFO_JSON, std::string,
+                installedServiceAppInfoJson)
+HL_REPORT_VALUE(WifiLockerUserSettingEnabled, Names::WIFI_LOCKER_USER_SETTING_ENABLED, int,
+                wifiLockerUserSettingEnabled)
+HL_REPORT_VALUE(IsMigrated, Names::IS_MIGRATED, bool, isMigrated)
+HL_REPORT_VALUE(LastUpdatedDate, Names::LAST_UPDATED_DATE, std::string, lastUpdatedDate)
+HL_REPORT_VALUE(DeviceModel, Names::DEVICE_MODEL, std::string, deviceModel)
+HL_REPORT_VALUE(FavoriteMigrationStatusInfo, Names::FAVORITE_MIGRATION_STATUS_INFO, std::string,
+                favoriteMigrationStatusInfo)
+HL_REPORT_VALUE(StatusResult, Names::STATUS_RESULT, std::string, statusResult)
+HL_REPORT_VALUE(RoomId, Names::ROOM_ID, std::string, roomId)
+HL_REPORT_VALUE(DeviceName, Names::DEVICE_NAME, std::string, deviceName)
+HL_REPORT_VALUE(DevIds, Names::DEV_IDS, std::string, devIds)
+HL_REPORT_VALUE(DevicesSize, Names::DEVICES_SIZE, int, devicesSize)
+HL_REPORT_VALUE(FavoriteInfo, Names::FAVORITE_INFO, std::string, favoriteInfo)
+HL_REPORT_VALUE(FavoriteId, Names::FAVORITE_ID, std::string, favoriteId)
+HL_REPORT_VALUE(SceneId, Names::SCENE_ID, std::string, sceneId)
+HL_REPORT_VALUE(ResultValue, Names::RESULT_VALUE, std::string, resultValue)
+HL_REPORT_VALUE(SceneJson, Names::SCENE_JSON, std::string, sceneJson)
+HL_REPORT_VALUE(SceneIconInfo, Names::SCENE_ICON_INFO, std::string, sceneIconInfo)
+HL_REPORT_VALUE(RoutineId, Names::ROUTINE_ID, std::string, routineId)
+HL_REPORT_VALUE(RoutineJson, Names::ROUTINE_JSON, std::string, routineJson)
+HL_REPORT_VALUE(Codeset, Names::CODESET, std::string, codeset)
+HL_REPORT_VALUE(Data, Names::DATA, std::string, data)
+HL_REPORT_VALUE(LocksmithInfoJson, Names::LOCKSMITH_INFO_JSON, std::string, locksmithInfoJson)
+HL_REPORT_VALUE(Uid, Names::UID, std::string, uid)
+
+#undef HL_REPORT_VALUE
+
+}  // namespace Value
+
+/// A report of one kind. Its values are logged and sent in the order in which they stand here.
+template <ReportType Type, typename... Values>
+struct ReportOf : ReportParam, Values... {
+    static constexpr ReportType kType = Type;
+
+    explicit ReportOf(std::shared_ptr<CTransaction> request) : ReportParam(Type, std::move(request)) {}
+};
+
+// Main action
+using DoMainActionReportParam = ReportOf<ReportType::DoMainAction, Value::Result<>, Value::DeviceId>;
 
 // Cameras and refrigerator
-
-struct GetAvpCameraUrlParam : ReportParam {
-    explicit GetAvpCameraUrlParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::GetAvpCameraUrl, std::move(request)) {}
-    std::string deviceId;
-    std::string cameraStreamUrl;
-    std::string accessToken;
-};
-
-struct GetNoneAvpCameraUrlParam : ReportParam {
-    explicit GetNoneAvpCameraUrlParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::GetNoneAvpCameraUrl, std::move(request)) {}
-    std::string deviceId;
-    std::string cameraStreamUrl;
-};
-
-struct GetRingDoorbellUrlParam : ReportParam {
-    explicit GetRingDoorbellUrlParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::GetRingDoorbellUrl, std::move(request)) {}
-    std::string deviceId;
-    std::string cameraStreamUrl;
-};
-
-struct GetRefrigeratorInnerViewUrlParam : ReportParam {
-    explicit GetRefrigeratorInnerViewUrlParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::GetRefrigeratorInnerviewUrl, std::move(request)) {}
-    bool isSuccess = false;
-    std::string innerViewUrl;
-    std::string datetime;
-};
-
-struct SetCameraNotificationTypeParam : ReportParam {
-    explicit SetCameraNotificationTypeParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::SetCameraNotificationType, std::move(request)) {}
-    bool result = false;
-    std::string deviceId;
-    int cameraNotificationType = 0;
-};
-
-struct UnsetCameraNotificationTypeParam : ReportParam {
-    explicit UnsetCameraNotificationTypeParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::UnsetCameraNotificationType, std::move(request)) {}
-    bool result = false;
-    std::string deviceId;
-    int cameraNotificationType = 0;
-};
+using GetAvpCameraUrlParam =
+    ReportOf<ReportType::GetAvpCameraUrl, Value::DeviceId, Value::CameraStreamUrl, Value::AccessToken>;
+using GetNoneAvpCameraUrlParam = ReportOf<ReportType::GetNoneAvpCameraUrl, Value::DeviceId, Value::CameraStreamUrl>;
+using GetRingDoorbellUrlParam = ReportOf<ReportType::GetRingDoorbellUrl, Value::DeviceId, Value::CameraStreamUrl>;
+using GetRefrigeratorInnerViewUrlParam =
+    ReportOf<ReportType::GetRefrigeratorInnerviewUrl, Value::IsSuccess, Value::InnerViewUrl, Value::Datetime>;
+using SetCameraNotificationTypeParam =
+    ReportOf<ReportType::SetCameraNotificationType, Value::Result<>, Value::DeviceId, Value::CameraNotificationType>;
+using UnsetCameraNotificationTypeParam =
+    ReportOf<ReportType::UnsetCameraNotificationType, Value::Result<>, Value::DeviceId, Value::CameraNotificationType>;
 
 // Icons
-
-struct GetDeviceIconsParam : ReportParam {
-    explicit GetDeviceIconsParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::GetDeviceIcons, std::move(request)) {}
-    bool result = false;
-    std::string deviceIconInfo;
-};
+using GetDeviceIconsParam =
+    ReportOf<ReportType::GetDeviceIcons, Value::Result<Names::GET_DEVICE_ICON_INFO_RESULT>, Value::DeviceIconInfo>;
 
 // Favorites
-
-struct GetFavoritesParam : ReportParam {
-    explicit GetFavoritesParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::GetFavorites, std::move(request)) {}
-    bool result = false;
-    std::string locationId;
-    int favoriteSize = 0;
-    std::string favoriteInfoArray;
-};
-
-struct CreateFavoriteParam : ReportParam {
-    explicit CreateFavoriteParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::CreateFavorite, std::move(request)) {}
-    bool result = false;
-    std::string locationId;
-    std::string favoriteInfo;
-};
-
-struct DeleteFavoriteParam : ReportParam {
-    explicit DeleteFavoriteParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::DeleteFavorite, std::move(request)) {}
-    bool result = false;
-    std::string locationId;
-    std::string favoriteId;
-};
-
-struct ReplaceFavoriteParam : ReportParam {
-    explicit ReplaceFavoriteParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::ReplaceFavorite, std::move(request)) {}
-    bool result = false;
-    std::string locationId;
-};
-
-struct GetFavoriteMigrationStatusParam : ReportParam {
-    explicit GetFavoriteMigrationStatusParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::GetFavoriteMigrationStatus, std::move(request)) {}
-    bool result = false;
-    std::string locationId;
-    bool isMigrated = false;
-    std::string lastUpdatedDate;
-    std::string deviceModel;
-};
-
-struct UpdateFavoriteMigrationStatusParam : ReportParam {
-    explicit UpdateFavoriteMigrationStatusParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::UpdateFavoriteMigrationStatus, std::move(request)) {}
-    bool result = false;
-    std::string locationId;
-    std::string favoriteMigrationStatusInfo;
-    std::string statusResult;
-};
+using GetFavoritesParam = ReportOf<ReportType::GetFavorites, Value::Result<Names::GET_FAVORITE_RESULT>,
+                                   Value::LocationId, Value::FavoriteSize, Value::FavoriteInfoArray>;
+using CreateFavoriteParam = ReportOf<ReportType::CreateFavorite, Value::Result<Names::CREATE_FAVORITE_RESULT>,
+                                     Value::LocationId, Value::FavoriteInfo>;
+using DeleteFavoriteParam = ReportOf<ReportType::DeleteFavorite, Value::Result<Names::DELETE_FAVORITE_RESULT>,
+                                     Value::LocationId, Value::FavoriteId>;
+using ReplaceFavoriteParam =
+    ReportOf<ReportType::ReplaceFavorite, Value::Result<Names::REPLACE_FAVORITE_RESULT>, Value::LocationId>;
+using GetFavoriteMigrationStatusParam =
+    ReportOf<ReportType::GetFavoriteMigrationStatus, Value::Result<Names::GET_FAVORITE_MIGRATION_STATUS_RESULT>,
+             Value::LocationId, Value::IsMigrated, Value::LastUpdatedDate, Value::DeviceModel>;
+using UpdateFavoriteMigrationStatusParam =
+    ReportOf<ReportType::UpdateFavoriteMigrationStatus, Value::Result<Names::UPDATE_FAVORITE_MIGRATION_STATUS_RESULT>,
+             Value::LocationId, Value::FavoriteMigrationStatusInfo, Value::StatusResult>;
 
 // Hub
-
-struct GetHubInfoParam : ReportParam {
-    explicit GetHubInfoParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::GetHubInfo, std::move(request)) {}
-    std::string hlHubInfo;
-};
-
-struct StartHubOnboardingParam : ReportParam {
-    explicit StartHubOnboardingParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::StartHubOnboarding, std::move(request)) {}
-};
-
-struct StopHubOnboardingParam : ReportParam {
-    explicit StopHubOnboardingParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::StopHubOnboarding, std::move(request)) {}
-};
-
-struct ResetDongleParam : ReportParam {
-    explicit ResetDongleParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::ResetDongle, std::move(request)) {}
-};
-
-struct ResetHubParam : ReportParam {
-    explicit ResetHubParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::ResetHub, std::move(request)) {}
-};
-
-struct StartHubDeviceDiscoveryParam : ReportParam {
-    explicit StartHubDeviceDiscoveryParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::StartHubDeviceDiscovery, std::move(request)) {}
-    bool result = false;
-    std::string hlHubDi;
-};
-
-struct StopHubDeviceDiscoveryParam : ReportParam {
-    explicit StopHubDeviceDiscoveryParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::StopHubDeviceDiscovery, std::move(request)) {}
-    bool result = false;
-    std::string hlHubDi;
-};
+using GetHubInfoParam = ReportOf<ReportType::GetHubInfo, Value::HlHubInfo>;
+using StartHubOnboardingParam = ReportOf<ReportType::StartHubOnboarding>;
+using StopHubOnboardingParam = ReportOf<ReportType::StopHubOnboarding>;
+using ResetDongleParam = ReportOf<ReportType::ResetDongle>;
+using ResetHubParam = ReportOf<ReportType::ResetHub>;
+using StartHubDeviceDiscoveryParam = ReportOf<ReportType::StartHubDeviceDiscovery, Value::Result<>, Value::HlHubDi>;
+using StopHubDeviceDiscoveryParam = ReportOf<ReportType::StopHubDeviceDiscovery, Value::Result<>, Value::HlHubDi>;
 
 // Push notification
-
-struct SetThirdPartyNotificationParam : ReportParam {
-    explicit SetThirdPartyNotificationParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::SetThirdPartyNotification, std::move(request)) {}
-    bool result = false;
-};
-
-struct GetThirdPartyNotificationParam : ReportParam {
-    explicit GetThirdPartyNotificationParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::GetThirdPartyNotification, std::move(request)) {}
-    bool result = false;
-    std::string pushProvider;
-    std::string pushRegId;
-    std::string pushAppId;
-    std::string locale;
-};
-
-struct SetThirdPartyNotificationStatusParam : ReportParam {
-    explicit SetThirdPartyNotificationStatusParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::SetThirdPartyNotificationStatus, std::move(request)) {}
-    bool result = false;
-};
-
-struct GetThirdPartyNotificationStatusParam : ReportParam {
-    explicit GetThirdPartyNotificationStatusParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::GetThirdPartyNotificationStatus, std::move(request)) {}
-    bool result = false;
-    std::string blockDeviceIds;
-};
-
-struct ThirdPartyNotificationStatusUpdatedParam : ReportParam {
-    explicit ThirdPartyNotificationStatusUpdatedParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::ThirdPartyNotificationStatusUpdated, std::move(request)) {}
-};
+using SetThirdPartyNotificationParam = ReportOf<ReportType::SetThirdPartyNotification, Value::Result<>>;
+using GetThirdPartyNotificationParam = ReportOf<ReportType::GetThirdPartyNotification, Value::Result<>,
+                                                Value::PushProvider, Value::PushRegId, Value::PushAppId, Value::Locale>;
+using SetThirdPartyNotificationStatusParam = ReportOf<ReportType::SetThirdPartyNotificationStatus, Value::Result<>>;
+using GetThirdPartyNotificationStatusParam =
+    ReportOf<ReportType::GetThirdPartyNotificationStatus, Value::Result<>, Value::BlockDeviceIds>;
+using ThirdPartyNotificationStatusUpdatedParam = ReportOf<ReportType::ThirdPartyNotificationStatusUpdated>;
 
 // Service apps, energy, locker
-
-struct GetInstalledServiceAppInfoParam : ReportParam {
-    explicit GetInstalledServiceAppInfoParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::GetInstalledServiceAppInfo, std::move(request)) {}
-    bool result = false;
-    std::string locationId;
-    std::string installedServiceAppInfoJson;
-};
-
-struct GetEnergyInfoParam : ReportParam {
-    explicit GetEnergyInfoParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::GetEnergyInfo, std::move(request)) {}
-    bool result = false;
-    std::string installedServiceAppInfoJson;
-};
-
-struct GetWifiLockerUserSettingParam : ReportParam {
-    explicit GetWifiLockerUserSettingParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::GetWifiLockerUserSetting, std::move(request)) {}
-    bool result = false;
-    int wifiLockerUserSettingEnabled = 0;
-};
-
-struct SetWifiLockerUserSettingParam : ReportParam {
-    explicit SetWifiLockerUserSettingParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::SetWifiLockerUserSetting, std::move(request)) {}
-    bool result = false;
-};
+using GetInstalledServiceAppInfoParam = ReportOf<ReportType::GetInstalledServiceAppInfo, Value::Result<>,
+                                                 Value::LocationId, Value::InstalledServiceAppInfoJson>;
+// The data goes out under the key of the app info: the screens read it there.
+using GetEnergyInfoParam = ReportOf<ReportType::GetEnergyInfo, Value::Result<>, Value::InstalledServiceAppInfoJson>;
+using GetWifiLockerUserSettingParam =
+    ReportOf<ReportType::GetWifiLockerUserSetting, Value::Result<>, Value::WifiLockerUserSettingEnabled>;
+using SetWifiLockerUserSettingParam = ReportOf<ReportType::SetWifiLockerUserSetting, Value::Result<>>;
 
 // Rooms and devices
 
-struct RoomUpdatedParam : ReportParam {
-    explicit RoomUpdatedParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::RoomUpdated, std::move(request)) {}
-    bool result = false;
-    /// The name of the report, and the key of its result.
+/// The kind of change gives the report's name and the key of its result.
+struct RoomUpdatedParam : ReportOf<ReportType::RoomUpdated, Value::Result<>, Value::LocationId, Value::RoomId> {
+    using ReportOf::ReportOf;
     std::string property_result;
     std::string result_key;
-    std::string locationId;
-    std::string roomId;
     /// Kept for the log: the report does not carry it.
     std::string roomName;
 };
-
-struct ChangeDeviceNameParam : ReportParam {
-    explicit ChangeDeviceNameParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::ChangeDeviceName, std::move(request)) {}
-    bool result = false;
-    std::string deviceId;
-    std::string deviceName;
-};
-
-struct MoveDevicesParam : ReportParam {
-    explicit MoveDevicesParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::MoveDevices, std::move(request)) {}
-    bool result = false;
-    std::string devIds;
-    int devicesSize = 0;
-};
-
-struct DeleteDeviceParam : ReportParam {
-    explicit DeleteDeviceParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::DeleteDevice, std::move(request)) {}
-    bool result = false;
-    std::string deviceId;
-};
+using ChangeDeviceNameParam = ReportOf<ReportType::ChangeDeviceName, Value::Result<Names::CHANGE_DEVICE_NAME_RESULT>,
+                                       Value::DeviceId, Value::DeviceName>;
+using MoveDevicesParam =
+    ReportOf<ReportType::MoveDevices, Value::Result<Names::MOVE_DEVICES_RESULT>, Value::DevIds, Value::DevicesSize>;
+using DeleteDeviceParam = ReportOf<ReportType::DeleteDevice, Value::Result<>, Value::DeviceId>;
 
 // Scenes
-
-struct ExecuteSceneParam : ReportParam {
-    explicit ExecuteSceneParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::ExecuteScene, std::move(request)) {}
-    bool result = false;
-    std::string locationId;
-    std::string sceneId;
-    std::string resultValue;
-};
-
-struct CreateSceneParam : ReportParam {
-    explicit CreateSceneParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::CreateScene, std::move(request)) {}
-    bool result = false;
-    std::string locationId;
-    std::string sceneId;
-    std::string sceneJson;
-};
-
-struct UpdateSceneParam : ReportParam {
-    explicit UpdateSceneParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::UpdateScene, std::move(request)) {}
-    bool result = false;
-    std::string locationId;
-    std::string sceneId;
-    std::string sceneJson;
-};
-
-struct DeleteSceneParam : ReportParam {
-    explicit DeleteSceneParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::DeleteScene, std::move(request)) {}
-    bool result = false;
-    std::string locationId;
-    std::string sceneId;
-};
-
-struct GetSceneIconsParam : ReportParam {
-    explicit GetSceneIconsParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::GetSceneIcons, std::move(request)) {}
-    bool result = false;
-    std::string sceneIconInfo;
-};
+using ExecuteSceneParam =
+    ReportOf<ReportType::ExecuteScene, Value::Result<>, Value::LocationId, Value::SceneId, Value::ResultValue>;
+using CreateSceneParam =
+    ReportOf<ReportType::CreateScene, Value::Result<>, Value::LocationId, Value::SceneId, Value::SceneJson>;
+using UpdateSceneParam =
+    ReportOf<ReportType::UpdateScene, Value::Result<>, Value::LocationId, Value::SceneId, Value::SceneJson>;
+using DeleteSceneParam = ReportOf<ReportType::DeleteScene, Value::Result<>, Value::LocationId, Value::SceneId>;
+using GetSceneIconsParam = ReportOf<ReportType::GetSceneIcons, Value::Result<>, Value::SceneIconInfo>;
 
 // Routines
-
-struct CreateRoutineParam : ReportParam {
-    explicit CreateRoutineParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::CreateRoutine, std::move(request)) {}
-    bool result = false;
-    std::string locationId;
-    std::string routineId;
-    std::string routineJson;
-};
-
-struct UpdateRoutineParam : ReportParam {
-    explicit UpdateRoutineParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::UpdateRoutine, std::move(request)) {}
-    bool result = false;
-    std::string locationId;
-    std::string routineId;
-    std::string routineJson;
-};
-
-struct DeleteRoutineParam : ReportParam {
-    explicit DeleteRoutineParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::DeleteRoutine, std::move(request)) {}
-    bool result = false;
-    std::string locationId;
-    std::string routineId;
-};
-
-struct UpdateRoutineStatusParam : ReportParam {
-    explicit UpdateRoutineStatusParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::UpdateRoutineEnableStatus, std::move(request)) {}
-    bool result = false;
-    std::string resultValue;
-};
+using CreateRoutineParam =
+    ReportOf<ReportType::CreateRoutine, Value::Result<>, Value::LocationId, Value::RoutineId, Value::RoutineJson>;
+using UpdateRoutineParam =
+    ReportOf<ReportType::UpdateRoutine, Value::Result<>, Value::LocationId, Value::RoutineId, Value::RoutineJson>;
+using DeleteRoutineParam = ReportOf<ReportType::DeleteRoutine, Value::Result<>, Value::LocationId, Value::RoutineId>;
+using UpdateRoutineStatusParam = ReportOf<ReportType::UpdateRoutineEnableStatus, Value::Result<>, Value::ResultValue>;
 
 // Infrared devices
-
-struct OnboardIRDeviceParam : ReportParam {
-    explicit OnboardIRDeviceParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::OnboardIRDevice, std::move(request)) {}
-    bool result = false;
-    std::string codeset;
-    std::string deviceId;
-};
+using OnboardIRDeviceParam = ReportOf<ReportType::OnboardIRDevice, Value::Result<>, Value::Codeset, Value::DeviceId>;
 
 // User events
-
-struct SendActiveUserEventParam : ReportParam {
-    explicit SendActiveUserEventParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::SendActiveUserEvent, std::move(request)) {}
-    bool result = false;
-};
+using SendActiveUserEventParam = ReportOf<ReportType::SendActiveUserEvent, Value::Result<>>;
 
 // Capabilities
-
-struct GetCapabilityStatusParam : ReportParam {
-    explicit GetCapabilityStatusParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::GetCapabilityStatus, std::move(request)) {}
-    bool result = false;
-    std::string deviceId;
-    std::string data;
-};
-
-struct ExecuteCommandParam : ReportParam {
-    explicit ExecuteCommandParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::ExecuteCommand, std::move(request)) {}
-    bool result = false;
-    std::string deviceId;
-    std::string data;
-};
+using GetCapabilityStatusParam =
+    ReportOf<ReportType::GetCapabilityStatus, Value::Result<>, Value::DeviceId, Value::Data>;
+using ExecuteCommandParam = ReportOf<ReportType::ExecuteCommand, Value::Result<>, Value::DeviceId, Value::Data>;
 
 // Key-value store
-
-struct CreateLocksmithKeyValueParam : ReportParam {
-    explicit CreateLocksmithKeyValueParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::CreateLocksmithKeyValue, std::move(request)) {}
-    bool result = false;
-    std::string locksmithInfoJson;
-};
-
-struct GetLocksmithKeyValueParam : ReportParam {
-    explicit GetLocksmithKeyValueParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::GetLocksmithKeyValue, std::move(request)) {}
-    bool result = false;
-    std::string locksmithInfoJson;
-};
-
-struct UpdateLocksmithKeyValueParam : ReportParam {
-    explicit UpdateLocksmithKeyValueParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::UpdateLocksmithKeyValue, std::move(request)) {}
-    bool result = false;
-    std::string locksmithInfoJson;
-};
-
-struct DeleteLocksmithKeyValueParam : ReportParam {
-    explicit DeleteLocksmithKeyValueParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::DeleteLocksmithKeyValue, std::move(request)) {}
-    bool result = false;
-    std::string locksmithInfoJson;
-};
+using CreateLocksmithKeyValueParam =
+    ReportOf<ReportType::CreateLocksmithKeyValue, Value::Result<>, Value::LocksmithInfoJson>;
+using GetLocksmithKeyValueParam = ReportOf<ReportType::GetLocksmithKeyValue, Value::Result<>, Value::LocksmithInfoJson>;
+using UpdateLocksmithKeyValueParam =
+    ReportOf<ReportType::UpdateLocksmithKeyValue, Value::Result<>, Value::LocksmithInfoJson>;
+using DeleteLocksmithKeyValueParam =
+    ReportOf<ReportType::DeleteLocksmithKeyValue, Value::Result<>, Value::LocksmithInfoJson>;
 
 // Server environment and access
-
-struct SetServerEnvParam : ReportParam {
-    explicit SetServerEnvParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::SetServerEnv, std::move(request)) {}
-    bool result = false;
-};
-
-struct GetAccessTokenUidParam : ReportParam {
-    explicit GetAccessTokenUidParam(std::shared_ptr<CTransaction> request)
-        : ReportParam(ReportType::GetAccessTokenUid, std::move(request)) {}
-    std::string accessToken;
-    std::string uid;
-};
+using SetServerEnvParam = ReportOf<ReportType::SetServerEnv, Value::Result<>>;
+using GetAccessTokenUidParam = ReportOf<ReportType::GetAccessTokenUid, Value::AccessToken, Value::Uid>;
 
 /// Forms every answer of the plug-in: builds the property list of a report and sends it to the framework, as
 /// the answer to the parameter's request or on its own. Runs on the caller's thread.

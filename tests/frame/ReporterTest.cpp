@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <functional>
 #include <memory>
+#include <regex>
 #include <set>
 #include <string>
 #include <utility>
@@ -170,6 +171,27 @@ std::string Renamed(const std::string& line, const std::string& name) {
     return name.empty() ? line : line.substr(0, begin) + name + line.substr(end);
 }
 
+/// What the log tells of it: "notify hl_x a='b' c=true" is logged as "a : b, c : 1".
+std::string LogOf(const Row& row) {
+    switch (static_cast<ReportType>(row.type)) {
+        case ReportType::RoomUpdated:
+            return "RoomUpdated change_room_name_result : 1, location_id : l, room_id : r, room_name : Attic";
+        case ReportType::SetServerEnv:
+        case ReportType::GetAccessTokenUid:
+            return "SetServerEnv try to report!";
+        default:
+            break;
+    }
+    std::string text;
+    const std::string answer = row.answer;
+    const std::regex field(R"((\w+)='?([^' ]*))");
+    for (std::sregex_iterator match(answer.begin(), answer.end(), field), end; match != end; ++match) {
+        const std::string value = (*match)[2] == "true" ? "1" : (*match)[2].str();
+        text += (text.empty() ? " " : ", ") + (*match)[1].str() + " : " + value;
+    }
+    return text;
+}
+
 }  // namespace
 
 class ReporterTest : public testing::Test {
@@ -202,6 +224,7 @@ TEST_F(ReporterTest, EveryKindByNameWayAndFields) {
         row.report(MakeTransaction());
         EXPECT_THAT(desk.lines(), ElementsAre(row.answer));
         EXPECT_EQ(answers, 1) << "tied to its request";
+        EXPECT_TRUE(desk.log.contains(LogOf(row))) << LogOf(row);
 
         desk.mark();
         row.report(nullptr);
