@@ -1,6 +1,7 @@
 #include "Arguments.h"
 
 #include <desktop/Log.h>
+#include <fmt/format.h>
 #include <CLI/CLI.hpp>
 
 #include "Schemas.h"
@@ -15,6 +16,14 @@ std::string checkLevel(const std::string& text) {
     return desktop::log::parsePriority(text, priority) ? "" : "is none of debug, info, warn, error";
 }
 
+std::string checkAddress(const std::string& text) {
+    return parseDoorAddress(text) ? "" : "is no port and no address with one: 8080, 127.0.0.1:8080, [::1]:8080";
+}
+
+std::string checkToken(const std::string& text) {
+    return isDoorToken(text) ? "" : "is no token: 8 to 256 letters, digits and any of - . _ ~";
+}
+
 std::string checkDuration(const std::string& text) {
     return parseDuration(text) ? "" : "is no time: 5, 500ms, 2m";
 }
@@ -27,6 +36,7 @@ std::variant<Arguments, int> parseArguments(int argc, char** argv) {
     std::string hub = "on";
     std::string level;
     std::string limit;
+    std::string serve;
 
     CLI::App app("A desk TV: runs the HomeLoom plug-in with a simulated home behind it.", "homeloom-tv");
     app.set_version_flag("--version", std::string("homeloom-tv ") + HOMELOOM_VERSION);
@@ -68,10 +78,24 @@ std::variant<Arguments, int> parseArguments(int argc, char** argv) {
     app.add_option("--schema", arguments.schema, "Print the JSON Schema of these documents, and end")
         ->type_name("NAME")
         ->check(CLI::IsMember(schemaNames()));
+    app.add_option("--serve", serve,
+                   "Let other programs in by HTTP, on loopback unless an address is given; 0: any port")
+        ->type_name("[ADDRESS:]PORT")
+        ->check(CLI::Validator(checkAddress, ""));
+    app.add_option("--token", arguments.token, "What they have to show; needed for an address other than loopback")
+        ->type_name("TEXT")
+        ->envname("HOMELOOM_TOKEN")
+        ->check(CLI::Validator(checkToken, ""));
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {
         return app.exit(e) == 0 ? kExitSuccess : kExitUsage;
+    }
+    arguments.serve = parseDoorAddress(serve);
+    if (arguments.serve && !arguments.serve->isLoopback() && arguments.token.empty()) {
+        fmt::print(stderr,
+                   "--serve: an address other than loopback needs --token, or HOMELOOM_TOKEN in the environment\n");
+        return kExitUsage;
     }
     if (!disclaimer.empty()) {
         arguments.disclaimer = disclaimer == "on";

@@ -9,6 +9,8 @@
 
 #include <dlog.h>
 
+#include "door/Gate.h"
+
 namespace homeloom::tv {
 
 inline constexpr int kExitSuccess = 0;
@@ -32,6 +34,8 @@ struct Arguments {
     bool catalogue = false;
     std::string schema;
     std::chrono::milliseconds limit{5000};
+    std::optional<DoorAddress> serve;  // none: no door
+    std::string token;                 // empty: none
 };
 
 /// The command line's arguments; or the exit status with which it is all done, its text having been printed.

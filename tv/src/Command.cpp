@@ -6,7 +6,9 @@
 #include <fmt/format.h>
 
 #include "CommandError.h"
+#include "Desk.h"
 #include "DeviceNames.h"
+#include "Output.h"
 #include "Words.h"
 
 namespace homeloom::tv {
@@ -114,6 +116,20 @@ void runCommand(Desk& desk, const std::string& line) {
         command.run(desk, Words(words.begin() + static_cast<std::ptrdiff_t>(at), words.end()));
     } catch (const UsageError&) {
         throw CommandError("usage: " + command.name + (command.usage.empty() ? "" : " " + command.usage));
+    }
+}
+
+bool runLine(Desk& desk, const std::string& line) {
+    Output& out = desk.out();
+    desk.pump();
+    out.beginCommand(line);
+    try {
+        runCommand(desk, line);
+        out.endCommand("", desk.home());
+        return true;
+    } catch (const CommandError& e) {
+        out.endCommand(e.what(), desk.home());
+        return false;
     }
 }
 

@@ -54,6 +54,9 @@ const Command& findCommand(const Words& words, std::size_t& at);
 /// Runs one line. Throws CommandError.
 void runCommand(Desk& desk, const std::string& line);
 
+/// Runs one line, and tells the desk's output when it begins and how it ends. Returns whether it succeeded.
+bool runLine(Desk& desk, const std::string& line);
+
 // The families of which the table is made.
 std::vector<Command> viewCommands();
 std::vector<Command> requestCommands();

@@ -3,6 +3,7 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <exception>
 #include <fstream>
 #include <istream>
@@ -11,7 +12,6 @@
 #include <fmt/format.h>
 
 #include "Command.h"
-#include "CommandError.h"
 #include "Completion.h"
 #include "Desk.h"
 #include "DeskSettings.h"
@@ -20,6 +20,7 @@
 #include "LineEditor.h"
 #include "Output.h"
 #include "ReportText.h"
+#include "door/Door.h"
 
 namespace homeloom::tv {
 
@@ -69,8 +70,8 @@ private:
 
 }  // namespace
 
-Console::Console(const Arguments& arguments, Desk& desk, Inbox& inbox, std::string title)
-    : _arguments(arguments), _desk(desk), _inbox(inbox), _title(std::move(title)) {}
+Console::Console(const Arguments& arguments, Desk& desk, Inbox& inbox, Door* door, std::string title)
+    : _arguments(arguments), _desk(desk), _inbox(inbox), _door(door), _title(std::move(title)) {}
 
 bool Console::isInteractive(const Arguments& arguments) {
     return arguments.script.empty() && arguments.commands.empty() && isatty(STDIN_FILENO) != 0 &&
@@ -80,12 +81,16 @@ bool Console::isInteractive(const Arguments& arguments) {
 bool Console::run() {
     try {
         showStart();
+        openDoor();
         if (!_arguments.script.empty()) {
             runScript(_arguments.script);
         }
         runArguments();
         if (_arguments.script.empty() && _arguments.commands.empty()) {
             isInteractive(_arguments) ? runTerminal() : runPipe();
+        }
+        if (_door != nullptr && !isInteractive(_arguments)) {
+            serve();
         }
     } catch (const std::exception& e) {
         _allSucceeded = false;
@@ -128,8 +133,17 @@ void Console::showStart() {
     }
 }
 
+void Console::openDoor() {
+    if (_door != nullptr) {
+        const std::string address = _door->open();
+        fmt::print(_arguments.json ? "{{\"door\":\"{}\"}}\n" : "{}\n", address);
+        std::fflush(stdout);
+    }
+}
+
 void Console::runArguments() {
     for (const std::string& command : _arguments.commands) {
+        takeInbox();
         if (!_desk.hasQuit()) {
             runLine(command);
         }
@@ -140,6 +154,7 @@ void Console::runScript(const std::string& path) {
     std::ifstream file(path);
     for (std::string line; !_desk.hasQuit() && std::getline(file, line);) {
         runLine(line);
+        takeInbox();
     }
 }
 
@@ -147,9 +162,8 @@ void Console::runPipe() {
     PipeLines lines;
     std::string line;
     const auto wokenUp = [this] {
-        _inbox.takeWakeups();
-        _desk.pump();
-        return !_inbox.isInterrupted();
+        takeInbox();
+        return !_inbox.isInterrupted() && !_desk.hasQuit();
     };
     while (!_desk.hasQuit() && lines.next(line, _inbox.wakeupFile(), wokenUp)) {
         runLine(line);
@@ -159,11 +173,8 @@ void Console::runPipe() {
 void Console::runTerminal() {
     LineEditor::Callbacks callbacks;
     callbacks.complete = [this](const std::string& line) { return completions(line, _desk.home()); };
-    callbacks.wokenUp = [this] {
-        _inbox.takeWakeups();
-        _desk.pump();
-    };
-    callbacks.isInterrupted = [this] { return _inbox.takeInterruption() || _inbox.isStopped(); };
+    callbacks.wokenUp = [this] { takeInbox(); };
+    callbacks.isInterrupted = [this] { return _inbox.takeInterruption() || _desk.hasQuit(); };
     LineEditor editor(kPrompt, historyFile(), _inbox.wakeupFile(), callbacks);
     while (!_desk.hasQuit()) {
         callbacks.wokenUp();  // what came while a command ran needs no new prompt
@@ -182,15 +193,25 @@ void Console::runLine(const std::string& line) {
         return;
     }
     const std::string command = line.substr(start, line.find_last_not_of(" \t\r") + 1 - start);
-    Output& out = _desk.out();
+    _allSucceeded = tv::runLine(_desk, command) && _allSucceeded;
+}
+
+void Console::takeInbox() {
+    _inbox.takeWakeups();
     _desk.pump();
-    out.beginCommand(command);
-    try {
-        runCommand(_desk, command);
-        out.endCommand("", _desk.home());
-    } catch (const CommandError& e) {
-        _allSucceeded = false;
-        out.endCommand(e.what(), _desk.home());
+    while (const Inbox::Job job = _desk.hasQuit() ? nullptr : _inbox.takeJob()) {
+        job(_desk);
+    }
+}
+
+// Whoever gave the commands has no more, and others may come. Nobody need read what it writes from now on: who started
+// it wanted the address, and a pipe that nobody empties would hold it up.
+void Console::serve() {
+    _desk.out().mute(true);
+    while (!_desk.hasQuit() && !_inbox.isInterrupted()) {
+        pollfd file{_inbox.wakeupFile(), POLLIN, 0};
+        poll(&file, 1, -1);
+        takeInbox();
     }
 }
 

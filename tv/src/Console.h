@@ -8,13 +8,16 @@
 namespace homeloom::tv {
 
 class Desk;
+class Door;
 class Inbox;
 
 /// Shows the home, then takes commands from where the arguments say: from them, from a script, from a pipe, or from a
-/// person at the terminal.
+/// person at the terminal; and from programs that come through the door.
 class Console {
 public:
-    Console(const Arguments& arguments, Desk& desk, Inbox& inbox, std::string title);
+    /// `door` is opened after the start; null: there is none. With one, and nobody at a terminal, it goes on until it
+    /// is stopped.
+    Console(const Arguments& arguments, Desk& desk, Inbox& inbox, Door* door, std::string title);
 
     /// Returns whether all commands succeeded; those of a person always do, who has seen what came of them. Runs on a
     /// thread of its own.
@@ -25,15 +28,19 @@ public:
 
 private:
     void showStart();
+    void openDoor();
     void runArguments();
     void runScript(const std::string& path);
     void runPipe();
     void runTerminal();
     void runLine(const std::string& line);
+    void serve();
+    void takeInbox();
 
     const Arguments& _arguments;
     Desk& _desk;
     Inbox& _inbox;
+    Door* const _door;
     const std::string _title;
     bool _allSucceeded = true;
 };

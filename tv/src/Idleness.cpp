@@ -14,7 +14,10 @@ namespace homeloom::tv {
 
 namespace {
 
-// The state letter stands behind the program's name, which may hold brackets itself.
+// The door's threads only take commands for this one, and tell what happened.
+constexpr char kDoorThread[] = "(door ";
+
+// The state letter stands behind the thread's name, which may hold brackets itself.
 bool isBusy(const std::filesystem::path& task) {
     std::ifstream file(task / "stat");
     std::string line;
@@ -22,6 +25,9 @@ bool isBusy(const std::filesystem::path& task) {
     const std::size_t nameEnd = line.rfind(')');
     if (nameEnd == std::string::npos || nameEnd + 2 >= line.size()) {
         return false;  // it has just ended
+    }
+    if (line.find(kDoorThread) != std::string::npos) {
+        return false;
     }
     const char state = line[nameEnd + 2];
     return state == 'R' || state == 'D';

@@ -3,6 +3,8 @@
 #include <sys/eventfd.h>
 #include <unistd.h>
 
+#include <utility>
+
 #include <simulator/Agent.h>
 
 namespace homeloom::tv {
@@ -36,6 +38,24 @@ std::vector<ReportPtr> Inbox::take(std::chrono::milliseconds wait) {
 void Inbox::takeWakeups() {
     eventfd_t count = 0;
     eventfd_read(_wakeupFile, &count);
+}
+
+void Inbox::post(Job job) {
+    {
+        const std::lock_guard<std::mutex> lock(_mutex);
+        _jobs.push_back(std::move(job));
+    }
+    wakeUp();
+}
+
+Inbox::Job Inbox::takeJob() {
+    const std::lock_guard<std::mutex> lock(_mutex);
+    if (_jobs.empty()) {
+        return nullptr;
+    }
+    Job job = std::move(_jobs.front());
+    _jobs.pop_front();
+    return job;
 }
 
 void Inbox::interrupt() {

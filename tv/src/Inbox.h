@@ -5,6 +5,8 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
+#include <deque>
+#include <functional>
 #include <mutex>
 #include <vector>
 
@@ -12,8 +14,10 @@
 
 namespace homeloom::tv {
 
-/// What comes in from other threads for the one that runs the commands: the plug-in's reports, and the wish of the
-/// person at the keyboard to stop. One for the process.
+class Desk;
+
+/// What comes in from other threads for the one that runs the commands: the plug-in's reports, commands from other
+/// programs, and the wish of the person at the keyboard to stop. One for the process.
 class Inbox {
 public:
     Inbox();
@@ -27,6 +31,12 @@ public:
     /// Becomes readable when something came. takeWakeups() makes it unreadable again.
     int wakeupFile() const { return _wakeupFile; }
     void takeWakeups();
+
+    /// Leaves something to be done by the thread that runs the commands, between two of them.
+    using Job = std::function<void(Desk& desk)>;
+    void post(Job job);
+    /// The job that has waited longest; null if there is none.
+    Job takeJob();
 
     /// Ends the waiting of the command that runs.
     void interrupt();
@@ -49,6 +59,7 @@ private:
     std::mutex _mutex;
     std::condition_variable _came;
     std::vector<ReportPtr> _reports;
+    std::deque<Job> _jobs;
     std::atomic<bool> _interrupted{false};
     std::atomic<bool> _stopped{false};
     std::atomic<std::uint64_t> _activity{0};

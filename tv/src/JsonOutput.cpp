@@ -6,7 +6,6 @@
 
 #include <VMFramework/JsonValue.h>
 
-#include "HomeView.h"
 #include "Output.h"
 #include "Settled.h"
 #include "Text.h"
@@ -70,19 +69,6 @@ std::string locationJson(const HomeView::Location& location) {
     std::string json = fieldsJson(fields);
     json.back() = ',';
     return json + "\"rooms\":" + arrayJson(location.rooms, roomJson) + "}";
-}
-
-// Sorted by key: a notification that came last may have brought keys that the list doesn't have. Those are left out.
-std::string deviceJson(const HomeView::Device& device) {
-    std::map<std::string, Value> sorted;
-    for (std::size_t i = 0; i < device.listed; ++i) {
-        sorted.emplace(device.fields[i].key, device.fields[i].value);
-    }
-    Fields fields{{"id", device.id}, {"name", device.name}, {"nick", device.nick}, {"type", device.type}};
-    for (const auto& [key, value] : sorted) {
-        fields.add(key, value);
-    }
-    return fieldsJson(fields);
 }
 
 std::string itemJson(const HomeView::Item& item) {
@@ -159,9 +145,22 @@ std::string jsonLine(const Report& report) {
     return json + "}";
 }
 
+// Sorted by key: a notification that came last may have brought keys that the list doesn't have. Those are left out.
+std::string jsonLine(const HomeView::Device& device) {
+    std::map<std::string, Value> sorted;
+    for (std::size_t i = 0; i < device.listed; ++i) {
+        sorted.emplace(device.fields[i].key, device.fields[i].value);
+    }
+    Fields fields{{"id", device.id}, {"name", device.name}, {"nick", device.nick}, {"type", device.type}};
+    for (const auto& [key, value] : sorted) {
+        fields.add(key, value);
+    }
+    return fieldsJson(fields);
+}
+
 std::string jsonLine(const HomeView& home) {
-    return "{\"home\":{\"locations\":" + arrayJson(home.locations(), locationJson) +
-           ",\"devices\":" + arrayJson(home.devices(), deviceJson) +
+    return "{\"home\":{\"locations\":" + arrayJson(home.locations(), locationJson) + ",\"devices\":" +
+           arrayJson(home.devices(), [](const HomeView::Device& device) { return jsonLine(device); }) +
            ",\"scenes\":" + arrayJson(home.scenes(), itemJson) +
            ",\"routines\":" + arrayJson(home.routines(), itemJson) + "}}";
 }

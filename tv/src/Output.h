@@ -29,10 +29,11 @@ public:
     void say(const Table& table);
     const Style& style() const { return _style; }
     /// Reports aren't shown for as long as it is muted, where people read.
-    void mute(bool muted) { _muted = muted; }
+    virtual void mute(bool muted) { _muted = muted; }
 
 protected:
     bool isMuted() const { return _muted; }
+    void setStyle(Style style) { _style = style; }
 
 private:
     Style _style;

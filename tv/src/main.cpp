@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstring>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <thread>
@@ -27,6 +28,7 @@
 #include "Output.h"
 #include "PluginHost.h"
 #include "Schemas.h"
+#include "door/Door.h"
 
 namespace {
 
@@ -44,9 +46,8 @@ std::filesystem::path programPath() {
     return std::filesystem::read_symlink("/proc/self/exe");
 }
 
-// Installed, or in the sources around a build tree.
-std::filesystem::path findApartment(const std::filesystem::path& program) {
-    const std::filesystem::path name = std::filesystem::path("homes") / "apartment.json";
+// Installed, or in the sources around a build tree; empty if it's in neither.
+std::filesystem::path findShared(const std::filesystem::path& program, const std::filesystem::path& name) {
     for (auto folder = program.parent_path(); folder != folder.parent_path(); folder = folder.parent_path()) {
         for (const auto& place : {folder / name, folder / "share" / "homeloom" / name}) {
             if (std::filesystem::exists(place)) {
@@ -54,7 +55,15 @@ std::filesystem::path findApartment(const std::filesystem::path& program) {
             }
         }
     }
-    throw std::runtime_error("the apartment's document can't be found; --home names a home");
+    return {};
+}
+
+std::filesystem::path findApartment() {
+    const auto file = findShared(programPath(), std::filesystem::path("homes") / "apartment.json");
+    if (file.empty()) {
+        throw std::runtime_error("the apartment's document can't be found; --home names a home");
+    }
+    return file;
 }
 
 struct ChosenHome {
@@ -66,7 +75,7 @@ ChosenHome chooseHome(const Arguments& arguments) {
     if (arguments.generate > 0) {
         return {simulator::generateHome(arguments.generate), fmt::format("A home of {} devices", arguments.generate)};
     }
-    const std::string file = arguments.home.empty() ? findApartment(programPath()).string() : arguments.home;
+    const std::string file = arguments.home.empty() ? findApartment().string() : arguments.home;
     return {simulator::loadHome(file), std::filesystem::path(file).filename().string()};
 }
 
@@ -105,6 +114,15 @@ bool runConsole(Console& console, Inbox& inbox) {
     return succeeded;
 }
 
+std::unique_ptr<Door> makeDoor(const Arguments& arguments, Inbox& inbox, Output& out) {
+    if (!arguments.serve) {
+        return nullptr;
+    }
+    const auto page = findShared(programPath(), std::filesystem::path("web") / "index.html");
+    return std::make_unique<Door>(Door::Options{*arguments.serve, arguments.token, page.parent_path(), arguments.json},
+                                  inbox, out);
+}
+
 int run(const Arguments& arguments) {
     ChosenHome chosen = chooseHome(arguments);
     if (!arguments.script.empty() && !std::filesystem::is_regular_file(arguments.script)) {
@@ -125,10 +143,12 @@ int run(const Arguments& arguments) {
     const auto out = arguments.json ? makeJsonOutput(arguments.settled)
                                     : makeTextOutput(Style::ofStandardOutput(), !Console::isInteractive(arguments));
     Inbox inbox;
-    Desk desk(inbox, *out, arguments.limit);
-    Console console(arguments, desk, inbox, fmt::format("HomeLoom {}, {}", HOMELOOM_VERSION, chosen.title));
+    auto door = makeDoor(arguments, inbox, *out);
+    Desk desk(inbox, door ? door->output() : *out, arguments.limit);
+    Console console(arguments, desk, inbox, door.get(), fmt::format("HomeLoom {}, {}", HOMELOOM_VERSION, chosen.title));
     plugin.start();
     const bool succeeded = runConsole(console, inbox);
+    door.reset();
 
     const std::vector<std::string> left = plugin.unload();
     for (const std::string& thing : left) {
