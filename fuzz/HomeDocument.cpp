@@ -8,7 +8,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     try {
         simulator::parseHome(fuzz::text(data, size));
     } catch (const simulator::HomeError& e) {
-        fuzz::require(!e.reason().empty(), "a mistake has a reason");
+        for (const auto& mistake : e.mistakes()) {
+            fuzz::require(!mistake.reason.empty(), "a mistake has a reason");
+        }
     }
     return 0;
 }

@@ -1,6 +1,7 @@
 #include "DocumentReader.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 #include "simulator/HomeLoader.h"
@@ -8,28 +9,6 @@
 namespace simulator {
 
 namespace {
-
-const char* const comment = "_comment";
-
-const char* nameOf(const json::value* value) {
-    if (value == nullptr) {
-        return "nothing";
-    }
-    switch (value->kind()) {
-        case json::kind::null:
-            return "null";
-        case json::kind::bool_:
-            return "true or false";
-        case json::kind::string:
-            return "a text";
-        case json::kind::array:
-            return "an array";
-        case json::kind::object:
-            return "an object";
-        default:
-            return "a number";
-    }
-}
 
 std::string placeAt(std::string_view text, std::size_t offset) {
     offset = std::min(offset, text.size());
@@ -63,7 +42,7 @@ json::value parseDocument(std::string_view text, const std::string& file) {
 
 void removeComments(json::value& value) {
     if (json::object* object = value.if_object()) {
-        if (const auto found = object->find(comment); found != object->end()) {
+        if (const auto found = object->find(kComment); found != object->end()) {
             object->stable_erase(found);  // keeps the order
         }
         for (auto& member : *object) {
@@ -99,16 +78,32 @@ Node Node::operator[](const char* name) const {
     return {member, _file, memberPlace(_place, name)};
 }
 
-void Node::allow(std::initializer_list<const char*> names) const {
-    for (const auto& [name, member] : members()) {
-        const auto isName = [&, &wanted = name](const char* allowed) { return wanted == allowed; };
-        if (std::none_of(names.begin(), names.end(), isName)) {
-            std::string list;
-            for (const char* allowed : names) {
-                list += (list.empty() ? "" : ", ") + std::string(allowed);
-            }
-            member.fail("unknown member; expected one of " + list);
-        }
+bool Node::isNumber() const {
+    if (_value == nullptr || !_value->is_number()) {
+        return false;
+    }
+    const double number = _value->to_number<double>();
+    return number == std::floor(number) && number >= std::numeric_limits<int>::min() &&
+           number <= std::numeric_limits<int>::max();
+}
+
+const char* Node::kindName() const {
+    if (_value == nullptr) {
+        return "nothing";
+    }
+    switch (_value->kind()) {
+        case json::kind::null:
+            return "null";
+        case json::kind::bool_:
+            return "true or false";
+        case json::kind::string:
+            return "a text";
+        case json::kind::array:
+            return "an array";
+        case json::kind::object:
+            return "an object";
+        default:
+            return "a number";
     }
 }
 
@@ -156,11 +151,10 @@ int Node::number(int otherwise) const {
     if (_value == nullptr) {
         return otherwise;
     }
-    if (!_value->is_int64() || _value->get_int64() < std::numeric_limits<int>::min() ||
-        _value->get_int64() > std::numeric_limits<int>::max()) {
+    if (!isNumber()) {
         expected("a whole number");
     }
-    return static_cast<int>(_value->get_int64());
+    return _value->to_number<int>();
 }
 
 bool Node::flag(bool otherwise) const {
@@ -193,11 +187,11 @@ std::string Node::document(const std::string& otherwise) const {
 }
 
 void Node::fail(const std::string& reason) const {
-    throw HomeError(_file, _place.empty() ? "document" : _place, reason);
+    throw HomeError(_file, place(), reason);
 }
 
 void Node::expected(const char* what) const {
-    fail(std::string("expected ") + what + ", found " + nameOf(_value));
+    fail(std::string("expected ") + what + ", found " + kindName());
 }
 
 Document::Document(std::string_view text, std::string file)

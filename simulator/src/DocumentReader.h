@@ -1,7 +1,6 @@
 #ifndef HOMELOOM_SIMULATOR_DOCUMENTREADER_H
 #define HOMELOOM_SIMULATOR_DOCUMENTREADER_H
 
-#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -11,25 +10,30 @@
 
 namespace simulator {
 
+/// Members of this name say what people like; they are nowhere to be seen.
+inline constexpr char kComment[] = "_comment";
+
 /// A place in a document that people write, read with what is expected there; anything else throws a HomeError that
 /// names file and place. A member that isn't there is missing: a place as well, so that it can be named.
-///
-/// Members named "_comment" are nowhere to be seen.
 class Node {
 public:
     Node(const json::value* value, const std::string& file, std::string place)
         : _value(value), _file(file), _place(std::move(place)) {}
 
     const std::string& file() const { return _file; }
+    /// "document" for the whole.
+    std::string place() const { return _place.empty() ? "document" : _place; }
     bool isMissing() const { return _value == nullptr; }
     bool isNull() const { return _value != nullptr && _value->is_null(); }
     bool isObject() const { return _value != nullptr && _value->is_object(); }
+    /// Whether it's a whole number that an int can hold.
+    bool isNumber() const;
     const json::value& value() const { return *_value; }
+    /// "a text", "nothing", ...
+    const char* kindName() const;
 
     /// A member of an object, or of what is missing.
     Node operator[](const char* name) const;
-    /// Fails if the object has members of other names.
-    void allow(std::initializer_list<const char*> names) const;
     /// The members of an object; none of what is missing.
     std::vector<std::pair<std::string, Node>> members() const;
     /// The elements of an array; none of what is missing.

@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "DocumentReader.h"
+#include "HomeForms.h"
 #include "HomeNames.h"
 #include "World.h"
 
@@ -33,7 +34,6 @@ Property readProperty(const std::string& name, const Node& node) {
     if (!node.isObject()) {
         return {name, typeOf(node.value()), node.document()};
     }
-    node.allow({"type", "value"});
     const std::string type = node["type"].text();
     const std::string value = valueOfType(type, node["value"].document());
     if (value.empty()) {
@@ -110,7 +110,6 @@ void checkTargets(const Node& node, const std::vector<Resource>& resources) {
 // ---- Models ----
 
 Reaction readReaction(const Node& node, const std::vector<Resource>& resources) {
-    node.allow({"when", "set", "after_ms", "status"});
     const std::vector<Change> causes = readChanges(node["when"], resources);
     if (causes.size() != 1) {
         node["when"].fail("expected one property of one resource");
@@ -127,7 +126,6 @@ Reaction readReaction(const Node& node, const std::vector<Resource>& resources) 
 }
 
 Command readCommand(const Node& node, const std::vector<Resource>& resources) {
-    node.allow({"component", "capability", "command", "set"});
     Command command;
     command.component = node["component"].text("main");
     command.capability = node["capability"].text();
@@ -138,7 +136,6 @@ Command readCommand(const Node& node, const std::vector<Resource>& resources) {
 }
 
 void readCore(const Node& node, CoreRecord& core) {
-    node.allow({"type", "presentation", "manufacturer", "details", "icons", "possible_icons", "badge_icons"});
     core.type = node["type"].text(core.type);
     core.presentationId = node["presentation"].text(core.presentationId);
     core.manufacturerName = node["manufacturer"].text(core.manufacturerName);
@@ -155,9 +152,15 @@ struct ModelEntry {
     std::string canvas;
 };
 
+/// Throws a HomeError that tells all mistakes.
+void check(const Node& node, const Form& form) {
+    std::vector<HomeMistake> mistakes = mistakesIn(node, form);
+    if (!mistakes.empty()) {
+        throw HomeError(std::move(mistakes));
+    }
+}
+
 ModelEntry readModel(const Node& node) {
-    node.allow({"vid", "types", "name", "core", "ui_metadata", "canvas", "resources", "osv_resources", "reactions",
-                "commands"});
     ModelEntry entry;
     entry.model.vid = node["vid"].text();
     entry.model.uiMetadata = node["ui_metadata"].document("");
@@ -187,9 +190,7 @@ public:
     explicit HomeReader(const Node& document) : _document(document) {}
 
     Home read() {
-        _document.allow({"now", "account", "locations", "models", "presentations", "devices", "hub", "scenes",
-                         "routines", "favorites", "installed_apps", "catalog", "scene_icons", "wifi_locker",
-                         "key_values", "notification_profile", "third_party_notification", "blocked_devices"});
+        check(_document, homeForm());
         _home.now = _document["now"].text(_home.now);
         readAccount(_document["account"]);
         for (const Node& location : _document["locations"].elements()) {
@@ -214,9 +215,6 @@ private:
     /// Reads an id that must be new among those of its kind.
     std::string newId(const Node& node, const char* kind) {
         const std::string id = node["id"].text();
-        if (id.empty()) {
-            node["id"].fail("expected an id, found an empty text");
-        }
         if (!_ids.insert(std::string(kind) + "/" + id).second) {
             node["id"].fail(std::string("another ") + kind + " has the id \"" + id + "\"");
         }
@@ -240,27 +238,22 @@ private:
     }
 
     void readAccount(const Node& node) {
-        node.allow({"login_id", "user_id", "access_token", "tv"});
         _home.account = {node["login_id"].text(), node["user_id"].text(), node["access_token"].text(),
                          node["tv"].text("")};
     }
 
     void readLocation(const Node& node) {
-        node.allow({"id", "name", "permission", "owner", "rooms", "favorites_migrated"});
         Location location;
         location.id = newId(node, "location");
         location.name = node["name"].text();
         location.permission = node["permission"].text("");
         const Node owner = node["owner"];
-        owner.allow({"id", "name"});
         location.ownerId = owner["id"].text(_home.account.userId);
         location.ownerName = owner["name"].text("");
         for (const Node& room : node["rooms"].elements()) {
-            room.allow({"id", "name"});
             location.rooms.push_back({newId(room, "room"), room["name"].text()});
         }
         const Node migrated = node["favorites_migrated"];
-        migrated.allow({"date", "model"});
         location.favoritesMigrated = !migrated.isMissing();
         location.favoritesMigratedDate = migrated["date"].text("");
         location.favoritesMigratedModel = migrated["model"].text("");
@@ -286,12 +279,11 @@ private:
         }
         const std::string file = beside(node.file(), node.text());
         const Document document(readFile(file), file);
+        check(document.root(), modelForm());
         addModel(readModel(document.root()), document.root()["vid"]);
     }
 
     void readDevice(const Node& node) {
-        node.allow({"id", "name", "nick", "prefix", "vid", "types", "status", "location", "room", "resources",
-                    "osv_resources", "core", "energy_this_month", "stream", "images"});
         const std::string vid = node["vid"].text();
         const auto pattern = _patterns.find(vid);
         if (pattern == _patterns.end()) {
@@ -331,7 +323,6 @@ private:
     }
 
     void readHub(const Node& node) {
-        node.allow({"device", "serves"});
         _home.hub.deviceId = node["device"].isMissing() ? "" : knownDevice(node["device"]).id;
         for (const Node& served : node["serves"].elements()) {
             _home.hub.serves.push_back(knownDevice(served).id);
@@ -343,19 +334,16 @@ private:
             readScene(scene);
         }
         for (const Node& routine : _document["routines"].elements()) {
-            routine.allow({"id", "location", "enabled", "document"});
             _home.routines.push_back({newId(routine, "routine"), knownLocation(routine["location"]),
                                       routine["enabled"].flag(true), routine["document"].document()});
         }
         for (const Node& favorite : _document["favorites"].elements()) {
-            favorite.allow({"id", "location", "member", "member_type", "created", "updated", "order"});
             _home.favorites.push_back({newId(favorite, "favorite"), knownLocation(favorite["location"]),
                                        favorite["member"].text(), favorite["member_type"].text("DEVICE"),
                                        favorite["created"].text(_home.now), favorite["updated"].text(_home.now),
                                        favorite["order"].number(0)});
         }
         for (const Node& app : _document["installed_apps"].elements()) {
-            app.allow({"id", "name", "status", "app", "location", "ui", "dashboard"});
             _home.installedApps.push_back(
                 {newId(app, "installed app"), app["name"].text(), app["status"].text("AUTHORIZED"), app["app"].text(),
                  knownLocation(app["location"]), app["ui"].document(""), app["dashboard"].document("")});
@@ -363,13 +351,11 @@ private:
     }
 
     void readScene(const Node& node) {
-        node.allow({"id", "location", "document", "actions"});
         Scene scene;
         scene.id = newId(node, "scene");
         scene.location = knownLocation(node["location"]);
         scene.document = node["document"].document();
         for (const Node& action : node["actions"].elements()) {
-            action.allow({"device", "set"});
             const Device& device = knownDevice(action["device"]);
             checkTargets(action["set"], device.resources);
             for (const Change& change : readChanges(action["set"], device.resources)) {
@@ -387,7 +373,6 @@ private:
             _home.keyValues[key] = value.text();
         }
         const Node profile = _document["notification_profile"];
-        profile.allow({"provider", "registration", "app", "locale"});
         _home.notificationProfile = {profile["provider"].text(""), profile["registration"].text(""),
                                      profile["app"].text(""), profile["locale"].text("")};
         _home.thirdPartyNotification = _document["third_party_notification"].flag(true);
@@ -401,6 +386,14 @@ private:
     std::map<std::string, Device> _patterns;  // by vid
     std::set<std::string> _ids;               // "kind/id"
 };
+
+std::string textOf(const std::vector<HomeMistake>& mistakes) {
+    std::string text;
+    for (const HomeMistake& mistake : mistakes) {
+        text += (text.empty() ? "" : "\n") + mistake.file + ": " + mistake.place + ": " + mistake.reason;
+    }
+    return text;
+}
 
 }  // namespace
 
@@ -420,8 +413,11 @@ const char* typeOf(const json::value& value) {
     }
 }
 
+HomeError::HomeError(std::vector<HomeMistake> mistakes)
+    : std::runtime_error(textOf(mistakes)), _mistakes(std::move(mistakes)) {}
+
 HomeError::HomeError(const std::string& file, const std::string& place, const std::string& reason)
-    : std::runtime_error(file + ": " + place + ": " + reason), _file(file), _place(place), _reason(reason) {}
+    : HomeError(std::vector<HomeMistake>{{file, place, reason}}) {}
 
 Home loadHome(const std::string& file) {
     return parseHome(readFile(file), file);
@@ -434,6 +430,7 @@ Home parseHome(std::string_view text, const std::string& name) {
 
 Model loadModel(const std::string& file) {
     const Document document(readFile(file), file);
+    check(document.root(), modelForm());
     return readModel(document.root()).model;
 }
 

@@ -52,7 +52,7 @@ TEST(HomeLoader, TellsFilePlaceAndReasonOfAMistake) {
         {std::string(good) + " x", "no JSON: something stands behind the document"},
         {"", "h.json: line 1, column 1: no JSON"},
         {"[]", "h.json: document: expected an object, found an array"},
-        {"{}", "h.json: account.login_id: expected a text, found nothing"},
+        {"{}", "h.json: account: expected an object, found nothing"},
         {with("\"vid\": \"m\", \"location\"", "\"location\""),
          "h.json: devices[0].vid: expected a text, found nothing"},
         {with("\"d\", \"vid\": \"m\"", "\"d\", \"vid\": \"n\""), "devices[0].vid: no model has the vid \"n\""},
@@ -60,7 +60,7 @@ TEST(HomeLoader, TellsFilePlaceAndReasonOfAMistake) {
          "devices[0].location: no location has the id \"k\""},
         {with("\"room\": \"r\"", "\"room\": \"q\""), "devices[0].room: location \"l\" has no room with the id \"q\""},
         {with("\"room\": \"r\"", "\"room\": 4"), "devices[0].room: expected a text, found a number"},
-        {with("\"room\": \"r\"", "\"rom\": \"r\""), "devices[0].rom: unknown member; expected one of id, name"},
+        {with("\"room\": \"r\"", "\"rom\": \"r\""), "devices[0].rom: unknown member; expected one of id, vid, location"},
         {with("\"room\": \"r\"", "\"status\": \"on\""),
          "devices[0].status: expected one of connected, disconnected, inactive, hidden, found \"on\""},
         {with("\"devices\": [", "\"devices\": [{\"id\": \"d\", \"vid\": \"m\", \"location\": \"l\"}, "),
@@ -93,8 +93,8 @@ TEST(HomeLoader, NamesTheModelFileThatHoldsTheMistake) {
         simulator::parseHome(home, folder + "home.json");
         ADD_FAILURE();
     } catch (const HomeError& error) {
-        EXPECT_EQ(error.file(), folder + "bad-model.json");
-        EXPECT_EQ(error.place(), "reactions");
+        EXPECT_EQ(error.mistakes().front().file, folder + "bad-model.json");
+        EXPECT_EQ(error.mistakes().front().place, "reactions");
     }
 }
 

@@ -61,7 +61,9 @@ std::string document(const std::string& name, const std::string& title, json::ob
     for (const auto& member : form) {
         whole.insert(member);
     }
-    whole["$defs"] = std::move(definitions);
+    if (!definitions.empty()) {
+        whole["$defs"] = std::move(definitions);
+    }
     return json::serialize(whole);
 }
 

@@ -28,7 +28,8 @@ json::object valueOf(const FieldSpec& field);
 json::object object(json::object required, const json::object& optional = {});
 
 /// A whole schema.
-std::string document(const std::string& name, const std::string& title, json::object form, json::object definitions);
+std::string document(const std::string& name, const std::string& title, json::object form,
+                     json::object definitions = {});
 
 }  // namespace homeloom::tv::schema
 

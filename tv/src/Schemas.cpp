@@ -4,6 +4,8 @@
 #include <map>
 #include <stdexcept>
 
+#include <simulator/HomeSchema.h>
+
 #include "ReportTable.h"
 #include "RequestTable.h"
 #include "SchemaParts.h"
@@ -168,11 +170,20 @@ std::string catalogueSchema() {
                     {{"field", field}});
 }
 
+std::string homeSchema() {
+    return document("home", "A home for homeloom-tv", json::parse(simulator::homeSchema()).as_object());
+}
+
+std::string modelSchema() {
+    return document("model", "A device model for homeloom-tv", json::parse(simulator::modelSchema()).as_object());
+}
+
 struct Schema {
     const char* name;
     std::string (*make)();
 };
-const Schema schemas[] = {{"event", eventSchema}, {"catalogue", catalogueSchema}};
+const Schema schemas[] = {
+    {"home", homeSchema}, {"model", modelSchema}, {"event", eventSchema}, {"catalogue", catalogueSchema}};
 
 }  // namespace
 

@@ -4,25 +4,29 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "simulator/Home.h"
 
 namespace simulator {
 
-/// A mistake in a home document. what() is "FILE: PLACE: REASON".
+struct HomeMistake {
+    std::string file;
+    std::string place;  // the path ("devices[3].vid"), or line and column of what is no JSON ("line 4, column 2")
+    std::string reason;
+};
+
+/// Mistakes in a home document. what() has a line "FILE: PLACE: REASON" for each.
 class HomeError : public std::runtime_error {
 public:
+    /// One at least.
+    explicit HomeError(std::vector<HomeMistake> mistakes);
     HomeError(const std::string& file, const std::string& place, const std::string& reason);
 
-    const std::string& file() const { return _file; }
-    /// The path in the document ("devices[3].vid"), or line and column of what is no JSON ("line 4, column 2").
-    const std::string& place() const { return _place; }
-    const std::string& reason() const { return _reason; }
+    const std::vector<HomeMistake>& mistakes() const { return _mistakes; }
 
 private:
-    std::string _file;
-    std::string _place;
-    std::string _reason;
+    std::vector<HomeMistake> _mistakes;
 };
 
 /// Reads a home document and the model files that it names. Throws HomeError.
