@@ -13,9 +13,13 @@ CPluginMgr& CPluginMgr::GetInstance() {
     return instance;
 }
 
-CPluginMgr::CPluginMgr() : _controller(CServiceController::Create()) {}
+CPluginMgr::CPluginMgr() : _controller(CServiceController::Create()) {
+    IWayOut::Open(this);
+}
 
-CPluginMgr::~CPluginMgr() = default;
+CPluginMgr::~CPluginMgr() {
+    IWayOut::Open(nullptr);
+}
 
 void CPluginMgr::Init() {
     HL_TRACE(this);

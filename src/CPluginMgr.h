@@ -3,29 +3,19 @@
 
 #include <memory>
 
+#include "Common/WayOut.h"
+
 namespace VMFramework::HomeLoom {
 
 class CServiceController;
-class IEndpointHelper;
-class IEndpointListHelper;
-class IPropertyListHelper;
 
-/// The plug-in's load state, as the framework is told it.
-enum class PluginStatus : int {
-    Available = 0,    ///< the framework may use the plug-in
-    Unavailable = 1,  ///< the plug-in cannot serve; also what is assumed before the first report
-    Waiting = 2       ///< the agent still waits for its connection
-};
-
-/// The door between the framework and everything else: the host starts and stops the plug-in here, and every other
-/// subsystem reports to the framework here.
-///
-/// Reports may come from any thread. They are serialised, never throw, and log what failed.
-class CPluginMgr {
+/// The door between the framework and everything else: the host starts and stops the plug-in here, and from then on
+/// every report of the plug-in goes out here.
+class CPluginMgr : public IWayOut {
 public:
     static CPluginMgr& GetInstance();
 
-    virtual ~CPluginMgr();
+    ~CPluginMgr() override;
     CPluginMgr(const CPluginMgr&) = delete;
     CPluginMgr& operator=(const CPluginMgr&) = delete;
 
@@ -33,11 +23,11 @@ public:
     void Init();
     void Deinit();
 
-    void ReportRequestResult(const std::shared_ptr<IPropertyListHelper>& list);
-    void ReportServiceNotify(const std::shared_ptr<IPropertyListHelper>& list);
-    void ReportDeviceList(const std::shared_ptr<IEndpointListHelper>& list);
-    void ReportDeviceFound(const std::shared_ptr<IEndpointHelper>& endpoint);
-    void ReportPluginStatus(PluginStatus status);
+    void ReportRequestResult(const std::shared_ptr<IPropertyListHelper>& list) override;
+    void ReportServiceNotify(const std::shared_ptr<IPropertyListHelper>& list) override;
+    void ReportDeviceList(const std::shared_ptr<IEndpointListHelper>& list) override;
+    void ReportDeviceFound(const std::shared_ptr<IEndpointHelper>& endpoint) override;
+    void ReportPluginStatus(PluginStatus status) override;
 
 private:
     CPluginMgr();

@@ -13,8 +13,8 @@
 
 #include <VMFramework/JsonValue.h>
 
+#include "Common/DeviceInfoStructs.h"
 #include "Common/HLLog.h"
-#include "Homeloom/Devices/DeviceInfoStructs.h"
 
 namespace VMFramework::HomeLoom {
 

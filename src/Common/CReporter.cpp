@@ -4,9 +4,9 @@
 #include <functional>
 #include <unordered_map>
 
-#include "CPluginMgr.h"
 #include "Common/CTransaction.h"
 #include "Common/HLLog.h"
+#include "Common/WayOut.h"
 #include "Helpers/CPropertyListHelper.h"
 
 namespace VMFramework::HomeLoom {
@@ -199,7 +199,7 @@ void Reporter::sendResult(const std::shared_ptr<CTransaction>& transaction,
         transaction->SendResult(list);
     } else {
         HL_LOGI("use report request result");
-        CPluginMgr::GetInstance().ReportRequestResult(list);
+        IWayOut::Get().ReportRequestResult(list);
     }
 }
 
@@ -210,7 +210,7 @@ void Reporter::sendNotify(const std::shared_ptr<CTransaction>& transaction,
         transaction->SendNotify(list);
     } else {
         HL_LOGI("use report service notify");
-        CPluginMgr::GetInstance().ReportServiceNotify(list);
+        IWayOut::Get().ReportServiceNotify(list);
     }
 }
 

@@ -7,7 +7,7 @@
 #include <VMFramework/CNoncopyable.h>
 #include <vmf_service_handler.h>
 
-#include "CPluginMgr.h"
+#include "Common/WayOut.h"
 #include "common/include_internal/TPLContext.h"
 
 namespace VMFramework::HomeLoom {

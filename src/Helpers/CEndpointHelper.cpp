@@ -2,7 +2,6 @@
 
 #include "Common/CException.h"
 #include "Common/HLLog.h"
-#include "Homeloom/Devices/Device.h"
 
 namespace VMFramework::HomeLoom {
 
@@ -128,9 +127,7 @@ void CEndpointHelper::PrintData(const std::shared_ptr<Device>& device) const {
         HL_LOGI("extra data %s : %s", key.c_str(), value ? "true" : "false");
     }
     if (device) {
-        HL_LOGI("device %s, vid : %s, type : %s, status : %d, state text : %s", device->GetId().c_str(),
-                device->GetVid().c_str(), device->GetDeviceType().c_str(), static_cast<int>(device->GetStatus()),
-                device->GetStateText().c_str());
+        PrintDevice(*device);
     }
 }
 

@@ -12,6 +12,9 @@ namespace VMFramework::HomeLoom {
 
 class Device;
 
+/// Writes a device's details to the log. Stands with the devices: the helper sees no more of one than this.
+void PrintDevice(const Device& device);
+
 /// One endpoint: the framework's record of a device, location, scene or routine. Used by one thread at a time.
 ///
 /// Unlike a property list, an endpoint keeps empty texts.

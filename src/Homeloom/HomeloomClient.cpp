@@ -4,11 +4,11 @@
 #include <exception>
 #include <utility>
 
-#include "CPluginMgr.h"
 #include "Common/CException.h"
 #include "Common/CHLUtil.h"
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
+#include "Common/WayOut.h"
 #include "Helpers/CPropertyListHelper.h"
 #include "Homeloom/ActiveUserEvent/ActiveUserEventHandler.h"
 #include "Homeloom/Common/CallbackTokens.h"
@@ -313,7 +313,7 @@ void HomeloomClient::reportPluginReady(bool ready) {
         status = PluginStatus::Waiting;
     }
     HL_LOGI("plugin status : %d", static_cast<int>(status));
-    CPluginMgr::GetInstance().ReportPluginStatus(status);
+    IWayOut::Get().ReportPluginStatus(status);
     CHLUtil::PrintTimeStamp("PLUGIN STATUS REPORTED");
 }
 
@@ -540,7 +540,7 @@ void HomeloomClient::OnSignInStateChangeEvent(bool isSignedIn) {
     const auto list = IPropertyListHelper::Create();
     list->SetName(Names::SIGN_IN_STATE_CHANGED);
     list->PushBooleanData(Names::IS_SIGN_IN, isSignedIn);
-    CPluginMgr::GetInstance().ReportServiceNotify(list);
+    IWayOut::Get().ReportServiceNotify(list);
     HL_LOGI("is_signed_in(%d) reported to UI", isSignedIn);
     if (!isSignedIn) {
         HL_LOGI("sign out! clear all devices info");

@@ -8,11 +8,11 @@
 
 #include <vconf.h>
 
-#include "CPluginMgr.h"
 #include "Common/CException.h"
 #include "Common/CHLUtil.h"
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
+#include "Common/WayOut.h"
 #include "Helpers/CEndpointListHelper.h"
 #include "Homeloom/CoreDevices/CoreDeviceHandler.h"
 #include "Homeloom/Devices/Device.h"
@@ -358,7 +358,7 @@ void HomeloomClient::sendDeviceInfoToUI() {
             // notification of a newer state.
             const auto lock = devices->GetDeviceData(list);
             requireClientAvailable();
-            CPluginMgr::GetInstance().ReportDeviceList(list);
+            IWayOut::Get().ReportDeviceList(list);
         }
         CHLUtil::PrintTimeStamp("DEVICE LIST SENT");
     } catch (const std::exception& e) {

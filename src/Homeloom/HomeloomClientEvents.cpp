@@ -11,11 +11,11 @@
 
 #include <VMFramework/JsonValue.h>
 
-#include "CPluginMgr.h"
 #include "Common/CException.h"
 #include "Common/CHLUtil.h"
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
+#include "Common/WayOut.h"
 #include "Helpers/CPropertyListHelper.h"
 #include "Homeloom/CoreDevices/CoreDeviceHandler.h"
 #include "Homeloom/Devices/CameraDevice.h"
@@ -280,7 +280,7 @@ void HomeloomClient::OnCapabilityUpdateEvent(const std::string& deviceId, const 
     list->PushStringData(Names::ACTION_URL, metadata.ActionUrl(device));
     list->PushIntData(Names::CLOUD_DEVICE_STATUS, devices->GetDeviceStatus(device));
     HL_LOGI("capability update event device id : %s, state text : %s", deviceId.c_str(), stateText.c_str());
-    CPluginMgr::GetInstance().ReportServiceNotify(list);
+    IWayOut::Get().ReportServiceNotify(list);
 }
 
 // A press shows for a second, then the button is ready again.

@@ -4,7 +4,7 @@
 
 #include <VMFramework/JsonValue.h>
 
-#include "Homeloom/Devices/DeviceInfoStructs.h"
+#include "Common/DeviceInfoStructs.h"
 #include "UIMetaTest.h"
 #include "desktop/Log.h"
 #include "desktop/System.h"

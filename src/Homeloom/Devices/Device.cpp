@@ -5,6 +5,7 @@
 #include <VMFramework/JsonValue.h>
 
 #include "Common/HLLog.h"
+#include "Helpers/CEndpointHelper.h"
 #include "Homeloom/Common/CallbackTokens.h"
 #include "Homeloom/Devices/Property.h"
 #include "Homeloom/Devices/Resource.h"
@@ -204,6 +205,12 @@ void Device::SetTimer(unsigned interval, std::function<void()> callback) {
 
 void Device::CancelTimer() {
     _timer.Cancel();
+}
+
+void PrintDevice(const Device& device) {
+    HL_LOGI("device %s, vid : %s, type : %s, status : %d, state text : %s", device.GetId().c_str(),
+            device.GetVid().c_str(), device.GetDeviceType().c_str(), static_cast<int>(device.GetStatus()),
+            device.GetStateText().c_str());
 }
 
 }  // namespace VMFramework::HomeLoom

@@ -9,8 +9,8 @@
 #include <string>
 #include <utility>
 
+#include "Common/DeviceInfoStructs.h"
 #include "Homeloom/Common/MainLoopTimer.h"
-#include "Homeloom/Devices/DeviceInfoStructs.h"
 
 namespace VMFramework::HomeLoom {
 

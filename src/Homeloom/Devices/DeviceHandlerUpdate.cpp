@@ -5,11 +5,11 @@
 
 #include <VMFramework/JsonValue.h>
 
-#include "CPluginMgr.h"
 #include "Common/CException.h"
 #include "Common/CHLUtil.h"
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
+#include "Common/WayOut.h"
 #include "Helpers/CPropertyListHelper.h"
 #include "Homeloom/Common/CallbackTokens.h"
 #include "Homeloom/Devices/DeviceHandler.h"
@@ -326,7 +326,7 @@ void DeviceHandler::notifyDeviceState(const std::shared_ptr<Device>& device, con
         device->GetCoreDeviceIconDate().c_str(), device->GetCoreDeviceAnimationIconUrl().c_str(),
         device->GetCoreDeviceActivatedIconUrl().c_str(), device->GetCoreDeviceInactivatedIconUrl().c_str(),
         device->GetCoreDeviceDisconnectedIconUrl().c_str());
-    CPluginMgr::GetInstance().ReportServiceNotify(list);
+    IWayOut::Get().ReportServiceNotify(list);
 }
 
 std::string DeviceHandler::GetCameraUrl(const std::shared_ptr<Device>& device) const {

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "Homeloom/Devices/DeviceInfoStructs.h"
+#include "Common/DeviceInfoStructs.h"
 
 namespace VMFramework::HomeLoom {
 

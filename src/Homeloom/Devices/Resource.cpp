@@ -1,7 +1,7 @@
 #include "Homeloom/Devices/Resource.h"
 
+#include "Common/DeviceInfoStructs.h"
 #include "Common/HLLog.h"
-#include "Homeloom/Devices/DeviceInfoStructs.h"
 #include "Homeloom/Devices/Property.h"
 
 namespace VMFramework::HomeLoom {

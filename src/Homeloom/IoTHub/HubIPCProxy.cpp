@@ -8,10 +8,10 @@
 #include <app_manager.h>
 #include <system_info.h>
 
-#include "CPluginMgr.h"
 #include "Common/CReporter.h"
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
+#include "Common/WayOut.h"
 #include "Helpers/CPropertyListHelper.h"
 #include "Homeloom/IoTHub/HubEventHandler.h"
 
@@ -70,13 +70,13 @@ std::shared_ptr<IPropertyListHelper> MakeNotify(const char* name) {
 void NotifyProgress(int progress) {
     const auto list = MakeNotify(Names::HL_HUB_ONBOARDING_PROGRESS);
     list->PushIntData(Names::HL_HUB_PROGRESS, progress);
-    CPluginMgr::GetInstance().ReportServiceNotify(list);
+    IWayOut::Get().ReportServiceNotify(list);
 }
 
 void NotifyText(const char* name, const char* key, const std::string& text) {
     const auto list = MakeNotify(name);
     list->PushStringData(key, text);
-    CPluginMgr::GetInstance().ReportServiceNotify(list);
+    IWayOut::Get().ReportServiceNotify(list);
 }
 
 std::unique_ptr<HubEventHandler> MakeDelegate() {

@@ -8,8 +8,8 @@
 
 #include "Common/CException.h"
 #include "Common/HLLog.h"
+#include "Homeloom/Network/ServerSetting.h"
 #include "Homeloom/Network/ServiceHosts.h"
-#include "Homeloom/Tessel/CServerEnvMgr.h"
 
 namespace VMFramework::HomeLoom {
 
@@ -55,7 +55,7 @@ std::list<std::string> CAVPCameraStreamRequester::_GetHeaderList(const std::stri
 // Staging and development share the staging host here; other services have other tables.
 std::string CAVPCameraStreamRequester::_GetAvpServerUrl() {
     const char* host = ServiceHosts::kAvProduction;
-    switch (CServerEnvMgr::GetInstance().GetIoTCloudServerEnv()) {
+    switch (ServerSetting().GetIoTCloudServerEnv()) {
         case SERVER_ENV_PROD:
             break;
         case SERVER_ENV_ACC:

@@ -1,15 +1,15 @@
 #include "Homeloom/Network/CGeneralRequester.h"
 
 #include "Common/HLLog.h"
+#include "Homeloom/Network/ServerSetting.h"
 #include "Homeloom/Network/ServiceHosts.h"
-#include "Homeloom/Tessel/CServerEnvMgr.h"
 
 namespace VMFramework::HomeLoom {
 
 // Development counts as production here, staging is served by the development host.
 std::string CGeneralRequester::_GetServerUrl() {
     const char* host = ServiceHosts::kApiProduction;
-    switch (CServerEnvMgr::GetInstance().GetIoTCloudServerEnv()) {
+    switch (ServerSetting().GetIoTCloudServerEnv()) {
         case SERVER_ENV_PROD:
             break;
         case SERVER_ENV_ACC:

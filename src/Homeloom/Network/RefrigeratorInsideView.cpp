@@ -14,8 +14,8 @@
 #include "Common/CException.h"
 #include "Common/HLLog.h"
 #include "Homeloom/Network/CurlOption.h"
+#include "Homeloom/Network/ServerSetting.h"
 #include "Homeloom/Network/ServiceHosts.h"
-#include "Homeloom/Tessel/CServerEnvMgr.h"
 
 namespace VMFramework::HomeLoom {
 
@@ -97,7 +97,7 @@ std::vector<std::string> RefrigeratorInsideView::getRequestUrls(const std::strin
 
 // Staging takes its pictures from production here; other services have other tables.
 int RefrigeratorInsideView::getServerType() {
-    switch (CServerEnvMgr::GetInstance().GetIoTCloudServerEnv()) {
+    switch (ServerSetting().GetIoTCloudServerEnv()) {
         case SERVER_ENV_ACC:
             return FILE_SERVER_ACCEPTANCE;
         case SERVER_ENV_DEV:

@@ -1,17 +1,12 @@
+/// Asks the agent's application to change to other server environments.
 #include "Homeloom/Tessel/CServerEnvMgr.h"
 
 #include <array>
-#include <cstdlib>
-#include <exception>
 #include <memory>
-#include <stdexcept>
 #include <type_traits>
 
-#include <VMFramework/JsonValue.h>
 #include <app_control.h>
-#include <vconf.h>
 
-#include "Common/CException.h"
 #include "Common/HLLog.h"
 #include "Homeloom/Tessel/TesselHandler.h"
 
@@ -19,12 +14,9 @@ namespace VMFramework::HomeLoom {
 
 namespace {
 
-constexpr char kServerEnvKey[] = "db/homeloom/server/env";
 constexpr char kAgentAppId[] = "com.norvane.solenne.homeloom-client";
 constexpr char kServerExtra[] = "server";
 
-// By e_server_env_.
-constexpr std::array<const char*, 4> kEnvNames{"PROD", "ACC", "STG", "DEV"};
 // By the agent's own numbers.
 constexpr std::array<const char*, 3> kAgentEnvNames{"STG", "PROD", "ACC"};
 
@@ -39,26 +31,6 @@ struct AppControlDestroyer {
 using AppControl = std::unique_ptr<std::remove_pointer_t<app_control_h>, AppControlDestroyer>;
 
 }  // namespace
-
-e_server_env_ CServerEnvMgr::GetIoTCloudServerEnv() {
-    try {
-        return get_server_env(SERVER_TYPE_IOTCLOUD);
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        HL_LOGE("SERVER_ENV_PROD will be set");
-        return SERVER_ENV_PROD;
-    }
-}
-
-e_server_env_ CServerEnvMgr::GetUImetaServerEnv() {
-    try {
-        return get_server_env(SERVER_TYPE_UIMETA);
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        HL_LOGE("SERVER_ENV_PROD will be set");
-        return SERVER_ENV_PROD;
-    }
-}
 
 bool CServerEnvMgr::SetServerEnv(int iotCloud, int uiMeta) {
     int currentIotCloud = -1;
@@ -81,62 +53,11 @@ void CServerEnvMgr::change_server_env() {
         const std::string name = get_server_env_name(env);
         if (name.empty()) {
             HL_LOGI("iot cloud env is empty. it will be set to PROD");
-            return std::string(kEnvNames[SERVER_ENV_PROD]);
+            return get_server_env_name(SERVER_ENV_PROD);
         }
         return name;
     };
     send_to_server_env_to_hl_client(nameOf(GetIoTCloudServerEnv()) + "@" + nameOf(GetUImetaServerEnv()));
-}
-
-e_server_env_ CServerEnvMgr::get_server_env(e_server_type_ type) {
-    const auto setting = json::JsonValue::Create(get_server_setting());
-    const auto name = setting[get_server_type_name(type)];
-    if (name.isNull()) {
-        throw CException("no server type name", kErrorFailed);
-    }
-    const std::string text = name.asString();
-    const e_server_env_ env = get_server_env(text);
-    HL_LOGI("server_env : %s, env : %d", text.c_str(), static_cast<int>(env));
-    return env;
-}
-
-std::string CServerEnvMgr::get_server_setting() {
-    const std::unique_ptr<char, void (*)(void*)> setting(vconf_get_str(kServerEnvKey), std::free);
-    if (!setting) {
-        throw std::runtime_error("Can't get Server Setting vconf");
-    }
-    return setting.get();
-}
-
-void CServerEnvMgr::set_server_setting(const std::string& setting) {
-    if (vconf_set_str(kServerEnvKey, setting.c_str()) != 0) {
-        HL_LOGE("Can't set Server Setting vconf");
-    }
-}
-
-e_server_env_ CServerEnvMgr::get_server_env(const std::string& name) {
-    for (std::size_t env = 0; env < kEnvNames.size(); ++env) {
-        if (name == kEnvNames[env]) {
-            HL_LOGI("server env is %s", kEnvNames[env]);
-            return static_cast<e_server_env_>(env);
-        }
-    }
-    return SERVER_ENV_PROD;
-}
-
-std::string CServerEnvMgr::get_server_env_name(e_server_env_ env) {
-    const auto index = static_cast<std::size_t>(env);
-    return index < kEnvNames.size() ? kEnvNames[index] : kEnvNames[SERVER_ENV_PROD];
-}
-
-std::string CServerEnvMgr::get_server_type_name(e_server_type_ type) {
-    switch (type) {
-        case SERVER_TYPE_IOTCLOUD:
-            return "IoTCloud";
-        case SERVER_TYPE_UIMETA:
-            return "UiMeta";
-    }
-    throw std::runtime_error("Wrong Server type param");
 }
 
 bool CServerEnvMgr::send_to_server_env_to_hl_client(const std::string& parameter) {
