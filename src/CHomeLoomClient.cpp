@@ -1,3 +1,4 @@
+// Looks a request up in the two tables and queues it on the dispatcher that the table names.
 #include "CHomeLoomClient.h"
 
 #include <utility>

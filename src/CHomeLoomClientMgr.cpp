@@ -1,3 +1,5 @@
+// Makes the session and its two job threads at the first use, and ends them in the order in which they depend on
+// each other.
 #include "CHomeLoomClientMgr.h"
 
 #include <exception>

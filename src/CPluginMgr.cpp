@@ -1,3 +1,4 @@
+// Starts and stops the plug-in, and keeps what a report throws away from whoever reports.
 #include "CPluginMgr.h"
 
 #include <exception>

@@ -1,3 +1,4 @@
+// The two C functions that the host finds in the library.
 #include "plugin_interface.h"
 
 #include "CPluginMgr.h"

@@ -1,3 +1,4 @@
+// Small helpers over texts, JSON members and the TV's settings.
 #include "Common/CHLUtil.h"
 
 #include <app_common.h>

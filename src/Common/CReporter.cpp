@@ -1,4 +1,4 @@
-/// The reports' names, and how a log line, a property list and the sending follow from a report's values.
+// The reports' names, and how a log line, a property list and the sending follow from a report's values.
 #include "Common/CReporter.h"
 
 #include <functional>

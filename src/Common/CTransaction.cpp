@@ -1,3 +1,4 @@
+// Ties an answer to the request that it answers.
 #include "Common/CTransaction.h"
 
 #include <utility>

@@ -1,3 +1,4 @@
+// Formats a log line once and writes it to both sinks, with the place that it comes from.
 #include "Common/HLLog.h"
 
 #include <cstdarg>

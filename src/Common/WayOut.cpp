@@ -1,4 +1,4 @@
-/// Who stands in the plug-in's way out, and what happens to reports while nobody does.
+// Who stands in the plug-in's way out, and what happens to reports while nobody does.
 #include "Common/WayOut.h"
 
 #include <atomic>

@@ -1,3 +1,4 @@
+// Registers with the framework's service handler, takes its callbacks in, and sends results, notifies and lists out.
 #include "Controllers/CServiceController.h"
 
 #include <cstring>

@@ -1,3 +1,4 @@
+// Wraps one endpoint of the framework, and remembers what was set for the log.
 #include "Helpers/CEndpointHelper.h"
 
 #include "Common/CException.h"

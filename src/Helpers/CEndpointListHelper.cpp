@@ -1,3 +1,4 @@
+// Wraps an endpoint list of the framework, which owns the endpoints pushed on it.
 #include "Helpers/CEndpointListHelper.h"
 
 #include <stdexcept>

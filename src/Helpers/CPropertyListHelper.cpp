@@ -1,3 +1,4 @@
+// Wraps a property list of the framework; a value that can't be read counts as empty.
 #include "Helpers/CPropertyListHelper.h"
 
 #include <stdexcept>

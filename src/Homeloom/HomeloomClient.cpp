@@ -1,3 +1,4 @@
+// The session's life: connection, sign-in, disclaimer, registration of callbacks, and the end of it all.
 #include "Homeloom/HomeloomClient.h"
 
 #include <cstring>

@@ -1,3 +1,4 @@
+// Passes a usage event on to the agent and reports whether it took it.
 #include "Homeloom/ActiveUserEvent/ActiveUserEventHandler.h"
 
 #include "Common/CReporter.h"

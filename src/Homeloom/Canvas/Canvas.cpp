@@ -1,3 +1,4 @@
+// Reads state texts, actions and commands of local hub devices out of their stored documents.
 #include "Homeloom/Canvas/Canvas.h"
 
 #include <exception>

@@ -1,3 +1,4 @@
+// Reads the verdict of a platform response.
 #include "Homeloom/Common/AgentResponse.h"
 
 #include <exception>

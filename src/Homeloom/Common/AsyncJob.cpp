@@ -1,3 +1,4 @@
+// Names the type of a reply for the log of a call that waits for it.
 #include "Homeloom/Common/AsyncJob.h"
 
 #include <cxxabi.h>

@@ -1,3 +1,4 @@
+// Gives out the numbers that stand for objects in callbacks, and finds the object again while it lives.
 #include "Homeloom/Common/CallbackTokens.h"
 
 #include <cstdint>

@@ -1,3 +1,4 @@
+// The quit flag that a handler's long loops look at.
 #include "Homeloom/Common/Handler.h"
 
 #include "Common/HLLog.h"

@@ -1,3 +1,4 @@
+// Arms and cancels a one-shot source on the main loop, and waits for a callback that is already on its way.
 #include "Homeloom/Common/MainLoopTimer.h"
 
 #include <algorithm>

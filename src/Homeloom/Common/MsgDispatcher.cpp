@@ -1,3 +1,4 @@
+// Queues of jobs with a thread each, and the one that takes work off the agent's callback thread.
 #include "Homeloom/Common/MsgDispatcher.h"
 
 #include <chrono>

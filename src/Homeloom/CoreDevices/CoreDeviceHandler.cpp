@@ -1,3 +1,4 @@
+// Reads the agent's core device list and answers by device id what the client list doesn't know.
 #include "Homeloom/CoreDevices/CoreDeviceHandler.h"
 
 #include <exception>

@@ -1,3 +1,4 @@
+// A camera's notifications: which kinds it supports, and the conditions under which the agent shows one.
 #include "Homeloom/Devices/CameraDevice.h"
 
 #include <algorithm>

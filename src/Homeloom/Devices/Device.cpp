@@ -1,3 +1,4 @@
+// A device's fields and resource values, what an update changed among them, and its timer.
 #include "Homeloom/Devices/Device.h"
 
 #include <utility>

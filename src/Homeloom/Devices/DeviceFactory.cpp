@@ -1,3 +1,4 @@
+// Chooses the class of a device by its type.
 #include "Homeloom/Devices/DeviceFactory.h"
 
 #include "Homeloom/Devices/CameraDevice.h"

@@ -1,3 +1,4 @@
+// Holds the devices of the signed-in user, and starts and ends the work on them.
 #include "Homeloom/Devices/DeviceHandler.h"
 
 #include <cstdlib>

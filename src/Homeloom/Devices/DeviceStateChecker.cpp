@@ -1,3 +1,4 @@
+// One rule for each device type of what counts as running.
 #include "Homeloom/Devices/DeviceStateChecker.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// A hub among the devices of the home: it can ask the cloud about itself.
 #include "Homeloom/Devices/HubDevice.h"
 
 namespace VMFramework::HomeLoom {

@@ -1,3 +1,4 @@
+// Maps the cloud's type names to types, and writes a value back as the type wants it.
 #include "Homeloom/Devices/Property.h"
 
 #include "Common/HLLog.h"

@@ -1,3 +1,4 @@
+// Finds the pictures of a refrigerator's inside and tells the screens where they are.
 #include "Homeloom/Devices/RefrigeratorDevice.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Merges an update into a resource's values and tells what changed.
 #include "Homeloom/Devices/Resource.h"
 
 #include "Common/DeviceInfoStructs.h"

@@ -1,3 +1,4 @@
+// Requests of outside applications for push notifications, and the agent's late answers to them.
 #include "Homeloom/ExternalService/ExternalServiceHandler.h"
 
 #include <exception>

@@ -1,3 +1,4 @@
+// Requests about a location's favorites, and the favorites as one JSON text.
 #include "Homeloom/Favorite/FavoriteHandler.h"
 
 #include <VMFramework/JsonValue.h>

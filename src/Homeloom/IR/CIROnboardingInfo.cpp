@@ -1,3 +1,4 @@
+// Reads an infrared device's request and writes the body that registers the device, key codes and all.
 #include "Homeloom/IR/CIROnboardingInfo.h"
 
 #include <qsp_ir.h>

@@ -1,3 +1,4 @@
+// Registers an infrared device with the platform.
 #include "Homeloom/IR/IRHandler.h"
 
 #include <VMFramework/JsonValue.h>

@@ -1,3 +1,4 @@
+// Knows which devices the TV's own hub serves, and searches for new ones.
 #include "Homeloom/IoTHub/CHubHandler.h"
 
 #include <set>

@@ -1,3 +1,4 @@
+// Passes the port's connection callbacks on to the proxy.
 #include "Homeloom/IoTHub/HUBEventListener.h"
 
 #include "Common/HLLog.h"

@@ -1,3 +1,4 @@
+// Passes an event of the hub control application on to the proxy.
 #include "Homeloom/IoTHub/HubEventHandler.h"
 
 #include "Common/HLLog.h"

@@ -1,3 +1,4 @@
+// Launches, connects and watches the hub control application, and turns its events into notifications.
 #include "Homeloom/IoTHub/HubIPCProxy.h"
 
 #include <exception>

@@ -1,3 +1,4 @@
+// Turns calls of the hub control port into parcels, and parcels into events.
 #include "Homeloom/IoTHub/IPCProxyBase.h"
 
 #include <dlog.h>

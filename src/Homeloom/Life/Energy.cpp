@@ -1,3 +1,4 @@
+// Adds up a location's energy in two stages: consumption at once, saving modes later.
 #include "Homeloom/Life/Energy.h"
 
 #include <exception>

@@ -1,3 +1,4 @@
+// Reads the saving mode out of a device's status document.
 #include "Homeloom/Life/EnergySavingMode.h"
 
 #include <exception>

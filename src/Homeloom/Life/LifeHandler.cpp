@@ -1,3 +1,4 @@
+// Answers which service applications a location has, with what the platform's catalog says of them.
 #include "Homeloom/Life/LifeHandler.h"
 
 #include <system_info.h>

@@ -1,3 +1,4 @@
+// Reads locations and rooms from the agent, makes endpoints of them, and follows the agent's group changes.
 #include "Homeloom/Location/LocationHandler.h"
 
 #include <algorithm>

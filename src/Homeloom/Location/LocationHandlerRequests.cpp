@@ -1,3 +1,4 @@
+// Requests that change rooms, and the place of devices in them.
 #include <exception>
 
 #include <VMFramework/JsonValue.h>

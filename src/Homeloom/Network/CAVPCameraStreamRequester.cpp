@@ -1,3 +1,4 @@
+// Asks the audio-video service for a stream and reads its address out of the answer.
 #include "Homeloom/Network/CAVPCameraStreamRequester.h"
 
 #include <exception>

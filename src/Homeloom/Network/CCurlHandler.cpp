@@ -1,3 +1,4 @@
+// Sets up a web request option by option, with its time limit and size limit, and carries it out.
 #include "Homeloom/Network/CCurlHandler.h"
 
 #include <cstddef>

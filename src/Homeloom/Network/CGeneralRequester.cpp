@@ -1,3 +1,4 @@
+// Picks the platform's API host by the environment.
 #include "Homeloom/Network/CGeneralRequester.h"
 
 #include "Common/HLLog.h"

@@ -1,3 +1,4 @@
+// Asks the cloud about this TV's hub.
 #include "Homeloom/Network/CHubRequester.h"
 
 #include <exception>

@@ -1,3 +1,4 @@
+// Sends a camera the capability commands that open and close its stream.
 #include "Homeloom/Network/CNoneAVPCameraStreamRequester.h"
 
 #include <cstddef>

@@ -1,3 +1,4 @@
+// Collects the pieces of a web request and hands them to the transport.
 #include "Homeloom/Network/CRestHandler.h"
 
 namespace VMFramework::HomeLoom {

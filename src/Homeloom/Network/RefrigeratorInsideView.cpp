@@ -1,3 +1,4 @@
+// Follows the links to a refrigerator's pictures, one thread for each.
 #include "Homeloom/Network/RefrigeratorInsideView.h"
 
 #include <time.h>

@@ -1,4 +1,4 @@
-/// Reads the platform's server environment from the TV's setting.
+// Reads the platform's server environment from the TV's setting.
 #include "Homeloom/Network/ServerSetting.h"
 
 #include <array>

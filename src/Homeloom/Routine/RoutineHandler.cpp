@@ -1,3 +1,4 @@
+// Carries out a routine's request, makes endpoints of visible routines, and reports their events.
 #include "Homeloom/Routine/RoutineHandler.h"
 
 #include <utility>

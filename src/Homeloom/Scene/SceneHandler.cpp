@@ -1,3 +1,4 @@
+// Carries out scene requests, makes endpoints of scenes, and reports their events.
 #include "Homeloom/Scene/SceneHandler.h"
 
 #include <utility>

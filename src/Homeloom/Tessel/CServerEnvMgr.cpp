@@ -1,4 +1,4 @@
-/// Asks the agent's application to change to other server environments.
+// Asks the agent's application to change to other server environments.
 #include "Homeloom/Tessel/CServerEnvMgr.h"
 
 #include <array>

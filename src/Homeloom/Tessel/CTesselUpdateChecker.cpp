@@ -1,3 +1,4 @@
+// Hears from the service manager when the agent goes away for an update and when it is back.
 #include "Homeloom/Tessel/CTesselUpdateChecker.h"
 
 #include <exception>

@@ -1,3 +1,4 @@
+// Facade: installed applications, the catalog, and usage events.
 #include "Homeloom/Tessel/TesselCall.h"
 
 namespace VMFramework::HomeLoom {

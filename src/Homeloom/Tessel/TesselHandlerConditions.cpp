@@ -1,3 +1,4 @@
+// Facade: the conditions under which the agent launches an application.
 #include "Homeloom/Tessel/TesselCall.h"
 
 namespace VMFramework::HomeLoom {

@@ -1,3 +1,4 @@
+// Facade: core devices, their documents and commands, infrared devices, and the event stream.
 #include "Homeloom/Tessel/TesselCall.h"
 
 namespace VMFramework::HomeLoom {

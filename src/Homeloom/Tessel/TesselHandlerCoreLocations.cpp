@@ -1,3 +1,4 @@
+// Facade: core locations and rooms.
 #include "Homeloom/Tessel/TesselCall.h"
 
 namespace VMFramework::HomeLoom {

@@ -1,3 +1,4 @@
+// Facade: devices, their details, remote resources and subscriptions.
 #include <algorithm>
 
 #include "Homeloom/Tessel/TesselCall.h"

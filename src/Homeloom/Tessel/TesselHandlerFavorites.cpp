@@ -1,3 +1,4 @@
+// Facade: favorites and their migration.
 #include "Homeloom/Tessel/TesselCall.h"
 
 namespace VMFramework::HomeLoom {

@@ -1,3 +1,4 @@
+// Facade: groups, which are the agent's older form of locations and rooms.
 #include "Homeloom/Tessel/TesselCall.h"
 
 namespace VMFramework::HomeLoom {

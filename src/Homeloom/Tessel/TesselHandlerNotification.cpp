@@ -1,3 +1,4 @@
+// Facade: push notification of outside applications.
 #include "Homeloom/Tessel/TesselCall.h"
 
 namespace VMFramework::HomeLoom {

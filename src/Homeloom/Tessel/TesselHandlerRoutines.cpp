@@ -1,3 +1,4 @@
+// Facade: routines, which the agent calls rules.
 #include "Homeloom/Tessel/TesselCall.h"
 
 namespace VMFramework::HomeLoom {

@@ -1,3 +1,4 @@
+// Facade: scenes.
 #include "Homeloom/Tessel/TesselCall.h"
 
 namespace VMFramework::HomeLoom {

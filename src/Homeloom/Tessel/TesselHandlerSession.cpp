@@ -1,3 +1,4 @@
+// Facade: the agent's connection, sign-in, account and server environment.
 #include <VMFramework/JsonValue.h>
 #include <vconf.h>
 

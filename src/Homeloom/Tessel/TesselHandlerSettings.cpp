@@ -1,3 +1,4 @@
+// Facade: the Wi-Fi locker setting and the key-value store.
 #include "Homeloom/Tessel/TesselCall.h"
 
 namespace VMFramework::HomeLoom {

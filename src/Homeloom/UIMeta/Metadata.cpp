@@ -1,3 +1,4 @@
+// Metadata: the records by device model, and the questions that need no device's values.
 #include "Homeloom/UIMeta/Metadata.h"
 
 #include <algorithm>

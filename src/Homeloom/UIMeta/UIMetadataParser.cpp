@@ -1,3 +1,4 @@
+// Reads each list of a UI metadata document into a record.
 #include "Homeloom/UIMeta/UIMetadataParser.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Reads and writes text files under the application's data folder.
 #include "Homeloom/Utils/CFileUtil.h"
 
 #include <app_data_folder.h>

@@ -1,3 +1,4 @@
+// Writes collected values as text or JSON.
 #include "Homeloom/Utils/DataDumpHelper.h"
 
 #include <dlfcn.h>

@@ -1,3 +1,4 @@
+// Asks and sets the Wi-Fi locker setting, and reports when the agent has answered.
 #include "Homeloom/WifiLocker/WifiLockerHandler.h"
 
 #include <exception>
