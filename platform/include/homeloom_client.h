@@ -24,6 +24,8 @@
 
 #include <stdbool.h>
 
+#include "open_enum.h"
+
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -35,7 +37,7 @@ typedef struct homeloom_client_group_s* homeloom_client_group_h;
 typedef struct homeloom_client_app_launch_condition_s* homeloom_client_app_launch_condition_h;
 
 /* The agent's codes from 0xBFFFFFF6 on are told as 32-bit words and arrive as negative ints. */
-typedef enum {
+typedef enum OPEN_ENUM {
     HOMELOOM_CLIENT_ERROR_NONE = 0,
     HOMELOOM_CLIENT_ERROR_IO = -5,
     HOMELOOM_CLIENT_ERROR_PERMISSION_DENIED = -13,
@@ -49,7 +51,7 @@ typedef enum {
 
 /* ---- Session ---- */
 
-typedef enum {
+typedef enum OPEN_ENUM {
     HOMELOOM_CLIENT_CONNECTION_STATE_CONNECTED = 0,
     HOMELOOM_CLIENT_CONNECTION_STATE_DISCONNECTED = 1, /* result UPDATING: the agent is being updated */
     HOMELOOM_CLIENT_CONNECTION_STATE_REJECTED = 2,

@@ -11,6 +11,7 @@
 #include <stdbool.h>
 
 #include "homeloom_client.h"
+#include "open_enum.h"
 
 #ifdef __cplusplus
 extern "C" {
@@ -113,7 +114,7 @@ int homeloom_core_stop_hub_device_discover(homeloom_client_h client, const char*
 
 /* ---- Server-sent events ---- */
 
-typedef enum {
+typedef enum OPEN_ENUM {
     HOMELOOM_CORE_SSE_DEVICE_EVENT = 1,
     HOMELOOM_CORE_SSE_DEVICE_LIFECYCLE = 2,
     HOMELOOM_CORE_SSE_DEVICE_HEALTH = 4,

@@ -4,11 +4,13 @@
 #ifndef HOMELOOM_PLATFORM_NORVANE_SVCMGR_H
 #define HOMELOOM_PLATFORM_NORVANE_SVCMGR_H
 
+#include "open_enum.h"
+
 #ifdef __cplusplus
 extern "C" {
 #endif
 
-typedef enum {
+typedef enum OPEN_ENUM {
     NORVANE_SVCMGR_UPDATE_STATUS_NONE = 0,
     NORVANE_SVCMGR_UPDATE_STATUS_DOWNLOADED = 1,
     NORVANE_SVCMGR_UPDATE_STATUS_STARTED = 2, /* the agent is about to go away */

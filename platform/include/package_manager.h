@@ -7,20 +7,22 @@
 #ifndef HOMELOOM_PLATFORM_PACKAGE_MANAGER_H
 #define HOMELOOM_PLATFORM_PACKAGE_MANAGER_H
 
+#include "open_enum.h"
+
 #ifdef __cplusplus
 extern "C" {
 #endif
 
 typedef struct package_manager_s* package_manager_h;
 
-typedef enum {
+typedef enum OPEN_ENUM {
     PACKAGE_MANAGER_EVENT_TYPE_INSTALL = 0,
     PACKAGE_MANAGER_EVENT_TYPE_UNINSTALL = 1,
     PACKAGE_MANAGER_EVENT_TYPE_UPDATE = 2
 } package_manager_event_type_e;
 
 /* An event comes as started, then as processing any number of times, then as completed or failed. */
-typedef enum {
+typedef enum OPEN_ENUM {
     PACKAGE_MANAGER_EVENT_STATE_STARTED = 0,
     PACKAGE_MANAGER_EVENT_STATE_PROCESSING = 1,
     PACKAGE_MANAGER_EVENT_STATE_COMPLETED = 2,

@@ -79,6 +79,14 @@ void Agent::changeConnection(Connection state) {
     }
 }
 
+void Agent::announceConnection(int state) {
+    const Locked world;
+    for (const auto& [handle, client] : world->clients) {
+        world->postConnection(
+            client, {HOMELOOM_CLIENT_ERROR_NONE, static_cast<homeloom_client_connection_state_e>(state), client.state});
+    }
+}
+
 void Agent::setState(int state) {
     Locked()->state = state;
 }

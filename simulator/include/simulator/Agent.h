@@ -44,6 +44,8 @@ public:
     void setConnectOutcome(Connection outcome);
     /// The connections that stand change now: every client is told.
     void changeConnection(Connection state);
+    /// Tells every client of a connection state by its number, which may be one that has no name. Nothing else changes.
+    void announceConnection(int state);
     /// The agent's own state number. 1 at start; 2 means that it waits for its connection to the cloud.
     void setState(int state);
 

@@ -101,7 +101,14 @@ void awaitConnection(Desk& desk) {
 void connection(Desk& desk, const Words& words) {
     const auto found = words.size() == 1 ? connectionNames().find(words[0]) : connectionNames().end();
     if (found == connectionNames().end()) {
-        throw UsageError();
+        const auto number = words.size() == 1 ? parseInt(words[0]) : std::nullopt;
+        if (!number) {
+            throw UsageError();
+        }
+        desk.pump();
+        agent().announceConnection(*number);
+        desk.settleOrSay();
+        return;
     }
     desk.pump();
     agent().setConnectOutcome(found->second);
@@ -190,9 +197,10 @@ std::vector<Command> simSessionCommands() {
          signIn,
          {}},
         {"sim agent",
-         "connected|disconnected|rejected|io-error|updating",
-         "changes the agent's connection; new ones turn out the same until it is connected again",
-         {"sim agent io-error", "sim agent connected"},
+         "connected|disconnected|rejected|io-error|updating|NUMBER",
+         "changes the agent's connection; new ones turn out the same until it is connected again. A number only tells "
+         "the plug-in of that state",
+         {"sim agent io-error", "sim agent connected", "sim agent 7"},
          connection,
          {keysOf(connectionNames())}},
         {"sim state",
