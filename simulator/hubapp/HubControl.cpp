@@ -224,6 +224,12 @@ void HubControl::releaseAnswers() {
     }
 }
 
+bool HubControl::owes() const {
+    return !_steps.empty() || std::any_of(_heldAnswers.begin(), _heldAnswers.end(), [this](const auto& held) {
+        return std::count(_clients.begin(), _clients.end(), held.first) > 0;
+    });
+}
+
 // ---- Events ----
 
 bool HubControl::tell(const Request& request, int event, const std::string& data) {

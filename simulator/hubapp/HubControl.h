@@ -45,6 +45,8 @@ public:
     void releaseAnswers();
     void sendBytes(const std::string& bytes, rpc_port_port_type_e port);
 
+    /// Whether an answer is held back, or steps are still to come.
+    bool owes() const;
     int connections() const { return _server.connections(); }
     struct Request {
         Method method;

@@ -55,6 +55,7 @@ JsonValue status(const HubControl& hub) {
     JsonValue document = JsonValue::CreateObject();
     document.set("requests", static_cast<int>(hub.requestCount()));
     document.set("connections", hub.connections());
+    document.set("owes", hub.owes());
     return document;
 }
 

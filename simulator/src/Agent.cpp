@@ -406,6 +406,13 @@ Agent::Holdings Agent::holdings() const {
     return holdings;
 }
 
+bool Agent::isOwing() const {
+    const auto& functions = allFunctions();
+    return !World::instance().thread.isEmpty() || holdings().pendingCalls > 0 ||
+           std::any_of(functions.begin(), functions.end(),
+                       [](const auto& entry) { return entry.second.heldCallers() > 0; });
+}
+
 // ---- Time ----
 
 void Agent::waitIdle() {

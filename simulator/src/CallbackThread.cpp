@@ -59,6 +59,11 @@ bool CallbackThread::waitIdle(std::optional<std::chrono::milliseconds> limit) {
     return true;
 }
 
+bool CallbackThread::isEmpty() const {
+    const std::lock_guard<std::mutex> lock(_mutex);
+    return !_isRunning && _entries.empty();
+}
+
 bool CallbackThread::isCurrent() const {
     const std::lock_guard<std::mutex> lock(_mutex);
     return _thread.get_id() == std::this_thread::get_id();

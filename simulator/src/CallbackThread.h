@@ -29,6 +29,8 @@ public:
     void hurry();
     /// Waits until no job is running or due. False when that wasn't reached within the limit.
     bool waitIdle(std::optional<std::chrono::milliseconds> limit = std::nullopt);
+    /// Whether no job is running or posted, not even for later.
+    bool isEmpty() const;
     /// Whether the caller runs on this thread.
     bool isCurrent() const;
 

@@ -49,6 +49,8 @@ public:
     void mark(Trait trait) { _traits.fetch_or(trait, std::memory_order_relaxed); }
 
     int callCount() const { return _calls; }
+    /// Callers that a fault keeps waiting.
+    int heldCallers() const { return _heldCallers; }
     Agent::Calls calls() const;
     void resetCalls();
 
@@ -57,6 +59,7 @@ private:
 
     const std::string _name;
     std::atomic<int> _calls{0};
+    std::atomic<int> _heldCallers{0};
     std::atomic<unsigned> _traits{0};
     std::atomic<bool> _isFaulty{false};
     mutable std::mutex _mutex;

@@ -274,6 +274,16 @@ bool HubApp::waitForConnections(int count) const {
     return waitUntil([&] { return connections() == count; });
 }
 
+bool HubApp::isOwing() const {
+    const std::lock_guard<std::mutex> lock(shared().mutex);
+    HubProgram& program = shared().program;
+    try {
+        return program.isRunning() && (program.isPaused() || program.ask(command("status"))["owes"].asBool());
+    } catch (const std::runtime_error&) {
+        return false;  // it has just ended
+    }
+}
+
 void HubApp::waitIdle() const {
     ask(command("idle"));
 }

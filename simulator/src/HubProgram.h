@@ -21,6 +21,7 @@ public:
     /// Whether it runs; takes note of its end if it came to one by itself.
     bool isRunning();
     pid_t processId() const { return _process; }
+    bool isPaused() const { return _isPaused; }
     /// One command and its answer. Throws std::runtime_error with the program's error, or if it doesn't answer.
     JsonValue ask(const JsonValue& command);
     /// Ends it by closing the line; throws std::runtime_error if it failed in the end.

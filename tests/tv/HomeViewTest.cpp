@@ -2,6 +2,7 @@
 
 #include "HomeView.h"
 #include "JsonOutput.h"
+#include "Settled.h"
 
 using namespace homeloom::tv;
 
@@ -60,10 +61,22 @@ TEST(HomeView, SortsAListAndFollowsStates) {
     EXPECT_TRUE(home.devices().empty());
 }
 
+TEST(SettledStep, PutsTheDevicesOfAnEnergyServiceInOrder) {
+    const auto settled = [](const std::string& devices) {
+        SettledStep step;
+        step.add(
+            notify("hl_energy_info_updated", {{"result", true}, {"info", R"({"energyInfoJson":)" + devices + "}"}}));
+        return step.take(HomeView());
+    };
+    EXPECT_EQ(settled(R"([{"device_id":"b"},{"device_id":"a"}])"), settled(R"([{"device_id":"a"},{"device_id":"b"}])"));
+    EXPECT_NE(settled(R"([{"device_id":"b"}])"), settled(R"([{"device_id":"a"}])"));
+}
+
 TEST(JsonLine, KeepsOrderTypesAndRepeatedKeys) {
-    const Report report = notify("hl_x", {{"b", true}, {"a", 7}, {"t", "7 \"°\""}, {"a", "again"}});
+    // What is no UTF-8 would be no JSON.
+    const Report report = notify("hl_x", {{"b", true}, {"a", 7}, {"t", "7 \"°\" \xff\xc3"}, {"a", "again"}});
     EXPECT_EQ(jsonLine(report),
-              R"({"call":"notify","name":"hl_x","properties":{"b":true,"a":7,"t":"7 \"°\"","a":"again"}})");
+              R"({"call":"notify","name":"hl_x","properties":{"b":true,"a":7,"t":"7 \"°\" ��","a":"again"}})");
     EXPECT_THAT(jsonLine(list()), ::testing::StartsWith(R"({"call":"device_list","endpoints":[{"interface_type":)"
                                                         R"("homeloom-scene","device_id":"s1","extra_data":)"));
 }

@@ -236,7 +236,11 @@ TEST(Program, TellsWhyACommandFails) {
     EXPECT_EQ(result.status, 1);
     const Finished held = runSteps({{"sim delay set_remote_attributes 31s", _},
                                     {"do washer", "failed: no answer came within 100 ms"},
-                                    {"sim hurry", HasSubstr("Washer: Washing")}},
+                                    {"sim hurry", HasSubstr("Washer: Washing")},
+                                    {"sim hub answers held", _},
+                                    {"request hl_get_hub_info", "failed: no answer came within 100 ms"},
+                                    {"sim hub release", HasSubstr("hl_get_hub_info")},
+                                    {"request --raw hl_get_property", HasSubstr("nothing is under way")}},
                                    {"--limit", "100ms"});
     EXPECT_EQ(held.status, 1);
 }

@@ -17,7 +17,7 @@ namespace {
 using VMFramework::json::JsonValue;
 
 std::string quoted(const std::string& text) {
-    return JsonValue(text).toString();
+    return JsonValue(validUtf8(text)).toString();
 }
 
 std::string valueJson(const Value& value) {
@@ -168,7 +168,7 @@ std::string jsonLine(const HomeView& home) {
 std::string jsonLine(const std::string& command, bool succeeded, const std::vector<std::string>& output) {
     JsonValue lines = JsonValue::CreateArray();
     for (const std::string& line : output) {
-        lines.append(line);
+        lines.append(validUtf8(line));
     }
     return "{\"command\":" + quoted(command) + ",\"succeeded\":" + (succeeded ? "true" : "false") +
            ",\"output\":" + lines.toString() + "}";

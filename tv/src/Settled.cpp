@@ -2,16 +2,55 @@
 
 #include <utility>
 
+#include <VMFramework/JsonValue.h>
+
 #include "HomeView.h"
 #include "JsonOutput.h"
 
 namespace homeloom::tv {
 
+namespace {
+
+using VMFramework::json::JsonValue;
+
+// The devices of an energy service come in any order, inside the text of a property.
+constexpr char kEnergyDevices[] = "energyInfoJson";
+
+Value ordered(const Value& value) {
+    const auto* const text = std::get_if<std::string>(&value);
+    if (text == nullptr || text->find(kEnergyDevices) == std::string::npos) {
+        return value;
+    }
+    JsonValue document = JsonValue::Create(*text);
+    const JsonValue devices = document[kEnergyDevices];
+    std::multimap<std::string, JsonValue> sorted;
+    for (std::size_t i = 0; i < devices.size(); ++i) {
+        sorted.emplace(devices[i].toString(), devices[i]);
+    }
+    JsonValue array = JsonValue::CreateArray();
+    for (const auto& [key, device] : sorted) {
+        array.append(device);
+    }
+    document.set(kEnergyDevices, array);
+    return document.toString();
+}
+
+Report ordered(Report report) {
+    Fields properties;
+    for (const auto& [key, value] : report.properties) {
+        properties.add(key, ordered(value));
+    }
+    report.properties = properties;
+    return report;
+}
+
+}  // namespace
+
 void SettledStep::add(const Report& report) {
     const bool isState = report.kind == Report::Kind::Notify && report.name == "hl_device_state_updated";
     const bool replaces = isState || report.kind == Report::Kind::DeviceList;
     const Key key(report.kind, report.name, report.properties.text("device_id"), replaces ? 0 : _reports.size());
-    _reports[key] = jsonLine(report);
+    _reports[key] = jsonLine(ordered(report));
     _hasList = _hasList || report.kind == Report::Kind::DeviceList;
 }
 

@@ -1,5 +1,6 @@
 #include "Text.h"
 
+#include <glib.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 #include <wchar.h>
@@ -8,6 +9,7 @@
 #include <charconv>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 
 #include <fmt/color.h>
 #include <fmt/format.h>
@@ -64,6 +66,12 @@ std::string Style::paint(Tone tone, const std::string& text) const {
         return text;
     }
     return fmt::format(styleOf(tone), "{}", text);
+}
+
+std::string validUtf8(const std::string& text) {
+    const std::unique_ptr<char, decltype(&g_free)> valid(
+        g_utf8_make_valid(text.data(), static_cast<gssize>(text.size())), g_free);
+    return valid.get();
 }
 
 int displayWidth(const std::string& text) {

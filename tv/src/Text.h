@@ -29,6 +29,9 @@ private:
     int _width = 0;
 };
 
+/// The text with U+FFFD in place of all that is no UTF-8.
+std::string validUtf8(const std::string& text);
+
 /// Columns that a text takes on a terminal.
 int displayWidth(const std::string& text);
 /// The text, cut so that it takes no more columns than that.

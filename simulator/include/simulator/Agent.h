@@ -167,6 +167,9 @@ public:
         int total() const { return clients + records + registrations + subscriptions + pendingCalls; }
     };
     Holdings holdings() const;
+    /// Whether something of the agent is still to come: an answer, what a device does later, a call that a fault holds
+    /// up.
+    bool isOwing() const;
 
     // ---- Time ----
 

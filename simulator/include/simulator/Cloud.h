@@ -49,7 +49,7 @@ public:
     std::multimap<std::string, CloudFault> faults() const;
     /// What comes late comes now.
     void hurry();
-    /// Requests whose answer is still kept back.
+    /// Requests whose answer is still kept back, or doesn't end.
     int pendingRequests() const;
 
     static const std::vector<std::string>& endpointNames();

@@ -98,6 +98,9 @@ public:
     /// Connections that stand.
     int connections() const;
     bool waitForConnections(int count) const;
+    /// Whether something of the program is still to come: an answer that it holds back, a step of an onboarding,
+    /// whatever it would say if it weren't paused.
+    bool isOwing() const;
     /// Waits until the program has taken all that was sent to it, and has answered. Steps that are still to come don't
     /// count.
     void waitIdle() const;

@@ -322,13 +322,22 @@ void Cloud::Server::misbehave(const CloudFault& fault, const httplib::Request& r
 }
 
 void Cloud::Server::trickle(httplib::Response& response) {
-    response.set_content_provider("application/json", [this](std::size_t, httplib::DataSink& sink) {
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        ++pending;
+    }
+    const auto ended = [this](bool) {
+        const std::lock_guard<std::mutex> lock(mutex);
+        --pending;
+    };
+    const auto provide = [this](std::size_t, httplib::DataSink& sink) {
         if (isStopped() || !sink.write("[[[[", 4)) {
             return false;
         }
         std::this_thread::sleep_for(kTrickle);
         return true;
-    });
+    };
+    response.set_content_provider("application/json", provide, ended);
 }
 
 Cloud::Cloud() : _server(std::make_unique<Server>()) {}
