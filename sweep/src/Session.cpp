@@ -1,0 +1,129 @@
+#include "Session.h"
+
+#include <algorithm>
+
+#include <desktop/Guard.h>
+#include <fmt/format.h>
+#include <simulator/Agent.h>
+
+#include "Census.h"
+#include "Command.h"
+#include "CommandError.h"
+#include "Desk.h"
+#include "HomeDifference.h"
+#include "JsonOutput.h"
+#include "RequestLog.h"
+
+namespace homeloom::sweep {
+
+namespace {
+
+// After this, whatever a fault has kept waiting has come or is given up, retries included.
+constexpr std::chrono::seconds kHealTime{120};
+// A quarter of a minute above the longest that anything under way may take.
+constexpr std::chrono::seconds kUnloadLimit{30};
+
+void addAll(std::vector<Problem>& problems, Judge judge, const std::vector<std::string>& texts) {
+    for (const std::string& text : texts) {
+        problems.push_back({judge, text});
+    }
+}
+
+class Session {
+public:
+    Session(const StageOptions& options, const Script& script, const std::vector<Place>& faults, bool isUndisturbed)
+        : _stage(options), _script(script), _faults(faults), _isUndisturbed(isUndisturbed) {}
+
+    Verdict run() {
+        {
+            // Faults may hit from the first call on.
+            const CallCounter calls;
+            const RequestLog requests;
+            for (const Place& fault : _faults) {
+                arm(fault);
+            }
+            const auto play = [&](tv::Desk& desk) { playScript(desk, calls, requests); };
+            judgeUnloading([&] { return _stage.perform(play); });
+        }
+        const int threads = threadCount();
+        judgeUnloading([&] {
+            return _stage.perform([&](tv::Desk& desk) {
+                settleStart(desk);
+                _verdict.home = tv::jsonLine(desk.home());
+            });
+        });
+        if (threadCount() > threads) {
+            add(Judge::Leftovers, fmt::format("{} more threads after another unloading", threadCount() - threads));
+        }
+        addAll(_verdict.problems, Judge::Exception, desktop::pluginExceptions());
+        addAll(_verdict.problems, Judge::Exception, simulator::Agent::instance().escapedExceptions());
+        addAll(_verdict.problems, Judge::Healing, differences(_afterScan, _verdict.home));
+        addAll(_verdict.problems, Judge::Recovery, differences(_afterSignIn, _verdict.home));
+        return _verdict;
+    }
+
+private:
+    void add(Judge judge, const std::string& text) { _verdict.problems.push_back({judge, text}); }
+
+    // Exceptions are told once, at the end.
+    template <typename Perform>
+    void judgeUnloading(const Perform& perform) {
+        for (const std::string& thing : perform()) {
+            if (thing.find("exception") == std::string::npos) {
+                add(Judge::Leftovers, thing);
+            }
+        }
+    }
+
+    void playScript(tv::Desk& desk, const CallCounter& calls, const RequestLog& requests) {
+        settleStart(desk);
+        for (const std::string& line : _script) {
+            runLine(desk, line);
+        }
+        _verdict.census = calls.census();
+        _verdict.calls = calls.count();
+        _verdict.requests = requests.count();
+        disarmAll();
+        passTime(desk);
+        runLine(desk, "scan");
+        const std::vector<Problem> answers = requests.judge();
+        _verdict.problems.insert(_verdict.problems.end(), answers.begin(), answers.end());
+        _afterScan = tv::jsonLine(desk.home());
+        runLine(desk, "sim sign-out");
+        runLine(desk, "sim sign-in");
+        passTime(desk);
+        runLine(desk, "scan");
+        _afterSignIn = tv::jsonLine(desk.home());
+    }
+
+    static void passTime(tv::Desk& desk) { desk.settle(kHealTime); }
+
+    // That a command fails where something goes wrong is as it should be.
+    void runLine(tv::Desk& desk, const std::string& line) {
+        try {
+            tv::runCommand(desk, line);
+        } catch (const tv::CommandError& e) {
+            if (_isUndisturbed) {
+                add(Judge::Commands, fmt::format("\"{}\": {}", line, e.what()));
+            }
+        }
+    }
+
+    Stage _stage;
+    const Script& _script;
+    const std::vector<Place>& _faults;
+    const bool _isUndisturbed;
+    Verdict _verdict;
+    // The settled home as it has healed.
+    std::string _afterScan;
+    std::string _afterSignIn;
+};
+
+}  // namespace
+
+Verdict runSession(const StageOptions& options, const Script& script, const std::vector<Place>& faults,
+                   bool commandsMayFail) {
+    return Session(options, script, faults, faults.empty() && !commandsMayFail).run();
+}
+
+}  // namespace homeloom::sweep
