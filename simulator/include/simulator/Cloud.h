@@ -3,6 +3,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -38,6 +39,10 @@ public:
     std::string caFile() const;
     /// From the next connection on, certificates come from an authority that nobody knows.
     void setForeignCertificates(bool isForeign);
+
+    /// The file that the address of a picture leads to, as the endpoint `files` gives it in good health; nothing when
+    /// the signature isn't the cloud's. Also while the cloud doesn't run.
+    static std::optional<std::string> file(const std::string& path, const std::string& signature);
 
     // ---- Faults ----
 

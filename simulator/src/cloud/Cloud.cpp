@@ -355,6 +355,14 @@ void Cloud::stop() {
     _server->stop();
 }
 
+std::optional<std::string> Cloud::file(const std::string& path, const std::string& signature) {
+    WebRequest request;
+    request.path = path;
+    request.parameters.emplace("signature", signature);
+    const WebAnswer answer = Endpoints::answer("files", request);
+    return answer.status == 200 ? std::optional(answer.body) : std::nullopt;
+}
+
 int Cloud::port() const {
     const std::lock_guard<std::mutex> lock(_server->mutex);
     return _server->port;

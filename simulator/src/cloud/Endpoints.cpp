@@ -1,6 +1,7 @@
 #include "Endpoints.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <mutex>
 
@@ -93,6 +94,35 @@ WebAnswer linkFile(World& world, const WebRequest& request) {
     return answer;
 }
 
+std::string escaped(const std::string& text) {
+    std::string safe;
+    for (const char c : text) {
+        safe += c == '<' ? "&lt;" : c == '&' ? "&amp;" : std::string(1, c);
+    }
+    return safe;
+}
+
+/// What a camera inside a refrigerator might see: two boards with jars, other ones for each file, and its name.
+std::string picture(const std::string& file) {
+    static const std::array<const char*, 6> colors{"#c8553d", "#f2b134", "#6a994e", "#4f86c6", "#9d6fb0", "#e9e3d5"};
+    std::string svg = R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 400 300">)"
+                      R"(<rect width="400" height="300" fill="#dfe8ee"/>)"
+                      R"(<path d="M0 130h400v8H0zM0 262h400v8H0z" fill="#9fb3c1"/>)";
+    std::size_t seed = 7;
+    for (const char c : file) {
+        seed = seed * 31 + static_cast<unsigned char>(c);
+    }
+    for (int i = 0; i < 12; ++i) {
+        seed = seed * 1103515245 + 12345;
+        const std::size_t height = 40 + (seed >> 16) % 60;
+        const std::string x = std::to_string(14 + i % 6 * 64);
+        const std::string y = std::to_string((i < 6 ? 130 : 262) - height);
+        svg += "<rect x=\"" + x + "\" y=\"" + y + "\" width=\"48\" height=\"" + std::to_string(height) +
+               R"(" rx="8" fill=")" + colors[(seed >> 24) % colors.size()] + "\"/>";
+    }
+    return svg + R"(<text x="14" y="292" font-size="20" fill="#33424d">)" + escaped(file) + "</text></svg>";
+}
+
 WebAnswer showFile(World& world, const WebRequest& request) {
     const std::string rest = request.path.substr(filesPath.size());
     const std::string id = rest.substr(0, rest.find('/'));
@@ -104,8 +134,7 @@ WebAnswer showFile(World& world, const WebRequest& request) {
     }
     WebAnswer answer;
     answer.contentType = "image/svg+xml";
-    answer.body = R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 400 300"><text x="20" y="160">)" + file +
-                  "</text></svg>";
+    answer.body = picture(file);
     return answer;
 }
 

@@ -15,6 +15,8 @@
 #include <fmt/format.h>
 #include <httplib.h>
 
+#include "simulator/Cloud.h"
+
 #include "Inbox.h"
 #include "JsonOutput.h"
 #include "door/CommandBody.h"
@@ -113,6 +115,8 @@ Door::Impl::Impl(const Options& options, Inbox& inbox, Output& console)
     setUpRoutes();
     if (!options.web.empty()) {
         _server.set_mount_point("/", options.web.string());
+        // Icons stay where their package has put them; without it the page does without.
+        _server.set_mount_point("/fonts", HOMELOOM_ICON_FONT_DIR);
     }
 }
 
@@ -204,6 +208,14 @@ void Door::Impl::setUpRoutes() {
             throw Refusal(404, fmt::format("there is no device \"{}\"", id));
         }
         response.set_content(*device, kJson);
+    });
+    // The page can't reach the cloud by its name, so it gets the files that the cloud has signed from here.
+    _server.Get("/v1/cloud(/udo/files/.+)", [](const Request& request, Response& response) {
+        const auto file = simulator::Cloud::instance().file(request.matches[1], request.get_param_value("signature"));
+        if (!file) {
+            throw Refusal(403, "the address isn't signed");
+        }
+        response.set_content(*file, "image/svg+xml");
     });
     _server.Get("/v1/events", [this](const Request& request, Response& response) { sendEvents(request, response); });
     _server.Post("/v1/commands", [this](const Request& request, Response& response) {
