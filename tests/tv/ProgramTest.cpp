@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <regex>
 #include <sstream>
 
 #include <VMFramework/JsonValue.h>
@@ -39,6 +40,12 @@ public:
 private:
     std::unique_ptr<char, decltype(&g_free)> _path;
 };
+
+std::string read(const std::string& file) {
+    std::ostringstream text;
+    text << std::ifstream(file).rdbuf();
+    return text.str();
+}
 
 std::string quoted(const std::string& text) {
     const std::unique_ptr<char, decltype(&g_free)> result(g_shell_quote(text.c_str()), g_free);
@@ -337,6 +344,43 @@ TEST(Program, SendsEveryRequestByItsName) {
     }
     EXPECT_THAT(result.output, Not(HasSubstr("bad_function_call"))) << "a name that the plug-in doesn't know";
     EXPECT_THAT(result.output, Not(HasSubstr("left behind")));
+}
+
+TEST(Program, ReplaysWhatItRecorded) {
+    const Folder folder;
+    const std::string home = folder.write("home.json", "");
+    const std::string tape = folder.write("session.tape", "");
+    const auto isReplayed = [&tape](std::vector<std::string> options) {
+        options.insert(options.begin(), {"--replay", tape});
+        return run(options);
+    };
+    runCommands({"sim add room parents Attic", "sim save " + home}, {"--hub", "off"});
+    ASSERT_EQ(runCommands({"do washer", "device nothing", "stats", "sim sign-out"},
+                          {"--home", home, "--hub", "off", "--record", tape})
+                  .status,
+              1)
+        << "a command failed";
+    EXPECT_EQ(isReplayed({}).output, "") << "the tape brings home and options with it";
+    EXPECT_EQ(isReplayed({}).status, 0);
+
+    std::string text = read(tape);
+    EXPECT_THAT(text, HasSubstr(R"({"at":"devices/washer/state_text","is":"Washing · 42 min left"})"));
+    EXPECT_THAT(text, HasSubstr(R"({"at":"devices/washer","gone":true})"));
+    EXPECT_THAT(text, Not(HasSubstr(" kB"))) << "memory differs from run to run";
+    folder.write("session.tape", std::regex_replace(text, std::regex("is\":\"Washing"), "is\":\"Dancing"));
+    const Finished differing = isReplayed({});
+    EXPECT_EQ(differing.status, 1);
+    EXPECT_THAT(differing.output, HasSubstr("do washer: devices/washer/state_text, is\n"
+                                            "    before: \"Dancing · 42 min left\"\n"
+                                            "    now:    \"Washing · 42 min left\"\n"));
+    EXPECT_EQ(isReplayed({"--update"}).status, 0);
+    EXPECT_EQ(read(tape), text);
+
+    folder.write("session.tape", R"({"tape":1,"home":"castle","hub":"on","limit_ms":5000,"settings":{}})");
+    EXPECT_THAT(isReplayed({}).output, HasSubstr("the tape's head tells no home"));
+    folder.write("session.tape", "{\"tape\":1}\n[]");
+    EXPECT_THAT(isReplayed({}).output, HasSubstr("session.tape: line 2 is no JSON object"));
+    EXPECT_EQ(isReplayed({}).status, 2);
 }
 
 TEST(Program, BeginsWithAMadeUpHome) {

@@ -86,6 +86,18 @@ std::variant<Arguments, int> parseArguments(int argc, char** argv) {
         ->type_name("TEXT")
         ->envname("HOMELOOM_TOKEN")
         ->check(CLI::Validator(checkToken, ""));
+    auto* const record = app.add_option("--record", arguments.record, "Write the session to a file that --replay takes")
+                             ->type_name("FILE");
+    app.add_flag("--brief", arguments.brief, "With --record: leave out the home with which the session begins")
+        ->needs(record);
+    auto* const replay = app.add_option("--replay", arguments.replay,
+                                        "Run a recorded session again, show what differs, and fail if anything does")
+                             ->type_name("FILE");
+    for (const char* other : {"--home", "--generate", "--script", "--exec", "--json", "--settings", "--record", "--hub",
+                              "--disclaimer", "--limit"}) {
+        replay->excludes(app.get_option(other));
+    }
+    app.add_flag("--update", arguments.update, "With --replay: write what came out to the file")->needs(replay);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {

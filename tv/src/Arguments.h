@@ -36,6 +36,10 @@ struct Arguments {
     std::chrono::milliseconds limit{5000};
     std::optional<DoorAddress> serve;  // none: no door
     std::string token;                 // empty: none
+    std::string record;                // file; empty: nothing is recorded
+    std::string replay;                // file; empty: nothing is replayed
+    bool update = false;               // a replay writes the new truth
+    bool brief = false;                // a recording leaves out the home with which it begins
 };
 
 /// The command line's arguments; or the exit status with which it is all done, its text having been printed.

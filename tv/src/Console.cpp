@@ -74,8 +74,8 @@ Console::Console(const Arguments& arguments, Desk& desk, Inbox& inbox, Door* doo
     : _arguments(arguments), _desk(desk), _inbox(inbox), _door(door), _title(std::move(title)) {}
 
 bool Console::isInteractive(const Arguments& arguments) {
-    return arguments.script.empty() && arguments.commands.empty() && isatty(STDIN_FILENO) != 0 &&
-           isatty(STDOUT_FILENO) != 0 && !arguments.json;
+    return arguments.script.empty() && arguments.commands.empty() && arguments.replay.empty() &&
+           isatty(STDIN_FILENO) != 0 && isatty(STDOUT_FILENO) != 0 && !arguments.json;
 }
 
 bool Console::run() {
@@ -86,7 +86,7 @@ bool Console::run() {
             runScript(_arguments.script);
         }
         runArguments();
-        if (_arguments.script.empty() && _arguments.commands.empty()) {
+        if (_arguments.script.empty() && _arguments.commands.empty() && _arguments.replay.empty()) {
             isInteractive(_arguments) ? runTerminal() : runPipe();
         }
         if (_door != nullptr && !isInteractive(_arguments)) {

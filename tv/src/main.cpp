@@ -28,6 +28,7 @@
 #include "Output.h"
 #include "PluginHost.h"
 #include "Schemas.h"
+#include "Taping.h"
 #include "door/Door.h"
 
 namespace {
@@ -71,7 +72,10 @@ struct ChosenHome {
     std::string title;
 };
 
-ChosenHome chooseHome(const Arguments& arguments) {
+ChosenHome chooseHome(const Arguments& arguments, const std::string& document) {
+    if (!document.empty()) {
+        return {simulator::parseHome(document, arguments.replay), arguments.replay};
+    }
     if (arguments.generate > 0) {
         return {simulator::generateHome(arguments.generate), fmt::format("A home of {} devices", arguments.generate)};
     }
@@ -123,8 +127,9 @@ std::unique_ptr<Door> makeDoor(const Arguments& arguments, Inbox& inbox, Output&
                                   inbox, out);
 }
 
-int run(const Arguments& arguments) {
-    ChosenHome chosen = chooseHome(arguments);
+int run(Arguments arguments) {
+    Taping taping(arguments);
+    ChosenHome chosen = chooseHome(arguments, taping.homeDocument());
     if (!arguments.script.empty() && !std::filesystem::is_regular_file(arguments.script)) {
         throw std::runtime_error(fmt::format("there is no script {}", arguments.script));
     }
@@ -133,21 +138,24 @@ int run(const Arguments& arguments) {
     }
     PluginHost plugin(arguments.plugin.empty() ? findPlugin(programPath()) : std::filesystem::path(arguments.plugin));
     applyDeskSettings(chosen.home.account, arguments.settings, arguments.disclaimer);
+    taping.applySettings();
     std::optional<HubHost> hub;
     if (arguments.hub != Arguments::Hub::Off) {
         hub.emplace(chosen.home, arguments.hub == Arguments::Hub::On);
     }
+    const auto out =
+        taping.tap(arguments.json ? makeJsonOutput(arguments.settled)
+                                  : makeTextOutput(Style::ofStandardOutput(), !Console::isInteractive(arguments)),
+                   chosen.home);
     simulator::Agent::instance().load(std::move(chosen.home));
     const CloudHost cloud;
 
-    const auto out = arguments.json ? makeJsonOutput(arguments.settled)
-                                    : makeTextOutput(Style::ofStandardOutput(), !Console::isInteractive(arguments));
     Inbox inbox;
     auto door = makeDoor(arguments, inbox, *out);
     Desk desk(inbox, door ? door->output() : *out, arguments.limit);
     Console console(arguments, desk, inbox, door.get(), fmt::format("HomeLoom {}, {}", HOMELOOM_VERSION, chosen.title));
     plugin.start();
-    const bool succeeded = runConsole(console, inbox);
+    const bool succeeded = taping.end(runConsole(console, inbox));
     door.reset();
 
     const std::vector<std::string> left = plugin.unload();
