@@ -126,6 +126,11 @@ bool HomeloomClient::GetDevicesInfo() {
             HL_LOGE("device detail list count < 0");
             return false;
         }
+        if (result == 0 && list == nullptr && count > 0) {
+            // Not to be taken for an empty home: the devices are there, only not told.
+            HL_LOGE("device detail list does not hold what it says, count : %d", count);
+            return false;
+        }
         buildDeviceDetailList(list, count);
         return true;
     } catch (const std::exception& e) {
