@@ -213,6 +213,25 @@ TEST_F(InnerView, OneEventAnswersAllThatWait) {
     EXPECT_EQ(desk.lines().size(), 2u);
 }
 
+// Two events of one subscription are on their way when the next request subscribes: the second one answers nobody.
+TEST_F(InnerView, AnEventAnswersNobodyWhoAskedAfterIt) {
+    Silence();
+    const auto first = Begin();
+    framework::TransactionId second{};
+    desk.atLogLine("[_RefrigeratorInnerViewSubscribeChanged] before job", [&] {
+        desk.log.clear();
+        Tell(contentsOf({"shelf-2"}));
+        desk.log.waitFor("[_RefrigeratorInnerViewSubscribeChanged] enqueued");
+        second = Begin();
+    });
+    Tell(contentsOf({"shelf-1"}));
+    EXPECT_THAT(Urls(*AnswerTo(first)), ElementsAre(HasSubstr("shelf-1")));
+    desk.settle();
+    EXPECT_FALSE(desk.isAnswered(second));
+    Tell(contentsOf({"shelf-3"}));
+    EXPECT_THAT(Urls(*AnswerTo(second)), ElementsAre(HasSubstr("shelf-3")));
+}
+
 TEST_F(InnerView, TellsAtOnceWhatFailsAtOnce) {
     Silence();
     EXPECT_EQ(toText(*desk.ask(kRequest, {{"device_id", "washer"}})), kFailure);

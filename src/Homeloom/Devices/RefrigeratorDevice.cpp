@@ -9,6 +9,7 @@
 
 #include "Common/CReporter.h"
 #include "Common/HLLog.h"
+#include "Homeloom/Common/CallbackTokens.h"
 #include "Homeloom/Common/MsgDispatcher.h"
 #include "Homeloom/Tessel/TesselHandler.h"
 
@@ -25,13 +26,19 @@ std::string InsideViewUris() {
 
 }  // namespace
 
+RefrigeratorDevice::Subscription::Subscription(std::weak_ptr<Device> refrigerator, unsigned number)
+    : device(std::move(refrigerator)), generation(number) {}
+
+RefrigeratorDevice::Subscription::~Subscription() {
+    CallbackTokens::Unwatch(token);
+}
+
 void RefrigeratorDevice::GetInnerviewUrl(const std::shared_ptr<CTransaction>& transaction, const std::string& deviceId,
                                          const std::string& accessToken) {
     HL_LOGI("GetInnerviewUrl device id : %s", deviceId.c_str());
     {
         const std::lock_guard<std::mutex> lock(_requestMutex);
         _accessToken = accessToken;
-        _retryCount = 1;
     }
     if (!requestRefrigeratorInnerviewUrl(transaction, deviceId)) {
         onGetInsideViewUrlEvent(transaction, false, "", "");
@@ -77,16 +84,20 @@ bool RefrigeratorDevice::subscribeResourceUriWithRefrigeratorInsideView(
         HL_LOGE("jsonResUri is empty!");
         return false;
     }
+    const std::lock_guard<std::mutex> lock(_subscriptionMutex);
+    const auto subscription = std::make_shared<Subscription>(weak_from_this(), ++_lastGeneration);
+    subscription->token = CallbackTokens::Watch(subscription);
     {
-        const std::lock_guard<std::mutex> lock(_requestMutex);
-        _pending.push_back(transaction);
+        const std::lock_guard<std::mutex> requestLock(_requestMutex);
+        _pending.push_back({transaction, subscription->generation});
     }
-    const int ret =
-        TesselHandler::GetInstance().Subscribe(deviceId, uris, _RefrigeratorInnerViewSubscribeChanged, CallbackToken());
+    const int ret = TesselHandler::GetInstance().Subscribe(deviceId, uris, _RefrigeratorInnerViewSubscribeChanged,
+                                                           subscription->token);
     if (ret != 0) {
         HL_LOGE("ret: %d", ret);
         return !forget(transaction);
     }
+    _subscription = subscription;
     return true;
 }
 
@@ -106,15 +117,18 @@ void RefrigeratorDevice::_RefrigeratorInnerViewSubscribeChanged(const char* devi
                                                                 const char* representation, const char*, const char*,
                                                                 const char*, void* userData) {
     try {
-        const auto refrigerator = FindByToken<RefrigeratorDevice>(userData);
-        if (!refrigerator) {
+        const auto subscription = CallbackTokens::Find<Subscription>(userData);
+        const auto device = subscription ? subscription->device.lock() : nullptr;
+        if (!device) {
             return;
         }
         std::string text = representation != nullptr ? representation : "";
-        if (refrigerator->isAnswer(text)) {
-            EnqueueOnScheduler([refrigerator, id = std::string(deviceId != nullptr ? deviceId : ""),
-                                text = std::move(text)] { refrigerator->answer(id, text); },
-                               "_RefrigeratorInnerViewSubscribeChanged");
+        if (isAnswer(*subscription, text)) {
+            EnqueueOnScheduler(
+                [refrigerator = std::static_pointer_cast<RefrigeratorDevice>(device),
+                 generation = subscription->generation, id = std::string(deviceId != nullptr ? deviceId : ""),
+                 text = std::move(text)] { refrigerator->answer(generation, id, text); },
+                "_RefrigeratorInnerViewSubscribeChanged");
         }
     } catch (const std::exception& e) {
         HL_LOG_EXCEPTION(e);
@@ -122,38 +136,48 @@ void RefrigeratorDevice::_RefrigeratorInnerViewSubscribeChanged(const char* devi
 }
 
 // The first event may be the echo of the command, without contents. The next one counts, whatever it holds.
-bool RefrigeratorDevice::isAnswer(const std::string& representation) {
+bool RefrigeratorDevice::isAnswer(Subscription& subscription, const std::string& representation) {
     const auto document = json::JsonValue::Create(representation);
     const bool hasContents = !document[RefrigeratorInsideView::kContents].isNull();
-    const std::lock_guard<std::mutex> lock(_requestMutex);
-    HL_LOGI("_RefrigeratorInnerViewSubscribeChanged() retry : %d", _retryCount);
-    if (!hasContents && _retryCount <= 1) {
+    HL_LOGI("_RefrigeratorInnerViewSubscribeChanged() retry : %d", subscription.retryCount.load());
+    if (!hasContents && subscription.retryCount <= 1) {
         HL_LOGI("contents value is not in resource data, do not proceed");
-        ++_retryCount;
+        ++subscription.retryCount;
         return false;
     }
     return true;
 }
 
-// Answers all requests that wait: they share one subscription, which ends here, so none of them would see another
-// event. Without all pictures this ends by an exception, in the dispatcher, and nobody is answered.
-void RefrigeratorDevice::answer(const std::string& deviceId, const std::string& representation) {
-    unsubscribeResourceUriWithRefrigeratorInsideView(deviceId);
+// Answers all requests that waited when the event's subscription was made: they share it, and it ends here. A request
+// that has come since waits for an event of its own. Without all pictures this ends by an exception, in the dispatcher,
+// and nobody is answered.
+void RefrigeratorDevice::answer(unsigned generation, const std::string& deviceId, const std::string& representation) {
+    {
+        const std::lock_guard<std::mutex> lock(_subscriptionMutex);
+        if (_subscription && _subscription->generation == generation) {
+            unsubscribeResourceUriWithRefrigeratorInsideView(deviceId);
+            _subscription.reset();
+        }
+    }
     HL_LOGI("_RefrigeratorInnerViewSubscribeChanged(): Device id: %s, Rcs_rep: %s", deviceId.c_str(),
             representation.c_str());
-    Transactions pending;
+    std::vector<Request> answered;
     std::string accessToken;
     {
         const std::lock_guard<std::mutex> lock(_requestMutex);
-        pending.swap(_pending);
+        const auto later = std::stable_partition(_pending.begin(), _pending.end(), [generation](const auto& request) {
+            return request.generation <= generation;
+        });
+        answered.assign(_pending.begin(), later);
+        _pending.erase(_pending.begin(), later);
         accessToken = _accessToken;
     }
-    if (pending.empty()) {
+    if (answered.empty()) {
         return;
     }
     const InsideViewUrls view = _insideView.RequestImageUrls(deviceId, representation, accessToken);
-    for (const auto& transaction : pending) {
-        onGetInsideViewUrlEvent(transaction, true, view.urls, view.dateTime);
+    for (const auto& request : answered) {
+        onGetInsideViewUrlEvent(request.transaction, true, view.urls, view.dateTime);
     }
 }
 
@@ -169,7 +193,8 @@ void RefrigeratorDevice::onGetInsideViewUrlEvent(const std::shared_ptr<CTransact
 // False for a request that an event has answered meanwhile.
 bool RefrigeratorDevice::forget(const std::shared_ptr<CTransaction>& transaction) {
     const std::lock_guard<std::mutex> lock(_requestMutex);
-    const auto found = std::find(_pending.begin(), _pending.end(), transaction);
+    const auto found = std::find_if(_pending.begin(), _pending.end(),
+                                    [&](const auto& request) { return request.transaction == transaction; });
     if (found == _pending.end()) {
         return false;
     }

@@ -1,6 +1,7 @@
 #ifndef HOMELOOM_HOMELOOM_DEVICES_REFRIGERATORDEVICE_H
 #define HOMELOOM_HOMELOOM_DEVICES_REFRIGERATORDEVICE_H
 
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -24,7 +25,22 @@ public:
                          const std::string& accessToken);
 
 private:
-    using Transactions = std::vector<std::shared_ptr<CTransaction>>;
+    // What an event came by. Whoever asks anew subscribes anew.
+    struct Subscription {
+        Subscription(std::weak_ptr<Device> refrigerator, unsigned number);
+        ~Subscription();
+        Subscription(const Subscription&) = delete;
+        Subscription& operator=(const Subscription&) = delete;
+
+        const std::weak_ptr<Device> device;
+        const unsigned generation;
+        std::atomic<int> retryCount{1};
+        void* token = nullptr;
+    };
+    struct Request {
+        std::shared_ptr<CTransaction> transaction;
+        unsigned generation;
+    };
 
     static void _RefrigeratorInnerViewSubscribeChanged(const char* deviceId, const char* uri,
                                                        const char* representation, const char* resDataType,
@@ -36,18 +52,22 @@ private:
     bool subscribeResourceUriWithRefrigeratorInsideView(const std::shared_ptr<CTransaction>& transaction,
                                                         const std::string& deviceId);
     static void unsubscribeResourceUriWithRefrigeratorInsideView(const std::string& deviceId);
-    bool isAnswer(const std::string& representation);
-    void answer(const std::string& deviceId, const std::string& representation);
+    static bool isAnswer(Subscription& subscription, const std::string& representation);
+    void answer(unsigned generation, const std::string& deviceId, const std::string& representation);
     static void onGetInsideViewUrlEvent(const std::shared_ptr<CTransaction>& transaction, bool isSuccess,
                                         const std::string& urls, const std::string& dateTime);
     bool forget(const std::shared_ptr<CTransaction>& transaction);
 
     RefrigeratorInsideView _insideView;  // used by the scheduler's jobs, but for the text that asks for pictures
 
+    // Held across the agent's calls that subscribe and end a subscription, so that none ends a later one than its own.
+    std::mutex _subscriptionMutex;
+    std::shared_ptr<Subscription> _subscription;  // the last one, until its first answer
+    unsigned _lastGeneration = 0;
+
     std::mutex _requestMutex;  // a leaf: guards the next ones
     std::string _accessToken;
-    int _retryCount = 0;
-    Transactions _pending;
+    std::vector<Request> _pending;
 };
 
 }  // namespace VMFramework::HomeLoom
