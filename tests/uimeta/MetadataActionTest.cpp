@@ -244,7 +244,12 @@ TEST_F(MetadataActionTest, SubDeviceCardsComeFromTheGroups) {
     for (const auto& each : cases) {
         const auto device = MakeDevice({{"/low", "p", each.low}, {"/v", "p", each.rule}}, each.type,
                                        static_cast<DeviceStatus>(each.status));
+        // The labels of cards have arguments too, but the context stays the state's.
+        device->SetDeviceOperationalContext({"/state", "p", "on"});
+        const std::string context = device->GetDeviceOperationalContext();
         EXPECT_EQ(metadata.SetSubDeviceCardList(device), 3);
+        EXPECT_EQ(metadata.GetPresentation(device).context_value, context);
+        EXPECT_EQ(device->GetDeviceOperationalContext(), context);
         // Groups come in the order in which the document names them, whatever the order of their states.
         EXPECT_EQ(device->GetSubDeviceCardJsonInfo(), Json("[" + each.cards + "," + title + "]"))
             << each.low << each.rule << each.type << each.status;

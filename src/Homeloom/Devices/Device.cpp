@@ -1,6 +1,7 @@
 // A device's fields and resource values, what an update changed among them, and its timer.
 #include "Homeloom/Devices/Device.h"
 
+#include <exception>
 #include <utility>
 
 #include <VMFramework/JsonValue.h>
@@ -40,6 +41,16 @@ void Device::SetDeviceOperationalContext(device_context_struct context) {
     }
     _operationalContext = std::move(context);
     _operationalContextText.clear();
+}
+
+Device::ContextKeeper::ContextKeeper(Device& device)
+    : _device(device),
+      _context(std::exchange(device._operationalContext, std::nullopt)),
+      _text(std::move(device._operationalContextText)) {}
+
+Device::ContextKeeper::~ContextKeeper() {
+    _device._operationalContext = std::move(_context);
+    _device._operationalContextText = std::move(_text);
 }
 
 std::string Device::GetDeviceOperationalContext() const {

@@ -107,6 +107,19 @@ public:
     /// JSON text of the last argument that the state text was made of.
     std::string GetDeviceOperationalContext() const;
     void SetDeviceOperationalContext(device_context_struct context);
+    /// Puts back at its end what the device told as its context: for evaluations that are not about the state text.
+    class ContextKeeper {
+    public:
+        explicit ContextKeeper(Device& device);
+        ~ContextKeeper();
+        ContextKeeper(const ContextKeeper&) = delete;
+        ContextKeeper& operator=(const ContextKeeper&) = delete;
+
+    private:
+        Device& _device;
+        std::optional<device_context_struct> _context;
+        std::string _text;
+    };
 
     bool IsCameraDevice() const;
     bool IsFilteredDevice() const;

@@ -137,6 +137,7 @@ private:
     // Sub device cards (MetadataCard.cpp)
     static bool hasSubDeviceCard(const device_ui_metadata_struct& meta) { return !meta.main_states.empty(); }
     int setSubDeviceCards(Device& device, const device_ui_metadata_struct& meta) const;
+    int refreshSubDeviceCards(Device& device, const device_ui_metadata_struct& meta) const;
     bool makeSubDeviceCard(Device& device, const device_ui_metadata_struct& meta, const std::string& group,
                            bool& inactive, json::JsonValue& card) const;
     static std::string getActionUrl(const Device& device, const device_ui_metadata_struct& meta,

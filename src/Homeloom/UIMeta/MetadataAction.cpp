@@ -204,7 +204,7 @@ device_presentation_struct Metadata::GetPresentation(const DevicePtr& device) co
     presentation.solenne_server_dp_uri = meta->solenne_server_dp_uri;
     if (hasSubDeviceCard(*meta)) {
         presentation.has_cards = true;
-        presentation.card_count = setSubDeviceCards(*device, *meta);
+        presentation.card_count = refreshSubDeviceCards(*device, *meta);
     }
     return presentation;
 }

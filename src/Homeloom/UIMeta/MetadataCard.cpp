@@ -42,7 +42,14 @@ int Metadata::SetSubDeviceCardList(const DevicePtr& device) const {
         return 0;
     }
     const UiMetadata meta = FindUiMetadata(device->GetVid());
-    return meta ? setSubDeviceCards(*device, *meta) : 0;
+    return meta ? refreshSubDeviceCards(*device, *meta) : 0;
+}
+
+// The cards have arguments too, but what a device tells as its context is its state's: the same in every list and
+// notify for as long as the state is the same.
+int Metadata::refreshSubDeviceCards(Device& device, const device_ui_metadata_struct& meta) const {
+    const Device::ContextKeeper keeper(device);
+    return setSubDeviceCards(device, meta);
 }
 
 int Metadata::setSubDeviceCards(Device& device, const device_ui_metadata_struct& meta) const {
