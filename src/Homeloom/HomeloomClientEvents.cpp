@@ -327,6 +327,7 @@ void HomeloomClient::OnDeviceStatusUpdateEvent(const std::string& deviceId, int 
             return;
         }
         device->SetStatus(static_cast<DeviceStatus>(status));
+        DeviceHandler::UpdateControllable(device);
     }
     if (status == DEVICE_STATUS_CONNECTED) {
         GetProperty(device);

@@ -1,5 +1,7 @@
 // Cameras: addresses of streams by all three ways, notifications, commands.
 
+#include <algorithm>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -37,6 +39,30 @@ std::string told(const std::string& url) {
 }
 
 }  // namespace
+
+// Whatever is quicker, the metadata or the list with the canvas documents, and from whatever state a device comes back.
+TEST(Pictures, MakeADeviceControllable) {
+    const char* const devices[] = {"living-camera", "porch-camera", "doorbell", "fridge"};
+    Desk desk{Desk::apartmentWith({"living-camera", "porch-camera", "doorbell", "fridge"})};
+    const auto areControllable = [&](int wanted) {
+        return [&devices, wanted](const Screen& shown) {
+            return std::all_of(std::begin(devices), std::end(devices),
+                               [&](const char* id) { return shown.number(id, "controllable") == wanted; });
+        };
+    };
+    desk.atLogLine("vid for meta data", [&] { desk.waitForLists(2); });
+    desk.start();
+    desk.waitFor("controllable", areControllable(1));
+    desk.settle();
+    for (const char* id : devices) {
+        desk.agent.setStatus(id, simulator::Disconnected);
+    }
+    desk.waitFor("gone", areControllable(0));
+    for (const char* id : devices) {
+        desk.agent.setStatus(id, simulator::Connected);
+    }
+    desk.waitFor("back", areControllable(1));
+}
 
 class Camera : public testing::Test {
 protected:

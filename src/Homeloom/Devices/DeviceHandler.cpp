@@ -105,7 +105,8 @@ void DeviceHandler::mergeDevice(const std::shared_ptr<Device>& stored, const std
     }
 
     const auto lock = Lock();
-    if (stored->GetStatus() != newStatus) {
+    const bool isStatusChanged = stored->GetStatus() != newStatus;
+    if (isStatusChanged) {
         HL_LOGI(
             "Device Already Present in DeviceMap and cloud status is changed, need to get statetext and iconurl, "
             "device status : %d",
@@ -122,6 +123,9 @@ void DeviceHandler::mergeDevice(const std::shared_ptr<Device>& stored, const std
         addVidDeviceMap(newVid, id);
     }
     stored->ApplyChanges(newDevice);
+    if (isStatusChanged) {
+        UpdateControllable(stored);
+    }
 }
 
 std::string DeviceHandler::GetDeviceNameFromDeviceDetail(homeloom_client_device_detail_h detail) const {
@@ -139,6 +143,10 @@ std::vector<std::string> DeviceHandler::UpdateDeviceList(const std::vector<std::
     std::vector<std::string> gone;
     const auto lock = Lock();
     for (const auto& [id, device] : _deviceMap) {
+        if (IsQuit()) {
+            HL_LOGI("already quit");
+            return {};
+        }
         if (present.count(id) == 0) {
             HL_LOGI("not present  DeviceId: %s, going to delete the device", id.c_str());
             gone.push_back(id);

@@ -121,6 +121,9 @@ public:
     std::string GetUiMeta(const std::string& vid) const;
     void UpdateStateText();
     void UpdateAllDevicesByMetadata();
+    /// Makes a device controllable that shows pictures, be it a camera's stream or a refrigerator's inside. To be asked
+    /// with the lock held whenever that may have become true: when its metadata is there, and when it is connected.
+    static void UpdateControllable(const std::shared_ptr<Device>& device);
 
     // Reports
 

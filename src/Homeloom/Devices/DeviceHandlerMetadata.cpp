@@ -48,6 +48,10 @@ void DeviceHandler::UnsubscribeResourceUri(const std::shared_ptr<Device>& device
 
 void DeviceHandler::SubscribeForAllDevices() {
     for (const auto& [id, device] : GetAllDevice()) {
+        if (IsQuit()) {
+            HL_LOGI("already quit");
+            return;
+        }
         if (!IsMyTV(id) && !isHubConnectedDevice(id)) {
             SubscribeResourceUri(device);
         }
@@ -182,6 +186,13 @@ void DeviceHandler::parseMetadataOfVid(const std::string& vid) {
 
 void DeviceHandler::readAndSubscribe(const std::string& id) {
     HL_LOGI("ParseMetadata() device id : %s, try to GetProperty and SubscribeResourceUri", id.c_str());
+    {
+        // First, so that it is told with what the reading brings.
+        const auto lock = Lock();
+        if (const auto device = FindDevice(id)) {
+            UpdateControllable(device);
+        }
+    }
     GetProperty(id);
     const auto device = FindDevice(id);
     if (!device) {
@@ -205,6 +216,10 @@ std::string DeviceHandler::GetUiMeta(const std::string& vid) const {
 void DeviceHandler::UpdateStateText() {
     const auto lock = Lock();
     for (const auto& [id, device] : _deviceMap) {
+        if (IsQuit()) {
+            HL_LOGI("already quit");
+            return;
+        }
         Metadata::GetInstance().SetDeviceStateText(device);
     }
 }
@@ -219,14 +234,18 @@ void DeviceHandler::UpdateAllDevicesByMetadata() {
         }
         metadata.SetDeviceStateText(device);
         metadata.UpdateDeviceIconUrl(device);
-        if (metadata.HasStreamResource(device)) {
-            HL_LOGI("[%s] has stream resource, set controllable true", id.c_str());
-            device->SetControllableDevice(true);
-        }
-        if (device->IsSupportInnerView()) {
-            HL_LOGI("[%s] has inside view resource, set controllable true", id.c_str());
-            device->SetControllableDevice(true);
-        }
+        UpdateControllable(device);
+    }
+}
+
+void DeviceHandler::UpdateControllable(const std::shared_ptr<Device>& device) {
+    if (Metadata::GetInstance().HasStreamResource(device)) {
+        HL_LOGI("[%s] has stream resource, set controllable true", device->GetId().c_str());
+        device->SetControllableDevice(true);
+    }
+    if (device->IsSupportInnerView()) {
+        HL_LOGI("[%s] has inside view resource, set controllable true", device->GetId().c_str());
+        device->SetControllableDevice(true);
     }
 }
 
