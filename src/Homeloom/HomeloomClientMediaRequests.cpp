@@ -19,6 +19,11 @@ std::string vidOf(const Device& device) {
     return device.GetVid();
 }
 
+bool isCamera(const Device& device) {
+    const auto lock = device.Lock();
+    return device.IsCameraDevice();
+}
+
 bool supportsInnerView(const Device& device) {
     const auto lock = device.Lock();
     return device.IsSupportInnerView();
@@ -128,15 +133,17 @@ void HomeloomClient::GetRefrigeratorInnerviewUrl(const Transaction& transaction,
         refrigerator->GetInnerviewUrl(transaction, deviceId, GetAccessToken());
         return;
     }
-    HL_LOGI("device is NULL or device_id[%s] is not support innerview", deviceId.c_str());
+    HL_LOGE("device is NULL or device_id[%s] is not support innerview", deviceId.c_str());
     GetRefrigeratorInnerViewUrlParam param(transaction);
     Reporter::Report(param);
 }
 
 std::shared_ptr<CameraDevice> HomeloomClient::findCamera(const std::string& deviceId) const {
     auto camera = findDeviceOf<CameraDevice>(deviceId);
-    if (!camera) {
-        HL_LOGI("device is NULL or device_id[%s] is NOT CAMERA", deviceId.c_str());
+    // A device whose type has changed since it was made may be of another class.
+    if (!camera || !isCamera(*camera)) {
+        HL_LOGE("device is NULL or device_id[%s] is NOT CAMERA", deviceId.c_str());
+        return nullptr;
     }
     return camera;
 }

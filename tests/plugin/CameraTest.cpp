@@ -326,6 +326,18 @@ TEST_F(Camera, NotifiesOfOneKindAtATime) {
     }
 }
 
+TEST_F(Camera, IsServedAsOneForAsLongAsItsTypeSaysSo) {
+    simulator::Device device = *desk.agent.device("porch-camera");
+    device.types = {"oic.wk.d", "oic.d.light"};
+    desk.agent.updateDevice(device);
+    desk.waitForReport("the new type", [](const Desk::Report& report) {
+        const auto* endpoint = report.endpoint("porch-camera");
+        return endpoint != nullptr && endpoint->subDeviceType == "oic.d.light";
+    });
+    EXPECT_EQ(UrlOf("hl_get_none_avp_camera_url", "porch-camera"), "");
+    EXPECT_TRUE(desk.log.contains("device is NULL or device_id[porch-camera] is NOT CAMERA"));
+}
+
 TEST_F(Camera, ShowsWhichNotificationsAreOn) {
     desk.ask("hl_set_camera_notification", {{"device_id", "living-camera"}, {"camera_notification_type", 4}});
     desk.ask("hl_set_camera_notification", {{"device_id", "living-camera"}, {"camera_notification_type", 1}});

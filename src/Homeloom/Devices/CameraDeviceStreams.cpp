@@ -334,8 +334,9 @@ void CameraDevice::setStreamTransaction(const std::shared_ptr<CTransaction>& tra
 
 std::shared_ptr<CTransaction> CameraDevice::takeStreamTransaction(const std::string& deviceId, const std::string& url) {
     const std::lock_guard<std::recursive_mutex> lock(_deviceMutex);
-    if (!_streamTransaction) {
+    if (!_streamTransaction || deviceId != GetId()) {
         HL_LOGI("transaction is null, do not report, device_id : %s, in_home_url : %s", deviceId.c_str(), url.c_str());
+        return nullptr;
     }
     return std::exchange(_streamTransaction, nullptr);
 }
