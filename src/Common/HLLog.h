@@ -20,6 +20,17 @@
         }                                                                                                  \
     } while (false)
 
+// For a helper that logs on behalf of whoever called it: the line names the caller, and the helper takes
+// 'const Log::Place& caller = HL_CALLER' as its last parameter. An exception is logged by Log::WriteException.
+#define HL_CALLER \
+    { __builtin_FILE(), __builtin_FUNCTION(), __builtin_LINE() }
+#define HL_LOG_AT(priority, place, ...)                                                                        \
+    do {                                                                                                       \
+        if (VMFramework::HomeLoom::Log::IsTaken(priority, VMFramework::HomeLoom::Log::kTag)) {                 \
+            VMFramework::HomeLoom::Log::Write(priority, VMFramework::HomeLoom::Log::kTag, place, __VA_ARGS__); \
+        }                                                                                                      \
+    } while (false)
+
 // The call trace of the frame: "Entered" here, "Left" at the end of the scope.
 #define HL_TRACE(object) const VMFramework::HomeLoom::Log::CallTrace hlCallTrace({__FILE__, __func__, __LINE__}, object)
 

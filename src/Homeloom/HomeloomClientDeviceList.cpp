@@ -33,29 +33,32 @@ namespace {
 constexpr char kUnknownDeviceType[] = "unknown";
 
 // Empty on failure, which is logged.
-std::string DetailText(homeloom_client_device_detail_h detail, int property, const char* failure) {
+std::string DetailText(homeloom_client_device_detail_h detail, int property, const char* failure,
+                       const Log::Place& caller = HL_CALLER) {
     std::string text;
     if (TesselHandler::GetInstance().DeviceDetailGetString(detail, property, text) != 0) {
-        HL_LOGE("%s", failure);
+        HL_LOG_AT(DLOG_ERROR, caller, "%s", failure);
         text.clear();
     }
     return text;
 }
 
 // For what a device can't be without: an empty text counts as a failure.
-std::string RequiredText(homeloom_client_device_detail_h detail, int property, const char* failure) {
+std::string RequiredText(homeloom_client_device_detail_h detail, int property, const char* failure,
+                         const Log::Place& caller = HL_CALLER) {
     std::string text;
     if (TesselHandler::GetInstance().DeviceDetailGetString(detail, property, text) != 0 || text.empty()) {
-        HL_LOGE("%s", failure);
+        HL_LOG_AT(DLOG_ERROR, caller, "%s", failure);
         text.clear();
     }
     return text;
 }
 
-std::vector<std::string> DetailTexts(homeloom_client_device_detail_h detail, int property, const char* failure) {
+std::vector<std::string> DetailTexts(homeloom_client_device_detail_h detail, int property, const char* failure,
+                                     const Log::Place& caller = HL_CALLER) {
     std::vector<std::string> texts;
     if (TesselHandler::GetInstance().DeviceDetailGetStringArray(detail, property, texts) != 0) {
-        HL_LOGE("%s", failure);
+        HL_LOG_AT(DLOG_ERROR, caller, "%s", failure);
         texts.clear();
     }
     return texts;

@@ -55,6 +55,15 @@ std::vector<std::string> DeviceIds(const DeviceList& list) {
     return ids;
 }
 
+// A list without records is not to be taken for an empty home, which takes all devices away and perhaps the hub.
+bool HoldsWhatItSays(const DeviceList& list, int count) {
+    if (list.Count() > 0) {
+        return true;
+    }
+    HL_LOGE("device list does not hold what it says, count : %d", count);
+    return false;
+}
+
 }  // namespace
 
 // ---- Server-sent events ----
@@ -354,9 +363,7 @@ void HomeloomClient::_HomeLoomClientDeviceListChanged(homeloom_client_device_h* 
                 session->onDeviceListEmpty();
                 return;
             }
-            if (records->Count() <= 0) {
-                // Not to be taken for an empty home, which takes all devices away and perhaps the hub.
-                HL_LOGE("device list does not hold what it says, count : %d", count);
+            if (!HoldsWhatItSays(*records, count)) {
                 return;
             }
             const std::vector<std::string> ids = DeviceIds(*records);

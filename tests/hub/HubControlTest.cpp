@@ -216,6 +216,7 @@ TEST_F(HubControl, CallsWithoutConnectionThrow) {
     };
     expectRefusals();
     EXPECT_TRUE(log.contains(" > Not connected"));
+    EXPECT_TRUE(log.contains("IPCProxyBase.cpp: GetHubInfo("));
     EXPECT_EQ(log.lines().front().tag, "IOT_IPC_PROXY");
     connect();
     app.kill();

@@ -263,6 +263,7 @@ TEST_F(Hub, ARefusedConnectionIsLoggedByItsKind) {
         EXPECT_TRUE(desk.log.contains(line));
         EXPECT_EQ(desk.armedTimers(), 0);
     }
+    EXPECT_TRUE(desk.log.contains("HubIPCProxy.cpp : ConnectHub("));
     HubIPCProxy::GetInstance().Stop();
 }
 

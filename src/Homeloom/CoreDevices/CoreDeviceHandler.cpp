@@ -40,9 +40,10 @@ private:
     int _ret = 0;
 };
 
-bool readField(homeloom_core_device_h device, int field, std::string& value, const char* failure) {
+bool readField(homeloom_core_device_h device, int field, std::string& value, const char* failure,
+               const Log::Place& caller = HL_CALLER) {
     if (TesselHandler::GetInstance().GetCoreDeviceString(device, field, value) != 0) {
-        HL_LOGE("%s", failure);
+        HL_LOG_AT(DLOG_ERROR, caller, "%s", failure);
         return false;
     }
     return true;

@@ -43,22 +43,22 @@ enum HubEvent {
     kDongleStatusChanged = 10
 };
 
-// Inside a catch block: what went wrong. Only the last of them is a std::exception.
-void LogHubFailure() {
+// Inside a catch block: what went wrong, in the name of who made the call. Only the last of them is a std::exception.
+void LogHubFailure(const Log::Place& caller = HL_CALLER) {
     try {
         throw;
     } catch (const proxy::InvalidIOException&) {
-        HL_LOGE("RPC PORT InvalidIOException");
+        HL_LOG_AT(DLOG_ERROR, caller, "RPC PORT InvalidIOException");
     } catch (const proxy::PermissionDeniedException&) {
-        HL_LOGE("RPC PORT PermissionDeniedException");
+        HL_LOG_AT(DLOG_ERROR, caller, "RPC PORT PermissionDeniedException");
     } catch (const proxy::NotConnectedSocketException&) {
-        HL_LOGE("RPC PORT NotConnectedSocketException");
+        HL_LOG_AT(DLOG_ERROR, caller, "RPC PORT NotConnectedSocketException");
     } catch (const proxy::InvalidProtocolException&) {
-        HL_LOGE("RPC PORT InvalidProtocolException");
+        HL_LOG_AT(DLOG_ERROR, caller, "RPC PORT InvalidProtocolException");
     } catch (const proxy::InvalidIDException&) {
-        HL_LOGE("RPC PORT InvalidIDException");
+        HL_LOG_AT(DLOG_ERROR, caller, "RPC PORT InvalidIDException");
     } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
+        Log::WriteException(caller, e);
     }
 }
 
@@ -275,7 +275,7 @@ void HubIPCProxy::resetRetries() {
 }
 
 template <typename Call>
-bool HubIPCProxy::callHub(const Call& call) {
+bool HubIPCProxy::callHub(const Call& call, const Log::Place& caller) {
     try {
         const std::shared_lock<std::shared_mutex> lock(_hubControlMutex);
         if (!_hubControl) {
@@ -284,7 +284,7 @@ bool HubIPCProxy::callHub(const Call& call) {
         call(*_hubControl);
         return true;
     } catch (...) {
-        LogHubFailure();
+        LogHubFailure(caller);
         return false;
     }
 }

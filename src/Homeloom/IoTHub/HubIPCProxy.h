@@ -10,6 +10,7 @@
 #include <string>
 
 #include "Common/CSingleton.h"
+#include "Common/HLLog.h"
 #include "Homeloom/Common/MainLoopTimer.h"
 #include "Homeloom/IoTHub/HUBEventListener.h"
 
@@ -71,9 +72,10 @@ private:
     void stopHubConnectionTimer();
     void resetRetries();
 
-    /// Runs the call with the hub control; its failures are logged. False if it failed, or there is none.
+    /// Runs the call with the hub control; its failures are logged in the caller's name. False if it failed, or there
+    /// is none.
     template <typename Call>
-    bool callHub(const Call& call);
+    bool callHub(const Call& call, const Log::Place& caller = HL_CALLER);
     /// Answers the request when it is false.
     bool isHubIPCConnected(ReportParam& param) const;
     std::string getHubInfo();

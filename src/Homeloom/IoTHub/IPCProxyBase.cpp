@@ -12,11 +12,12 @@
 #include <utility>
 
 // The generated code of all proxies logs in this form, under a tag of its own and without the trace sink.
-#define IPC_LOGE(message, ...)                                                                                      \
-    do {                                                                                                            \
-        if (dlog_is_enabled(DLOG_ERROR, kLogTag)) {                                                                 \
-            dlog_print(DLOG_ERROR, kLogTag, "%s: %s(%d) > " message, kFileName, __func__, __LINE__, ##__VA_ARGS__); \
-        }                                                                                                           \
+#define IPC_LOGE(message, ...) IPC_LOGE_AT(__func__, __LINE__, message, ##__VA_ARGS__)
+#define IPC_LOGE_AT(function, line, message, ...)                                                               \
+    do {                                                                                                        \
+        if (dlog_is_enabled(DLOG_ERROR, kLogTag)) {                                                             \
+            dlog_print(DLOG_ERROR, kLogTag, "%s: %s(%d) > " message, kFileName, function, line, ##__VA_ARGS__); \
+        }                                                                                                       \
     } while (false)
 
 namespace rpc_port::IPCProxyBase::proxy {
@@ -214,37 +215,38 @@ void IHubControl::OnRejectedCB(const char*, const char*, void* userData) {
 
 // ---- Calls ----
 
-void IHubControl::CheckConnection() const {
+void IHubControl::CheckConnection(const char* operation, int line) const {
     if (_port == nullptr) {
-        IPC_LOGE("Not connected");
+        IPC_LOGE_AT(operation, line, "Not connected");
         throw NotConnectedSocketException();
     }
 }
 
-void IHubControl::Send(const Parcel& call) {
+void IHubControl::Send(const Parcel& call, const char* operation, int line) {
     const int result = rpc_port_parcel_send(call.Handle(), _port);
     if (result != RPC_PORT_ERROR_NONE) {
-        IPC_LOGE("Failed to send parcel. result(%d)", result);
+        IPC_LOGE_AT(operation, line, "Failed to send parcel. result(%d)", result);
         throw InvalidIOException();
     }
 }
 
-void IHubControl::Call(const Parcel& call) {
+void IHubControl::Call(const Parcel& call, const char* operation, int line) {
     const std::lock_guard<std::recursive_mutex> lock(_mutex);
-    CheckConnection();
-    Send(call);
+    CheckConnection(operation, line);
+    Send(call, operation, line);
 }
 
-void IHubControl::CallWithDelegate(const Parcel& call, std::unique_ptr<OnEvent> callback) {
+void IHubControl::CallWithDelegate(const Parcel& call, std::unique_ptr<OnEvent> callback, const char* operation,
+                                   int line) {
     call.Handle() << *callback;
     const std::lock_guard<std::recursive_mutex> lock(_mutex);
-    CheckConnection();
+    CheckConnection(operation, line);
     {
         // Before the send: the first event may come before it returns.
         const std::lock_guard<std::mutex> delegatesLock(_delegatesMutex);
         _delegates.push_back(std::move(callback));
     }
-    Send(call);
+    Send(call, operation, line);
 }
 
 void IHubControl::StartOnboarding(std::string accessToken, std::string locationId, std::string roomId,

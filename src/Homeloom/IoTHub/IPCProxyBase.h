@@ -106,11 +106,13 @@ private:
     static void OnRejectedCB(const char* endpoint, const char* portName, void* userData);
     static void OnReceivedCB(const char* endpoint, const char* portName, void* userData);
 
-    void CheckConnection() const;
-    void Call(const Parcel& call);
-    void CallWithDelegate(const Parcel& call, std::unique_ptr<OnEvent> callback);
+    /// Logs in the name of the operation that asks.
+    void CheckConnection(const char* operation = __builtin_FUNCTION(), int line = __builtin_LINE()) const;
+    void Call(const Parcel& call, const char* operation = __builtin_FUNCTION(), int line = __builtin_LINE());
+    void CallWithDelegate(const Parcel& call, std::unique_ptr<OnEvent> callback,
+                          const char* operation = __builtin_FUNCTION(), int line = __builtin_LINE());
     /// With the mutex held.
-    void Send(const Parcel& call);
+    void Send(const Parcel& call, const char* operation = __builtin_FUNCTION(), int line = __builtin_LINE());
     Parcel ConsumeCommand();
     void ProcessReceivedEvent(const Parcel& parcel);
 

@@ -17,9 +17,9 @@ namespace VMFramework::HomeLoom {
 namespace {
 
 // A missing argument is logged and not answered; a failure of the agent is answered.
-bool IsThere(const std::string& argument, const char* complaint) {
+bool IsThere(const std::string& argument, const char* complaint, const Log::Place& caller = HL_CALLER) {
     if (argument.empty()) {
-        HL_LOGE("%s", complaint);
+        HL_LOG_AT(DLOG_ERROR, caller, "%s", complaint);
         return false;
     }
     return true;

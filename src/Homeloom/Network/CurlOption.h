@@ -7,11 +7,12 @@
 
 namespace VMFramework::HomeLoom {
 
-/// Sets an option and says which one failed; `name` is the option's name without its prefix.
+/// Sets an option and says, in the caller's name, which one failed; `name` is the option's name without its prefix.
 template <typename Value>
-bool SetCurlOption(KRCurl::KRCurlEasy& easy, KRCurl::KRCURL_OPTION_TYPE option, const Value& value, const char* name) {
+bool SetCurlOption(KRCurl::KRCurlEasy& easy, KRCurl::KRCURL_OPTION_TYPE option, const Value& value, const char* name,
+                   const Log::Place& caller = HL_CALLER) {
     if (!easy.setOption(option, value)) {
-        HL_LOGE("setoption %s failed", name);
+        HL_LOG_AT(DLOG_ERROR, caller, "setoption %s failed", name);
         return false;
     }
     return true;

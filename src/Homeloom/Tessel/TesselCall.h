@@ -17,14 +17,6 @@
 /// function, and the arguments between the handle and the function's own out parameters.
 namespace VMFramework::HomeLoom {
 
-// Logs in the name of the operation that the caller wrote down, and not of the form below that it has.
-#define TESSEL_LOG(priority, place, ...)                         \
-    do {                                                         \
-        if (Log::IsTaken(priority, Log::kTag)) {                 \
-            Log::Write(priority, Log::kTag, place, __VA_ARGS__); \
-        }                                                        \
-    } while (false)
-
 /// What must be there before the agent is asked, with the words for the log when it is not. Knows the operation that
 /// wrote it down, so that the log names that.
 struct TesselHandler::Needs {
@@ -36,9 +28,7 @@ struct TesselHandler::Needs {
         const char* complaint;
     };
 
-    Needs(std::initializer_list<Need> list,
-          const Log::Place& where = {__builtin_FILE(), __builtin_FUNCTION(), __builtin_LINE()})
-        : needs(list), place(where) {}
+    Needs(std::initializer_list<Need> list, const Log::Place& where = HL_CALLER) : needs(list), place(where) {}
 
     const std::initializer_list<Need> needs;
     const Log::Place place;
@@ -46,8 +36,7 @@ struct TesselHandler::Needs {
 
 /// The words for the log when there is no record to work on.
 struct TesselHandler::Complaint {
-    Complaint(const char* text, const Log::Place& where = {__builtin_FILE(), __builtin_FUNCTION(), __builtin_LINE()})
-        : words(text), place(where) {}
+    Complaint(const char* text, const Log::Place& where = HL_CALLER) : words(text), place(where) {}
 
     const char* const words;
     const Log::Place place;
@@ -73,12 +62,12 @@ inline void TakeText(char* text, std::string& out) {
 
 inline bool TesselHandler::_MayCall(const Needs& needs) const {
     if (_clientHandle == nullptr) {
-        TESSEL_LOG(DLOG_ERROR, needs.place, "client handle is null");
+        HL_LOG_AT(DLOG_ERROR, needs.place, "client handle is null");
         return false;
     }
     for (const Needs::Need& need : needs.needs) {
         if (!need.met) {
-            TESSEL_LOG(DLOG_ERROR, needs.place, "%s", need.complaint);
+            HL_LOG_AT(DLOG_ERROR, needs.place, "%s", need.complaint);
             return false;
         }
     }
@@ -108,7 +97,7 @@ int TesselHandler::_Access(const Complaint& complaint, int (*function)(Record, P
                            const Args&... args) {
     const std::lock_guard<FairMutex> lock(_mutex);
     if (record == nullptr) {
-        TESSEL_LOG(DLOG_ERROR, complaint.place, "%s", complaint.words);
+        HL_LOG_AT(DLOG_ERROR, complaint.place, "%s", complaint.words);
         return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
     }
     return function(record, ToAgent(args)...);
@@ -127,12 +116,12 @@ template <typename Record>
 int TesselHandler::_DestroyList(const Complaint& complaint, int (*destroy)(Record), Record* list, int count) {
     const std::lock_guard<FairMutex> lock(_mutex);
     if (list == nullptr) {
-        TESSEL_LOG(DLOG_ERROR, complaint.place, "%s", complaint.words);
+        HL_LOG_AT(DLOG_ERROR, complaint.place, "%s", complaint.words);
         return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
     }
     if (count < 0) {
         // The same words for every kind of list.
-        TESSEL_LOG(DLOG_ERROR, complaint.place, "device size is under zero, do not proceed");
+        HL_LOG_AT(DLOG_ERROR, complaint.place, "device size is under zero, do not proceed");
         return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
     }
     return DestroyRecords(list, count, destroy);
@@ -157,7 +146,7 @@ int TesselHandler::_AwaitText(const Needs& needs, std::string& json, std::string
     Param reply = _Await<Param>(needs, function, args...);
     json = std::move(reply.resultJson);
     errorMessage = std::move(reply.errorMessage);
-    TESSEL_LOG(DLOG_INFO, needs.place, "ret: %d, error_message: %s", reply.ret, errorMessage.c_str());
+    HL_LOG_AT(DLOG_INFO, needs.place, "ret: %d, error_message: %s", reply.ret, errorMessage.c_str());
     return reply.ret;
 }
 
@@ -173,7 +162,7 @@ int TesselHandler::_AwaitList(const Needs& needs, Record*& list, int& count,
                               int (*function)(homeloom_client_h, Parameters...), const Args&... args) {
     Param reply = _Await<Param>(needs, function, args...);
     reply.records.Release(list, count);
-    TESSEL_LOG(DLOG_INFO, needs.place, "ret: %d, device_size: %d", reply.ret, count);
+    HL_LOG_AT(DLOG_INFO, needs.place, "ret: %d, device_size: %d", reply.ret, count);
     return reply.ret;
 }
 
@@ -182,11 +171,9 @@ int TesselHandler::_AwaitRecord(const Needs& needs, Record& record, int (*functi
                                 const Args&... args) {
     Param reply = _Await<Param>(needs, function, args...);
     record = std::exchange(reply.record, nullptr);
-    TESSEL_LOG(DLOG_INFO, needs.place, "ret: %d", reply.ret);
+    HL_LOG_AT(DLOG_INFO, needs.place, "ret: %d", reply.ret);
     return reply.ret;
 }
-
-#undef TESSEL_LOG
 
 }  // namespace VMFramework::HomeLoom
 
