@@ -82,9 +82,12 @@ void HomeloomClient::SetServerEnv(const Transaction& transaction, int iotCloud, 
 
 void HomeloomClient::handleSseSmartAppEvent(const std::string& json) {
     HL_LOGI("json : %s", json.c_str());
-    if (const auto life = _lifeHandler.Get()) {
-        life->HandleSseSmartAppEvent(json);
+    const auto life = _lifeHandler.Get();
+    if (!life) {
+        HL_LOGE("life handler is gone, the event ends here");
+        return;
     }
+    life->HandleSseSmartAppEvent(json);
 }
 
 }  // namespace VMFramework::HomeLoom

@@ -89,7 +89,7 @@ TEST_F(ServerEnv, AChangeLaunchesTheAgentsApplication) {
 
     desktop::launches::forget();
     for (const auto& [iotCloud, uiMeta] : std::map<int, int>{{3, 1}, {1, 3}, {-1, 1}, {0, -1}}) {
-        EXPECT_THROW(servers.SetServerEnv(iotCloud, uiMeta), std::out_of_range);
+        EXPECT_THROW(servers.SetServerEnv(iotCloud, uiMeta), CException);
     }
     const std::vector<std::pair<const char*, const char*>> failures = {
         {"app_control_create", "fail to create"},

@@ -67,6 +67,7 @@ TEST_F(ServerEnvRequest, AsksForProductionTooWhenTheAgentDoesNotSayWhatItHas) {
 
     // Nor is what it does not say equal to an environment that is none.
     EXPECT_EQ(Ask(-1, -1), kFalse);
+    EXPECT_TRUE(desk.log.contains("Exception !! - no such server environment : -1(error:2)"));
 }
 
 TEST_F(ServerEnvRequest, FailsWithTheLaunch) {

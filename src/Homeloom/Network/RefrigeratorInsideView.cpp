@@ -184,7 +184,7 @@ std::string RefrigeratorInsideView::takeImageUrls(std::size_t count) {
 // The picture itself isn't wanted, only where the link leads: whatever the transfer's end, what counts is whether an
 // address was seen on the way.
 void RefrigeratorInsideView::requestRedirectUrl(const std::string& url, std::size_t index,
-                                                const std::string& accessToken, RefrigeratorInsideView* view) {
+                                                const std::string& accessToken, RefrigeratorInsideView* view) try {
     HL_LOGE("[index:%zu] request url : %s", index, url.c_str());
     RequestUserData userData{index, view};
     KRCurl::KRCurlEasy easy;
@@ -210,6 +210,8 @@ void RefrigeratorInsideView::requestRedirectUrl(const std::string& url, std::siz
         HL_LOGE("send failed");
     }
     easy.reset();
+} catch (const std::exception& e) {
+    HL_LOG_EXCEPTION(e);
 }
 
 int RefrigeratorInsideView::onRedirectUrl(KRCurl::DEBUG_TYPE type, char* data, unsigned size, void* userData) {

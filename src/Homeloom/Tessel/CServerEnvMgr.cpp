@@ -3,10 +3,12 @@
 
 #include <array>
 #include <memory>
+#include <string>
 #include <type_traits>
 
 #include <app_control.h>
 
+#include "Common/CException.h"
 #include "Common/HLLog.h"
 #include "Homeloom/Tessel/TesselHandler.h"
 
@@ -21,8 +23,12 @@ constexpr char kServerExtra[] = "server";
 constexpr std::array<const char*, 3> kAgentEnvNames{"STG", "PROD", "ACC"};
 
 std::string AgentEnvName(int env) {
-    // A negative number is out of the array's range as well.
-    return kAgentEnvNames.at(static_cast<std::size_t>(env));
+    // A negative number is beyond the table as well.
+    const auto index = static_cast<std::size_t>(env);
+    if (index >= kAgentEnvNames.size()) {
+        throw CException("no such server environment : " + std::to_string(env), kErrorFailed);
+    }
+    return kAgentEnvNames[index];
 }
 
 struct AppControlDestroyer {
