@@ -54,12 +54,16 @@ constexpr int kAgentStateWaiting = 2;
 HomeloomClient::HomeloomClient()
     : _hubHandler(std::make_unique<CHubHandler>()),
       _favoriteHandler(std::make_unique<FavoriteHandler>()),
+      _sceneHandler(std::make_shared<SceneHandler>()),
+      _routineHandler(std::make_shared<RoutineHandler>()),
       _irHandler(std::make_unique<IRHandler>()),
+      _locationHandler(std::make_shared<LocationHandler>()),
       _activeUserEventHandler(std::make_unique<ActiveUserEventHandler>()),
       _externalServiceHandler(std::make_shared<ExternalServiceHandler>()),
-      _wifiLockerHandler(std::make_shared<WifiLockerHandler>()) {
-    makeReplaceableHandlers();
-}
+      _deviceHandler(std::make_shared<DeviceHandler>()),
+      _coreDeviceHandler(std::make_shared<CoreDeviceHandler>()),
+      _lifeHandler(std::make_shared<LifeHandler>()),
+      _wifiLockerHandler(std::make_shared<WifiLockerHandler>()) {}
 
 HomeloomClient::~HomeloomClient() {
     _isTerminating = true;
@@ -78,20 +82,20 @@ HomeloomClient::~HomeloomClient() {
 }
 
 void HomeloomClient::makeReplaceableHandlers() {
-    if (!_sceneHandler.Get()) {
-        _sceneHandler.Set(std::make_shared<SceneHandler>());
-    }
-    if (!_routineHandler.Get()) {
-        _routineHandler.Set(std::make_shared<RoutineHandler>());
-    }
-    if (!_locationHandler.Get()) {
-        _locationHandler.Set(std::make_shared<LocationHandler>());
-    }
     if (!_deviceHandler.Get()) {
         _deviceHandler.Set(std::make_shared<DeviceHandler>());
     }
     if (!_coreDeviceHandler.Get()) {
         _coreDeviceHandler.Set(std::make_shared<CoreDeviceHandler>());
+    }
+    if (!_routineHandler.Get()) {
+        _routineHandler.Set(std::make_shared<RoutineHandler>());
+    }
+    if (!_sceneHandler.Get()) {
+        _sceneHandler.Set(std::make_shared<SceneHandler>());
+    }
+    if (!_locationHandler.Get()) {
+        _locationHandler.Set(std::make_shared<LocationHandler>());
     }
     if (!_lifeHandler.Get()) {
         _lifeHandler.Set(std::make_shared<LifeHandler>());
@@ -194,7 +198,7 @@ void HomeloomClient::deinitClient() {
     }
 }
 
-// The quit flags come before any join: a thread in a long loop sees them and can be joined soon.
+// The device handler ends its own two threads here; the others' loops run on the scheduler, which is joined after this.
 void HomeloomClient::quitHandlers() {
     if (const auto device = _deviceHandler.Get()) {
         device->Deinit();
@@ -400,7 +404,8 @@ void HomeloomClient::unsetDisclaimerAgreeChangedCallback() {
 // ---- Connection state ----
 
 void HomeloomClient::_HomeLoomClientConnectionStateChanged(homeloom_client_error_e result,
-                                                           homeloom_client_connection_state_e state, void* userData) {
+                                                           homeloom_client_connection_state_e state,
+                                                           void* userData) try {
     HL_LOGI("_HomeLoomClientConnectionStateChanged(): Result [%d] , Status [%d]", static_cast<int>(result),
             static_cast<int>(state));
     if (userData == nullptr) {
@@ -417,6 +422,8 @@ void HomeloomClient::_HomeLoomClientConnectionStateChanged(homeloom_client_error
     }
     session->AddJobToScheduler([session, result, state] { session->onConnectionStateChanged(result, state); },
                                "_HomeLoomClientConnectionStateChanged");
+} catch (const std::exception& e) {
+    HL_LOG_EXCEPTION(e);
 }
 
 void HomeloomClient::onConnectionStateChanged(homeloom_client_error_e result,
@@ -500,7 +507,7 @@ void HomeloomClient::handleAgentDisconnection() {
 
 // ---- Sign-in ----
 
-void HomeloomClient::_HomeLoomClientSignInStateChanged(bool isSignedIn, void* userData) {
+void HomeloomClient::_HomeLoomClientSignInStateChanged(bool isSignedIn, void* userData) try {
     HL_LOGI("_HomeLoomClientSignInStateChanged(): isSignedIn: %d", isSignedIn);
     auto* session = static_cast<HomeloomClient*>(userData);
     if (session == nullptr || session->_isTerminating) {
@@ -508,6 +515,8 @@ void HomeloomClient::_HomeLoomClientSignInStateChanged(bool isSignedIn, void* us
     }
     session->AddJobToScheduler([session, isSignedIn] { session->onSignInStateChanged(isSignedIn); },
                                "_HomeLoomClientSignInStateChanged");
+} catch (const std::exception& e) {
+    HL_LOG_EXCEPTION(e);
 }
 
 void HomeloomClient::onSignInStateChanged(bool isSignedIn) {

@@ -68,7 +68,8 @@ bool HoldsWhatItSays(const DeviceList& list, int count) {
 
 // ---- Server-sent events ----
 
-void HomeloomClient::_HomeLoomCoreSSEChanged(homeloom_core_sse_e type, long long, const char* json, void* userData) {
+void HomeloomClient::_HomeLoomCoreSSEChanged(homeloom_core_sse_e type, long long, const char* json,
+                                             void* userData) try {
     auto* session = static_cast<HomeloomClient*>(userData);
     if (session == nullptr || session->_isTerminating) {
         return;
@@ -76,6 +77,8 @@ void HomeloomClient::_HomeLoomCoreSSEChanged(homeloom_core_sse_e type, long long
     session->AddJobToScheduler(
         [session, type, text = std::string(json != nullptr ? json : "")] { session->handleSseEvent(type, text); },
         "_HomeLoomCoreSSEChanged");
+} catch (const std::exception& e) {
+    HL_LOG_EXCEPTION(e);
 }
 
 void HomeloomClient::handleSseEvent(homeloom_core_sse_e type, const std::string& json) {
@@ -348,7 +351,7 @@ void HomeloomClient::OnDeviceStatusUpdateEvent(const std::string& deviceId, int 
 
 // ---- The agent's lists ----
 
-void HomeloomClient::_HomeLoomClientDeviceListChanged(homeloom_client_device_h* list, int count, void* userData) {
+void HomeloomClient::_HomeLoomClientDeviceListChanged(homeloom_client_device_h* list, int count, void* userData) try {
     auto owner = std::make_shared<const DeviceList>(list, count);
     auto* session = static_cast<HomeloomClient*>(userData);
     if (session == nullptr || session->_isTerminating) {
@@ -371,6 +374,8 @@ void HomeloomClient::_HomeLoomClientDeviceListChanged(homeloom_client_device_h* 
             session->onDeviceListChanged(ids);
         },
         "_HomeLoomClientDeviceListChanged");
+} catch (const std::exception& e) {
+    HL_LOG_EXCEPTION(e);
 }
 
 void HomeloomClient::onDeviceListChanged(const std::vector<std::string>& deviceIds) {
@@ -416,7 +421,7 @@ void HomeloomClient::OnDeviceListUpdateEvent(const std::vector<std::string>& dev
 }
 
 void HomeloomClient::_HomeLoomClientDeviceDetailListChanged(homeloom_client_device_detail_h* list, int count,
-                                                            void* userData) {
+                                                            void* userData) try {
     auto owner = std::make_shared<const DeviceDetailList>(list, count);
     auto* session = static_cast<HomeloomClient*>(userData);
     if (session == nullptr || session->_isTerminating) {
@@ -433,6 +438,8 @@ void HomeloomClient::_HomeLoomClientDeviceDetailListChanged(homeloom_client_devi
             session->OnProfileUpdateEvent(UpdateList::DetailsChanged);
         },
         "_HomeLoomClientDeviceDetailListChanged");
+} catch (const std::exception& e) {
+    HL_LOG_EXCEPTION(e);
 }
 
 }  // namespace VMFramework::HomeLoom

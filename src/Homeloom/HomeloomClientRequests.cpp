@@ -144,7 +144,7 @@ void HomeloomClient::setValue(const Transaction& transaction, const std::string&
 
 void HomeloomClient::_HomeLoomClientDeviceRemoteRepresentationChanged(int error, const char* deviceId,
                                                                       const char* attributes, const char* uri,
-                                                                      const char* resDataType, void* userData) {
+                                                                      const char* resDataType, void* userData) try {
     if (userData == nullptr) {
         HL_LOGE("user_data is null");
         return;
@@ -164,6 +164,8 @@ void HomeloomClient::_HomeLoomClientDeviceRemoteRepresentationChanged(int error,
          resource = TextOf(uri),
          type = TextOf(resDataType)] { session->onRemoteRepresentationChanged(transaction, id, text, resource, type); },
         "_HomeLoomClientDeviceRemoteRepresentationChanged");
+} catch (const std::exception& e) {
+    HL_LOG_EXCEPTION(e);
 }
 
 void HomeloomClient::onRemoteRepresentationChanged(const Transaction& transaction, const std::string& deviceId,

@@ -30,7 +30,9 @@ std::vector<NotifySpec> makeNotifyTable() {
             .has("device_id text")
             .has("subdevice_type text", "the type, such as oic.d.washer")
             .has("state_text text", "what the card shows, in the TV's language")
-            .has("context_value text", "JSON: URI, property and value that the state text was made of")
+            .has("context_value text",
+                 "JSON: URI, property and value of the last argument that the state text was made of; a state without "
+                 "arguments leaves the one before")
             .has("icon_url text")
             .has("control_type text", "how the main action looks: PushButton and others; absent if there is none now")
             .has("action_state text", "of a push button its icon, otherwise the state its control shows")
@@ -38,7 +40,9 @@ std::vector<NotifySpec> makeNotifyTable() {
             .has("active_state int", "1 active, 0 inactive look")
             .has("running_state bool", "a task is running (washing, cleaning, ...)")
             .has("subdevtype_enum int", "the type as a number; 0 for types without one")
-            .has("controllable int", "1 once a value of the main action has been seen")
+            .has("controllable int",
+                 "1 once a value of the main action has been seen, for a camera or doorbell with a stream and for a "
+                 "refrigerator with an inside view as soon as its metadata is there; 0 while disconnected")
             .has(
                 "cloud_device_status int",
                 "0 connected, 1 disconnected, 2 inactive, 3 hidden; an inactive TV or refrigerator counts as connected")
@@ -46,7 +50,9 @@ std::vector<NotifySpec> makeNotifyTable() {
             .has("sub_device_card_list_info text", "JSON array of cards, for devices with parts")
             .has("num_of_sub_device_cards int")
             .has("camera_stream_url text", "cameras only")
-            .has("accesstoken text", "cameras on the audio-video platform only; spelt so"),
+            .has("accesstoken text",
+                 "cameras on the audio-video platform only, in every notify, with or without camera_stream_url: a "
+                 "screen that keeps a stream open needs the newest one; spelt so"),
         Notify("hl_create_scene", kAlsoElsewhere).has("result bool, location_id text, scene_id text, scene_json text"),
         Notify("hl_update_scene", kAlsoElsewhere).has("result bool, location_id text, scene_id text, scene_json text"),
         Notify("hl_delete_scene", kAlsoElsewhere).has("result bool, location_id text, scene_id text, scene_json text"),

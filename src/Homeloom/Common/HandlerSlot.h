@@ -12,6 +12,9 @@ namespace VMFramework::HomeLoom {
 template <typename T>
 class HandlerSlot {
 public:
+    HandlerSlot() = default;
+    explicit HandlerSlot(std::shared_ptr<T> handler) : _handler(std::move(handler)) {}
+
     std::shared_ptr<T> Get() const {
         const std::lock_guard<std::mutex> lock(_mutex);
         return _handler;

@@ -101,15 +101,17 @@ void ExternalServiceHandler::UnsetThirdPartyNotificationUpdateCb() {
     TesselHandler::GetInstance().UnsetThirdPartyNotificationStatusUpdatedCb();
 }
 
-void ExternalServiceHandler::_HomeLoomClientThirdPartyNotification(bool result, void* userData) {
+void ExternalServiceHandler::_HomeLoomClientThirdPartyNotification(bool result, void* userData) try {
     HL_LOGI("result : %d", result);
     if (const auto request = TakeRequest(userData)) {
         EnqueueOnScheduler([transaction = request->transaction, result] { ReportSetNotification(transaction, result); },
                            "_HomeLoomClientThirdPartyNotification");
     }
+} catch (const std::exception& e) {
+    HL_LOG_EXCEPTION(e);
 }
 
-void ExternalServiceHandler::_HomeLoomClientThirdPartyNotificationStatusUpdated(void* userData) {
+void ExternalServiceHandler::_HomeLoomClientThirdPartyNotificationStatusUpdated(void* userData) try {
     if (userData == nullptr) {
         HL_LOGE("user_data is null!");
         return;
@@ -121,6 +123,8 @@ void ExternalServiceHandler::_HomeLoomClientThirdPartyNotificationStatusUpdated(
             Reporter::Report(param);
         },
         "_HomeLoomClientThirdPartyNotificationStatusUpdated");
+} catch (const std::exception& e) {
+    HL_LOG_EXCEPTION(e);
 }
 
 // ---- Block list ----
@@ -142,12 +146,14 @@ void ExternalServiceHandler::SetThirdPartyNotificationStatus(const std::shared_p
     }
 }
 
-void ExternalServiceHandler::_HomeLoomClientSetThirdPartyNotificationStatus(bool result, void* userData) {
+void ExternalServiceHandler::_HomeLoomClientSetThirdPartyNotificationStatus(bool result, void* userData) try {
     HL_LOGI("result : %d", result);
     if (const auto request = TakeRequest(userData)) {
         EnqueueOnScheduler([transaction = request->transaction, result] { ReportSetStatus(transaction, result); },
                            "_HomeLoomClientSetThirdPartyNotificationStatus");
     }
+} catch (const std::exception& e) {
+    HL_LOG_EXCEPTION(e);
 }
 
 void ExternalServiceHandler::GetThirdPartyNotificationStatus(const std::shared_ptr<CTransaction>& transaction) {
@@ -162,7 +168,7 @@ void ExternalServiceHandler::GetThirdPartyNotificationStatus(const std::shared_p
 }
 
 void ExternalServiceHandler::_HomeLoomClientGetThirdPartyNotificationStatus(int error, bool, char** deviceIds,
-                                                                            int count, void* userData) {
+                                                                            int count, void* userData) try {
     HL_LOGI("result : %d", error);
     const auto request = TakeRequest(userData);
     if (!request) {
@@ -175,6 +181,8 @@ void ExternalServiceHandler::_HomeLoomClientGetThirdPartyNotificationStatus(int 
             ReportStatus(transaction, error == 0, json);
         },
         "_HomeLoomClientGetThirdPartyNotificationStatus");
+} catch (const std::exception& e) {
+    HL_LOG_EXCEPTION(e);
 }
 
 std::string ExternalServiceHandler::convertBlockDeviceIdsToJson(char** deviceIds, int count) {
