@@ -147,7 +147,15 @@ void CHomeLoomClient::_StopSearch() {
 void CHomeLoomClient::_GetDeviceList() {
     HL_TRACE(this);
     try {
-        _normalDispatcher.EnqueueData([this] { _client.StartScan(); }, "GetDeviceList");
+        _normalDispatcher.EnqueueData([this] { _ScanDevices(); }, "GetDeviceList");
+    } catch (const std::exception& e) {
+        HL_LOG_EXCEPTION(e);
+    }
+}
+
+void CHomeLoomClient::_ScanDevices() {
+    try {
+        _client.StartScan();
     } catch (const std::exception& e) {
         HL_LOG_EXCEPTION(e);
     }

@@ -53,6 +53,7 @@ private:
     void _Search();
     void _StopSearch();
     void _GetDeviceList();
+    void _ScanDevices();
 
     void _RunRequest(const std::string& name, const std::shared_ptr<CTransaction>& transaction);
     void _RunPriorRequest(const std::string& name, const std::shared_ptr<CTransaction>& transaction);

@@ -354,6 +354,7 @@ TEST_F(TesselHandlerTableTest, BlockingOperationsPassArgumentsAndCodes) {
 }
 
 TEST_F(TesselHandlerTableTest, WithoutAHandleTheAgentIsNotAsked) {
+    const homeloom::desktop::log::Capture log;
     facade.Quit();  // an operation that waited in spite of that would be seen by its code
     for (const auto* rows : {&kPlain, &kPlainLists, &kBlocking, &kBlockingLists}) {
         for (const Row& row : *rows) {
@@ -366,6 +367,7 @@ TEST_F(TesselHandlerTableTest, WithoutAHandleTheAgentIsNotAsked) {
     EXPECT_EQ(HOMELOOM_CLIENT_ERROR_NOT_CONNECTED, facade.Disconnect());
     EXPECT_EQ(0, facade.GetState());
     EXPECT_EQ("", facade.GetUserId());
+    EXPECT_TRUE(log.contains("Fail to get user id"));
     EXPECT_EQ(nullptr, facade.GetHandle());
     EXPECT_EQ(kRefused, facade.Connect(nullptr, nullptr));
 }

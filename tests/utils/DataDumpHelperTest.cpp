@@ -38,6 +38,7 @@ TEST(Dump, CollectsValuesAsText) {
     };
     EXPECT_EQ(added(kMap), "a:1,b:2");
     EXPECT_EQ(added(kTexts), "x,y");
+    EXPECT_EQ(added(std::vector<std::string>{"", "a", ""}), ",a,");
     EXPECT_EQ(added(kNumbers), "3,-4");
     EXPECT_EQ(added(kList), "l");
     EXPECT_EQ(added("one", std::string("two"), "three"), "one,two,three");

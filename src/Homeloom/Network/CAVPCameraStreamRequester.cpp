@@ -79,12 +79,20 @@ std::string CAVPCameraStreamRequester::_GetRequestUri(const std::string& deviceI
 std::string CAVPCameraStreamRequester::_GetStreamUrlJson(const std::string& response) {
     std::string sourceId;
     std::string gatewayUrl;
-    _GetStreamUrl(response, sourceId, gatewayUrl);
-    return _MakeJsonStreamUrl(gatewayUrl);
+    if (!_GetStreamUrl(response, sourceId, gatewayUrl)) {
+        HL_LOGE("Fail to get stream url from response");
+        return "";
+    }
+    std::string text;
+    if (!_MakeJsonStreamUrl(gatewayUrl, text)) {
+        HL_LOGE("Fail to make json stream url");
+        return "";
+    }
+    return text;
 }
 
 // An empty stream object gives empty texts, which count as an address.
-void CAVPCameraStreamRequester::_GetStreamUrl(const std::string& response, std::string& sourceId,
+bool CAVPCameraStreamRequester::_GetStreamUrl(const std::string& response, std::string& sourceId,
                                               std::string& gatewayUrl) {
     try {
         HL_LOGI("response[%s]", response.c_str());
@@ -96,6 +104,7 @@ void CAVPCameraStreamRequester::_GetStreamUrl(const std::string& response, std::
         gatewayUrl = stream["gateway_url"].asString();
         sourceId = stream["source_id"].asString();
         HL_LOGI("Device Id is %s, Stream URL is %s", sourceId.c_str(), gatewayUrl.c_str());
+        return true;
     } catch (const std::exception& e) {
         HL_LOG_EXCEPTION(e);
         throw;
@@ -103,13 +112,13 @@ void CAVPCameraStreamRequester::_GetStreamUrl(const std::string& response, std::
 }
 
 // The form in which other cameras publish their addresses themselves.
-std::string CAVPCameraStreamRequester::_MakeJsonStreamUrl(const std::string& url) {
+bool CAVPCameraStreamRequester::_MakeJsonStreamUrl(const std::string& url, std::string& text) {
     auto object = json::JsonValue::CreateObject();
     object.set("InHomeURL", url);
     object.set("OutHomeURL", url);
-    std::string text = object.toString();
+    text = object.toString();
     HL_LOGI("json_url : %s", text.c_str());
-    return text;
+    return !text.empty();
 }
 
 }  // namespace VMFramework::HomeLoom

@@ -19,8 +19,8 @@ private:
     static std::string _GetAvpServerUrl();
     static std::string _GetRequestUri(const std::string& deviceId);
     static std::string _GetStreamUrlJson(const std::string& response);
-    static void _GetStreamUrl(const std::string& response, std::string& sourceId, std::string& gatewayUrl);
-    static std::string _MakeJsonStreamUrl(const std::string& url);
+    static bool _GetStreamUrl(const std::string& response, std::string& sourceId, std::string& gatewayUrl);
+    static bool _MakeJsonStreamUrl(const std::string& url, std::string& text);
 };
 
 }  // namespace VMFramework::HomeLoom

@@ -8,6 +8,7 @@
 #include <VMFramework/JsonValue.h>
 
 #include "Common/HLLog.h"
+#include "Homeloom/Network/ServerSetting.h"
 #include "Homeloom/Network/ServiceHosts.h"
 
 namespace VMFramework::HomeLoom {
@@ -61,8 +62,9 @@ void CNoneAVPCameraStreamRequester::read_json_command_response(const std::string
     }
 }
 
-// Production in every environment: the cameras take these commands from nowhere else.
+// Production in every environment, which is read for the log alone: the cameras take these commands from nowhere else.
 const std::string& CNoneAVPCameraStreamRequester::get_st_server_url() {
+    ServerSetting().GetIoTCloudServerEnv();
     _serverUrl = std::string(ServiceHosts::kApiProduction) + kDevicesPath;
     HL_LOGI("server url : %s", _serverUrl.c_str());
     return _serverUrl;

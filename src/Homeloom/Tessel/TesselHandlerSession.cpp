@@ -95,7 +95,11 @@ int TesselHandler::SetServerEnv(int type, int env) {
 
 std::string TesselHandler::GetUserId() {
     const std::lock_guard<FairMutex> lock(_mutex);
-    return _MayCall({}) ? _GetUserId() : std::string();
+    if (!_MayCall({})) {
+        HL_LOGE("Fail to get user id");
+        return {};
+    }
+    return _GetUserId();
 }
 
 // The members and their order are read by other processes; the access token stands there in clear.

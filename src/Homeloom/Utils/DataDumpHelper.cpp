@@ -108,10 +108,12 @@ void DataDumpHelper::doPrint(const std::string& text) {
 template <typename Values>
 void DataDumpHelper::addItems(const Values& values) {
     std::string text;
+    const char* separator = "";
     for (const auto& value : values) {
         const std::string item = TextOf(value);
         doPrint(item);
-        text += (text.empty() ? "" : ",") + item;
+        text += separator + item;
+        separator = ",";
     }
     const std::lock_guard<std::mutex> lock(_mutex);
     _info += text;

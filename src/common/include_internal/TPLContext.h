@@ -18,6 +18,7 @@ namespace VMFramework::TPL {
 
 inline constexpr char kContextTag[] = "VMF_TPL_CONTEXT";
 
+// What each job goes through is for who debugs the queue itself: at info level three lines a job would hide the rest.
 #define TPL_LOGD(...) HL_LOG_TAGGED(DLOG_DEBUG, VMFramework::TPL::kContextTag, __VA_ARGS__)
 #define TPL_LOGI(...) HL_LOG_TAGGED(DLOG_INFO, VMFramework::TPL::kContextTag, __VA_ARGS__)
 #define TPL_LOGE(...) HL_LOG_TAGGED(DLOG_ERROR, VMFramework::TPL::kContextTag, __VA_ARGS__)
@@ -163,10 +164,9 @@ template <typename Invoker>
 void CContext<T>::TerminateSync(Invoker& invoker) {
     TPL_LOGI("[%s] TerminateSync", typeid(T).name());
     const auto job = std::make_shared<CTerminateJobSync>();
-    if (!_InvokeJob(job, invoker)) {
-        return;
-    }
-    const bool done = job->GetSynchronizer().WaitUntil(std::chrono::steady_clock::now() + kTerminateLimit);
+    // Run in place, or refused: there is nothing to wait for, and the flag tells which it was.
+    const auto limit = _InvokeJob(job, invoker) ? kTerminateLimit : std::chrono::seconds::zero();
+    const bool done = job->GetSynchronizer().WaitUntil(std::chrono::steady_clock::now() + limit);
     TPL_LOGD("Sync result(%d)", done);
 }
 
