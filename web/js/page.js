@@ -20,6 +20,7 @@ import { viewOf } from "./views.js";
 
 // So wide that names can be read from three metres, in rem with the gap.
 const leastCardRem = 21;
+const shownMark = "home-shown";
 const mostAskedAnew = 200;
 const contrastKey = "homeloom.high-contrast";
 
@@ -190,6 +191,9 @@ export class Page {
         this._showNotice();
         this._keepFocus();
         this._showHints();
+        if (this.store.isKnown && performance.getEntriesByName(shownMark).length === 0) {
+            requestAnimationFrame(() => performance.mark(shownMark));
+        }
     }
 
     _measure() {

@@ -35,23 +35,37 @@ function ofReport(report) {
     return report.call === "load_result" ? `status ${report.status}` : `${report.name} ${texts.join(" ")}`;
 }
 
-/** @param {{type: string, document: any}} heard @returns {string} of Python, with the desk TV's client as `tv` */
+/**
+ * @param {{type: string, document: any}} heard
+ * @returns {string} of Python: `tv` is the desk TV's client, `events` what its events() gave before
+ */
 export function testLine({ type, document }) {
     if (type === "command") {
-        return `tv.command(${python(document.command)})`;
+        return `tv.command(${JSON.stringify(document.command)})`;
     }
     if (type === "report" && document.name === "hl_device_state_updated") {
-        return `tv.wait_for_state(${python(document.properties.device_id)}, ${python(document.properties.state_text ?? "")})`;
+        const { device_id: id, state_text: text = "" } = document.properties;
+        return `tv.wait_for_state(${JSON.stringify(id)}, ${JSON.stringify(text)})`;
     }
-    return `tv.wait_for(${python(document.name ?? kindOf({ type, document }))}${wanted(document.properties ?? {})})`;
+    if (type === "report" && document.name !== undefined) {
+        return `next(e for e in events if e.data.get("name") == ${JSON.stringify(document.name)}` +
+            ` and e.data["properties"] == ${python(document.properties)})`;
+    }
+    const value = type === "report" ? `e.data.get("call") == ${JSON.stringify(document.call)}` : `e.type == ${JSON.stringify(type)}`;
+    return `next(e for e in events if ${value})`;
 }
 
-/** @param {Record<string, any>} properties */
-function wanted(properties) {
-    return Object.entries(properties).map(([key, value]) => `, ${key}=${python(value)}`).join("");
-}
-
-/** @param {any} value */
+/** @param {any} value @returns {string} */
 function python(value) {
-    return value === true ? "True" : value === false ? "False" : JSON.stringify(value);
+    if (typeof value === "boolean") {
+        return value ? "True" : "False";
+    }
+    if (value === null) {
+        return "None";
+    }
+    if (Array.isArray(value)) {
+        return `[${value.map(python).join(", ")}]`;
+    }
+    return typeof value !== "object" ? JSON.stringify(value)
+        : `{${Object.entries(value).map(([key, one]) => `${JSON.stringify(key)}: ${python(one)}`).join(", ")}}`;
 }
