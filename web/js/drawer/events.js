@@ -92,7 +92,7 @@ export class EventsTab {
     /** @param {Heard} heard */
     _make(heard) {
         const entry = el("details", { class: `event event-${kindOf(heard)}`, data: { key: `${heard.id} ${heard.type}` } },
-                         el("summary", {}, el("span", { class: "event-id", text: heard.id }),
+                         el("summary", {}, el("span", { class: "event-id", title: heard.id, text: heard.id.slice(-5) }),
                             el("span", { class: "event-kind", text: kindOf(heard) }), el("span", { class: "event-text", text: brief(heard) })));
         // The JSON of a whole home is long: it's made when somebody wants to see it.
         entry.addEventListener("toggle", () => {
