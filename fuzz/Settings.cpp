@@ -8,6 +8,7 @@
 #include "Common/CHLUtil.h"
 #include "Homeloom/Devices/DeviceHandler.h"
 #include "Homeloom/Tessel/CServerEnvMgr.h"
+#include "Homeloom/Tessel/TesselHandler.h"
 #include "Homeloom/UIMeta/Metadata.h"
 #include "support/Input.h"
 
@@ -19,7 +20,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
          {"db/es_master/signup_info", "db/homeloom/server/env", "db/menu_widget/language", "db/comss/countrycode"}) {
         homeloom::desktop::settings::setString(key, text);
     }
-    DeviceHandler().IsMyTV("this-tv");
+    DeviceHandler(TesselHandler::GetInstance()).IsMyTV("this-tv");
     CHLUtil::GetHLHubCountryCode();
     // It watches the language, so the main loop tells it.
     Metadata::GetInstance();

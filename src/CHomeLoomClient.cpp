@@ -10,6 +10,7 @@
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
 #include "Helpers/CPropertyListHelper.h"
+#include "Homeloom/Tessel/TesselHandler.h"
 
 namespace VMFramework::HomeLoom {
 
@@ -19,7 +20,9 @@ std::shared_ptr<CHomeLoomClient> CHomeLoomClient::Create() {
     return client;
 }
 
-CHomeLoomClient::CHomeLoomClient() : _normalDispatcher("Normal"), _priorDispatcher("Prior") {}
+// The one place that knows which agent the plug-in has: all else knows the interface.
+CHomeLoomClient::CHomeLoomClient()
+    : _client(TesselHandler::GetInstance()), _normalDispatcher("Normal"), _priorDispatcher("Prior") {}
 
 CHomeLoomClient::~CHomeLoomClient() = default;
 

@@ -25,7 +25,7 @@
 #include "Homeloom/Location/LocationHandler.h"
 #include "Homeloom/Routine/RoutineHandler.h"
 #include "Homeloom/Scene/SceneHandler.h"
-#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/Tessel/ITesselHandler.h"
 #include "Homeloom/UIMeta/Metadata.h"
 #include "Homeloom/WifiLocker/WifiLockerHandler.h"
 
@@ -51,19 +51,20 @@ constexpr int kAgentStateWaiting = 2;
 
 }  // namespace
 
-HomeloomClient::HomeloomClient()
-    : _hubHandler(std::make_unique<CHubHandler>()),
-      _favoriteHandler(std::make_unique<FavoriteHandler>()),
-      _sceneHandler(std::make_shared<SceneHandler>()),
-      _routineHandler(std::make_shared<RoutineHandler>()),
-      _irHandler(std::make_unique<IRHandler>()),
-      _locationHandler(std::make_shared<LocationHandler>()),
-      _activeUserEventHandler(std::make_unique<ActiveUserEventHandler>()),
-      _externalServiceHandler(std::make_shared<ExternalServiceHandler>()),
-      _deviceHandler(std::make_shared<DeviceHandler>()),
-      _coreDeviceHandler(std::make_shared<CoreDeviceHandler>()),
-      _lifeHandler(std::make_shared<LifeHandler>()),
-      _wifiLockerHandler(std::make_shared<WifiLockerHandler>()) {}
+HomeloomClient::HomeloomClient(ITesselHandler& agent)
+    : _agent(agent),
+      _hubHandler(std::make_unique<CHubHandler>(_agent)),
+      _favoriteHandler(std::make_unique<FavoriteHandler>(_agent)),
+      _sceneHandler(std::make_shared<SceneHandler>(_agent)),
+      _routineHandler(std::make_shared<RoutineHandler>(_agent)),
+      _irHandler(std::make_unique<IRHandler>(_agent)),
+      _locationHandler(std::make_shared<LocationHandler>(_agent)),
+      _activeUserEventHandler(std::make_unique<ActiveUserEventHandler>(_agent)),
+      _externalServiceHandler(std::make_shared<ExternalServiceHandler>(_agent)),
+      _deviceHandler(std::make_shared<DeviceHandler>(_agent)),
+      _coreDeviceHandler(std::make_shared<CoreDeviceHandler>(_agent)),
+      _lifeHandler(std::make_shared<LifeHandler>(_agent)),
+      _wifiLockerHandler(std::make_shared<WifiLockerHandler>(_agent)) {}
 
 HomeloomClient::~HomeloomClient() {
     _isTerminating = true;
@@ -83,22 +84,22 @@ HomeloomClient::~HomeloomClient() {
 
 void HomeloomClient::makeReplaceableHandlers() {
     if (!_deviceHandler.Get()) {
-        _deviceHandler.Set(std::make_shared<DeviceHandler>());
+        _deviceHandler.Set(std::make_shared<DeviceHandler>(_agent));
     }
     if (!_coreDeviceHandler.Get()) {
-        _coreDeviceHandler.Set(std::make_shared<CoreDeviceHandler>());
+        _coreDeviceHandler.Set(std::make_shared<CoreDeviceHandler>(_agent));
     }
     if (!_routineHandler.Get()) {
-        _routineHandler.Set(std::make_shared<RoutineHandler>());
+        _routineHandler.Set(std::make_shared<RoutineHandler>(_agent));
     }
     if (!_sceneHandler.Get()) {
-        _sceneHandler.Set(std::make_shared<SceneHandler>());
+        _sceneHandler.Set(std::make_shared<SceneHandler>(_agent));
     }
     if (!_locationHandler.Get()) {
-        _locationHandler.Set(std::make_shared<LocationHandler>());
+        _locationHandler.Set(std::make_shared<LocationHandler>(_agent));
     }
     if (!_lifeHandler.Get()) {
-        _lifeHandler.Set(std::make_shared<LifeHandler>());
+        _lifeHandler.Set(std::make_shared<LifeHandler>(_agent));
     }
 }
 
@@ -163,7 +164,7 @@ void HomeloomClient::deinitClient() {
             const std::lock_guard<std::mutex> barrier(_lifecycleMutex);
         }
         _isTerminating = true;
-        TesselHandler::GetInstance().Quit();
+        _agent.Quit();
         quitHandlers();
         SGTMsgDispatcher::GetInstance().Quit();
         if (const auto location = _locationHandler.Get()) {
@@ -178,7 +179,7 @@ void HomeloomClient::deinitClient() {
         }
         stopConnectionRetryTimer();
         _connectTimer.Cancel();
-        TesselHandler::GetInstance().UnsetSignInStateChangeCb();
+        _agent.UnsetSignInStateChangeCb();
         deregisterCallbacks();
         disconnectClient();
         // Nothing of the plug-in outlives this.
@@ -237,7 +238,7 @@ void HomeloomClient::connectClient() {
         }
         HL_LOGI("try to call homeloom_client_connect");
         _isConnectionWanted = true;
-        result = TesselHandler::GetInstance().Connect(_HomeLoomClientConnectionStateChanged, this);
+        result = _agent.Connect(_HomeLoomClientConnectionStateChanged, this);
     }
     switch (result) {
         case HOMELOOM_CLIENT_ERROR_NONE:
@@ -258,7 +259,7 @@ void HomeloomClient::connectClient() {
 void HomeloomClient::disconnectClient() {
     const std::lock_guard<std::mutex> gate(_connectGate);
     _isConnectionWanted = false;
-    const int result = TesselHandler::GetInstance().Disconnect();
+    const int result = _agent.Disconnect();
     HL_LOGI("homeloom_client_disconnect() ret : %d", result);
     // The agent has dropped its pending calls, so nobody will come for what waits for their answers.
     CallbackTokens::DropKept();
@@ -327,7 +328,7 @@ int HomeloomClient::getConnectionStatus() {
         HL_LOGI("agent not connected. skip!");
         return 0;
     }
-    return TesselHandler::GetInstance().GetState();
+    return _agent.GetState();
 }
 
 bool HomeloomClient::getIsAgentConnected() const {
@@ -470,12 +471,11 @@ void HomeloomClient::handleAgentConnected() {
     stopConnectionRetryTimer();
     setCurrentLoginId();
 
-    auto& agent = TesselHandler::GetInstance();
-    agent.UnsetSignInStateChangeCb();
-    agent.SetSignInStateChangeCb(_HomeLoomClientSignInStateChanged, this);
+    _agent.UnsetSignInStateChangeCb();
+    _agent.SetSignInStateChangeCb(_HomeLoomClientSignInStateChanged, this);
 
     bool isSignedIn = false;
-    agent.IsSignedIn(isSignedIn);
+    _agent.IsSignedIn(isSignedIn);
     updateAccessToken(isSignedIn);
     OnSignInStateChangeEvent(isSignedIn);
     if (!isSignedIn) {
@@ -579,10 +579,9 @@ void HomeloomClient::updateAccessToken(bool isSignedIn) {
         return;
     }
     try {
-        auto& agent = TesselHandler::GetInstance();
-        agent.StoreSigninInfo();
+        _agent.StoreSigninInfo();
         std::string token;
-        agent.GetAccessToken(token);
+        _agent.GetAccessToken(token);
         if (token.empty()) {
             throw CException("access token is empty!", kErrorNoData);
         }
@@ -601,7 +600,7 @@ std::string HomeloomClient::GetAccessToken() const {
 
 void HomeloomClient::setCurrentLoginId() {
     std::string loginId;
-    TesselHandler::GetInstance().GetLoginID(loginId);
+    _agent.GetLoginID(loginId);
     const std::lock_guard<std::mutex> account(_accountMutex);
     _loginId = std::move(loginId);
 }
@@ -609,7 +608,7 @@ void HomeloomClient::setCurrentLoginId() {
 // An empty id on either side is no change, and is not stored.
 bool HomeloomClient::isLoginIdChanged() {
     std::string loginId;
-    TesselHandler::GetInstance().GetLoginID(loginId);
+    _agent.GetLoginID(loginId);
     const std::lock_guard<std::mutex> account(_accountMutex);
     if (loginId.empty() || _loginId.empty() || loginId == _loginId) {
         return false;
@@ -639,18 +638,16 @@ void HomeloomClient::registerOCFCallback() {
     if (const auto location = _locationHandler.Get()) {
         location->SetGroupListUpdateCallback();
     }
-    auto& agent = TesselHandler::GetInstance();
-    agent.SetDeviceListUpdatedCb(_HomeLoomClientDeviceListChanged, this);
-    agent.SetDeviceDetailListUpdatedCb(_HomeLoomClientDeviceDetailListChanged, this);
+    _agent.SetDeviceListUpdatedCb(_HomeLoomClientDeviceListChanged, this);
+    _agent.SetDeviceDetailListUpdatedCb(_HomeLoomClientDeviceDetailListChanged, this);
 }
 
 void HomeloomClient::deregisterOCFCallback() {
     if (const auto location = _locationHandler.Get()) {
         location->UnsetGroupListUpdateCallback();
     }
-    auto& agent = TesselHandler::GetInstance();
-    agent.UnsetDeviceListUpdatedCb();
-    agent.UnsetDeviceDetailListUpdatedCb();
+    _agent.UnsetDeviceListUpdatedCb();
+    _agent.UnsetDeviceDetailListUpdatedCb();
     _externalServiceHandler->UnsetThirdPartyNotificationUpdateCb();
 }
 
@@ -659,11 +656,11 @@ void HomeloomClient::registerSSECallback() {
         HL_LOGI("already quit. return!");
         return;
     }
-    TesselHandler::GetInstance().SetCoreSSECb(kSseMask, _HomeLoomCoreSSEChanged, this);
+    _agent.SetCoreSSECb(kSseMask, _HomeLoomCoreSSEChanged, this);
 }
 
 void HomeloomClient::deregisterSSECallback() {
-    TesselHandler::GetInstance().UnsetCoreSSECb();
+    _agent.UnsetCoreSSECb();
 }
 
 // ---- Scheduling ----

@@ -38,6 +38,7 @@ class ExternalServiceHandler;
 class FavoriteHandler;
 class IPropertyListHelper;
 class IRHandler;
+class ITesselHandler;
 class LifeHandler;
 class LocationHandler;
 class RoutineHandler;
@@ -61,7 +62,7 @@ struct device_resource_info_struct;
 class HomeloomClient : public Connector {
 public:
     /// Makes the handlers. Connects nothing.
-    HomeloomClient();
+    explicit HomeloomClient(ITesselHandler& agent);
     ~HomeloomClient() override;
     HomeloomClient(const HomeloomClient&) = delete;
     HomeloomClient& operator=(const HomeloomClient&) = delete;
@@ -311,6 +312,8 @@ private:
     std::shared_ptr<Kind> findDeviceOf(const std::string& deviceId) const;
 
     // ---- State ----
+
+    ITesselHandler& _agent;
 
     // Written under the session's mutex.
     std::atomic<bool> _isAgentConnected{false};

@@ -23,7 +23,7 @@
 #include "Homeloom/Network/CHubRequester.h"
 #include "Homeloom/Routine/RoutineHandler.h"
 #include "Homeloom/Scene/SceneHandler.h"
-#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/Tessel/AgentList.h"
 #include "Homeloom/UIMeta/Metadata.h"
 
 namespace VMFramework::HomeLoom {
@@ -33,10 +33,10 @@ namespace {
 constexpr char kUnknownDeviceType[] = "unknown";
 
 // Empty on failure, which is logged.
-std::string DetailText(homeloom_client_device_detail_h detail, int property, const char* failure,
+std::string DetailText(ITesselHandler& agent, homeloom_client_device_detail_h detail, int property, const char* failure,
                        const Log::Place& caller = HL_CALLER) {
     std::string text;
-    if (TesselHandler::GetInstance().DeviceDetailGetString(detail, property, text) != 0) {
+    if (agent.DeviceDetailGetString(detail, property, text) != 0) {
         HL_LOG_AT(DLOG_ERROR, caller, "%s", failure);
         text.clear();
     }
@@ -44,20 +44,20 @@ std::string DetailText(homeloom_client_device_detail_h detail, int property, con
 }
 
 // For what a device can't be without: an empty text counts as a failure.
-std::string RequiredText(homeloom_client_device_detail_h detail, int property, const char* failure,
-                         const Log::Place& caller = HL_CALLER) {
+std::string RequiredText(ITesselHandler& agent, homeloom_client_device_detail_h detail, int property,
+                         const char* failure, const Log::Place& caller = HL_CALLER) {
     std::string text;
-    if (TesselHandler::GetInstance().DeviceDetailGetString(detail, property, text) != 0 || text.empty()) {
+    if (agent.DeviceDetailGetString(detail, property, text) != 0 || text.empty()) {
         HL_LOG_AT(DLOG_ERROR, caller, "%s", failure);
         text.clear();
     }
     return text;
 }
 
-std::vector<std::string> DetailTexts(homeloom_client_device_detail_h detail, int property, const char* failure,
-                                     const Log::Place& caller = HL_CALLER) {
+std::vector<std::string> DetailTexts(ITesselHandler& agent, homeloom_client_device_detail_h detail, int property,
+                                     const char* failure, const Log::Place& caller = HL_CALLER) {
     std::vector<std::string> texts;
-    if (TesselHandler::GetInstance().DeviceDetailGetStringArray(detail, property, texts) != 0) {
+    if (agent.DeviceDetailGetStringArray(detail, property, texts) != 0) {
         HL_LOG_AT(DLOG_ERROR, caller, "%s", failure);
         texts.clear();
     }
@@ -110,31 +110,23 @@ bool HomeloomClient::GetDevicesInfo() {
         return false;
     }
     try {
-        auto& agent = TesselHandler::GetInstance();
-        homeloom_client_device_detail_h* list = nullptr;
-        int count = 0;
-        const int result = agent.GetDeviceDetailList(list, count);
-        HL_LOGI("ret of get_device_detail_list: %d, detail_cnt: %d", result, count);
-        const auto release = [&agent, count](homeloom_client_device_detail_h* records) {
-            if (count >= 0) {
-                agent.DeviceDetailDestroy(records, count);
-            }
-        };
-        const std::unique_ptr<homeloom_client_device_detail_h, decltype(release)> owner(list, release);
+        AgentList<homeloom_client_device_detail_h> details(_agent, &ITesselHandler::DeviceDetailDestroy);
+        const int result = _agent.GetDeviceDetailList(details.list, details.count);
+        HL_LOGI("ret of get_device_detail_list: %d, detail_cnt: %d", result, details.count);
         if (result != 0 && result != HOMELOOM_CLIENT_ERROR_NO_DATA) {
             HL_LOGE("get device detail list error!");
             return false;
         }
-        if (count < 0) {
+        if (details.count < 0) {
             HL_LOGE("device detail list count < 0");
             return false;
         }
-        if (result == 0 && list == nullptr && count > 0) {
+        if (result == 0 && details.list == nullptr && details.count > 0) {
             // Not to be taken for an empty home: the devices are there, only not told.
-            HL_LOGE("device detail list does not hold what it says, count : %d", count);
+            HL_LOGE("device detail list does not hold what it says, count : %d", details.count);
             return false;
         }
-        buildDeviceDetailList(list, count);
+        buildDeviceDetailList(details.list, details.count);
         return true;
     } catch (const std::exception& e) {
         HL_LOG_EXCEPTION(e);
@@ -211,40 +203,41 @@ void HomeloomClient::buildDeviceDetailList(homeloom_client_device_detail_h* list
 bool HomeloomClient::readDeviceDetail(homeloom_client_device_detail_h detail, Device::_deviceInfo& info,
                                       std::vector<std::string>& uris, std::vector<std::string>& osvUris) {
     // "geting" stands so in the log of every TV.
-    info.device_id = RequiredText(detail, HOMELOOM_CLIENT_DEVICE_DETAIL_PROPERTY_DEVICE_ID,
+    info.device_id = RequiredText(_agent, detail, HOMELOOM_CLIENT_DEVICE_DETAIL_PROPERTY_DEVICE_ID,
                                   "geting device_id failed or device_id is null");
     if (info.device_id.empty()) {
         return false;
     }
     const auto devices = _deviceHandler.Get();
     info.device_name = devices ? devices->GetDeviceNameFromDeviceDetail(detail) : std::string();
-    info.vid = RequiredText(detail, HOMELOOM_CLIENT_DEVICE_DETAIL_PROPERTY_VID, "geting vid failed or vid is null");
+    info.vid =
+        RequiredText(_agent, detail, HOMELOOM_CLIENT_DEVICE_DETAIL_PROPERTY_VID, "geting vid failed or vid is null");
     if (info.vid.empty()) {
         return false;
     }
     std::vector<std::string> types;
-    if (TesselHandler::GetInstance().DeviceDetailGetStringArray(
-            detail, HOMELOOM_CLIENT_DEVICE_DETAIL_PROPERTY_DEVICE_TYPES, types) != 0 ||
+    if (_agent.DeviceDetailGetStringArray(detail, HOMELOOM_CLIENT_DEVICE_DETAIL_PROPERTY_DEVICE_TYPES, types) != 0 ||
         types.empty()) {
         HL_LOGE("geting device_type_array failed or size is 0");
         return false;
     }
     info.device_type = getDeviceType(types);
-    uris = DetailTexts(detail, HOMELOOM_CLIENT_DEVICE_DETAIL_PROPERTY_RESOURCES, "getting RESOURCES array failed");
-    osvUris =
-        DetailTexts(detail, HOMELOOM_CLIENT_DEVICE_DETAIL_PROPERTY_OSV_RESOURCES, "getting osv RESOURCES array failed");
-    info.nick_name = DetailText(detail, HOMELOOM_CLIENT_DEVICE_DETAIL_PROPERTY_NICK_NAME, "getting nick name failed");
-    info.prefix = DetailText(detail, HOMELOOM_CLIENT_DEVICE_DETAIL_PROPERTY_PREFIX, "getting prefix failed");
+    uris =
+        DetailTexts(_agent, detail, HOMELOOM_CLIENT_DEVICE_DETAIL_PROPERTY_RESOURCES, "getting RESOURCES array failed");
+    osvUris = DetailTexts(_agent, detail, HOMELOOM_CLIENT_DEVICE_DETAIL_PROPERTY_OSV_RESOURCES,
+                          "getting osv RESOURCES array failed");
+    info.nick_name =
+        DetailText(_agent, detail, HOMELOOM_CLIENT_DEVICE_DETAIL_PROPERTY_NICK_NAME, "getting nick name failed");
+    info.prefix = DetailText(_agent, detail, HOMELOOM_CLIENT_DEVICE_DETAIL_PROPERTY_PREFIX, "getting prefix failed");
     int status = DEVICE_STATUS_CONNECTED;
-    if (TesselHandler::GetInstance().DeviceDetailGetInt(detail, HOMELOOM_CLIENT_DEVICE_DETAIL_PROPERTY_CLOUD_STATUS,
-                                                        status) != 0) {
+    if (_agent.DeviceDetailGetInt(detail, HOMELOOM_CLIENT_DEVICE_DETAIL_PROPERTY_CLOUD_STATUS, status) != 0) {
         HL_LOGE("getting cloud device state failed");
         status = DEVICE_STATUS_CONNECTED;
     }
     info.status = static_cast<DeviceStatus>(status);
     info.location_id =
-        DetailText(detail, HOMELOOM_CLIENT_DEVICE_DETAIL_PROPERTY_LOCATION_ID, "getting location id failed");
-    info.room_id = DetailText(detail, HOMELOOM_CLIENT_DEVICE_DETAIL_PROPERTY_ROOM_ID, "getting room id failed");
+        DetailText(_agent, detail, HOMELOOM_CLIENT_DEVICE_DETAIL_PROPERTY_LOCATION_ID, "getting location id failed");
+    info.room_id = DetailText(_agent, detail, HOMELOOM_CLIENT_DEVICE_DETAIL_PROPERTY_ROOM_ID, "getting room id failed");
     return true;
 }
 
@@ -297,7 +290,7 @@ void HomeloomClient::createCanvasMap() {
 
 std::string HomeloomClient::getCoreCanvas(const std::string& presentationId, const std::string& manufacturerName) {
     std::string document;
-    if (TesselHandler::GetInstance().GetCanvas(presentationId, manufacturerName, document) != 0) {
+    if (_agent.GetCanvas(presentationId, manufacturerName, document) != 0) {
         document.clear();
     }
     return document;
@@ -459,7 +452,7 @@ bool HomeloomClient::needHubResetWithDeviceList(const std::vector<std::string>& 
 bool HomeloomClient::checkHubResetPreCondition(const std::string& hubId) {
     const std::string onboarded = _hubHandler->GetLoginIDHubOnboarded();
     std::string current;
-    TesselHandler::GetInstance().GetLoginID(current);
+    _agent.GetLoginID(current);
     HL_LOGI("hub onboarded login id : %s, cur login id : %s, hub device id : %s", onboarded.c_str(), current.c_str(),
             hubId.c_str());
     if (onboarded.empty()) {

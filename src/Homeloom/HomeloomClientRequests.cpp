@@ -23,7 +23,7 @@
 #include "Homeloom/Location/LocationHandler.h"
 #include "Homeloom/Routine/RoutineHandler.h"
 #include "Homeloom/Scene/SceneHandler.h"
-#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/Tessel/ITesselHandler.h"
 #include "Homeloom/UIMeta/Metadata.h"
 
 namespace VMFramework::HomeLoom {
@@ -133,8 +133,8 @@ void HomeloomClient::setValue(const Transaction& transaction, const std::string&
         return;
     }
     void* token = CallbackTokens::Keep(std::make_shared<PendingAction>(PendingAction{this, transaction}));
-    const int result = TesselHandler::GetInstance().SetRemoteAttributes(
-        deviceId, uri, rcpString, _HomeLoomClientDeviceRemoteRepresentationChanged, token);
+    const int result =
+        _agent.SetRemoteAttributes(deviceId, uri, rcpString, _HomeLoomClientDeviceRemoteRepresentationChanged, token);
     if (result != 0) {
         HL_LOGE("set remote attributes failed ret : %d", result);
         CallbackTokens::Take<PendingAction>(token);
@@ -222,14 +222,13 @@ void HomeloomClient::notifyFailedResult(const Transaction& transaction, const st
 // A device of the local hub has no UI metadata: its canvas tells what to send.
 void HomeloomClient::executeCapabilityDevice(const Transaction& transaction, const std::string& deviceId,
                                              const std::string& vid) {
-    auto& agent = TesselHandler::GetInstance();
     std::string component;
     std::string capability;
     std::string displayType;
     _canvas.GetActionsParam(vid, component, capability, displayType);
 
     std::string status;
-    int result = agent.GetCoreDeviceCapabilityStatus(deviceId, component, capability, status);
+    int result = _agent.GetCoreDeviceCapabilityStatus(deviceId, component, capability, status);
     if (result != 0) {
         HL_LOGE("Get Capability Device Status is failed ret : %d", result);
         notifyFailedResult(transaction, deviceId);
@@ -242,7 +241,7 @@ void HomeloomClient::executeCapabilityDevice(const Transaction& transaction, con
     _canvas.MakeActionJsonValue(component, capability, command, request);
 
     std::string response;
-    result = agent.ExecuteCoreDevice(deviceId, request, response);
+    result = _agent.ExecuteCoreDevice(deviceId, request, response);
     if (result != 0) {
         HL_LOGE("Execute Capability Device is failed ret : %d", result);
         notifyFailedResult(transaction, deviceId);
@@ -265,7 +264,7 @@ void HomeloomClient::ChangeDeviceName(const Transaction& transaction, const std:
     if (deviceId.empty() || name.empty()) {
         HL_LOGE("device_id or device_name is empty, do not proceed");
     } else {
-        param.result = TesselHandler::GetInstance().ChangeDeviceName(deviceId, name) == 0;
+        param.result = _agent.ChangeDeviceName(deviceId, name) == 0;
     }
     Reporter::Report(param);
 }
@@ -276,7 +275,7 @@ void HomeloomClient::DeleteDevice(const Transaction& transaction, const std::sha
     }
     DeleteDeviceParam param(transaction);
     param.deviceId = list->GetString(Names::DEVICE_ID);
-    const int result = TesselHandler::GetInstance().DeleteDevice(param.deviceId);
+    const int result = _agent.DeleteDevice(param.deviceId);
     HL_LOGI("ret of Delete a Device: %d, device_id: %s", result, param.deviceId.c_str());
     param.result = result == 0;
     Reporter::Report(param);
@@ -474,7 +473,7 @@ void HomeloomClient::CreateLocksmithKeyValue(const Transaction& transaction, con
         return;
     }
     CreateLocksmithKeyValueParam param(transaction);
-    param.result = TesselHandler::GetInstance().CreateLocksmithKeyValue(key, value, param.locksmithInfoJson) == 0;
+    param.result = _agent.CreateLocksmithKeyValue(key, value, param.locksmithInfoJson) == 0;
     Reporter::Report(param);
 }
 
@@ -483,7 +482,7 @@ void HomeloomClient::GetLocksmithKeyValue(const Transaction& transaction, const 
         return;
     }
     GetLocksmithKeyValueParam param(transaction);
-    param.result = TesselHandler::GetInstance().GetLocksmithKeyValue(key, param.locksmithInfoJson) == 0;
+    param.result = _agent.GetLocksmithKeyValue(key, param.locksmithInfoJson) == 0;
     Reporter::Report(param);
 }
 
@@ -493,7 +492,7 @@ void HomeloomClient::UpdateLocksmithKeyValue(const Transaction& transaction, con
         return;
     }
     UpdateLocksmithKeyValueParam param(transaction);
-    param.result = TesselHandler::GetInstance().UpdateLocksmithKeyValue(key, value, param.locksmithInfoJson) == 0;
+    param.result = _agent.UpdateLocksmithKeyValue(key, value, param.locksmithInfoJson) == 0;
     Reporter::Report(param);
 }
 
@@ -502,7 +501,7 @@ void HomeloomClient::DeleteLocksmithKeyValue(const Transaction& transaction, con
         return;
     }
     DeleteLocksmithKeyValueParam param(transaction);
-    param.result = TesselHandler::GetInstance().DeleteLocksmithKeyValue(key, param.locksmithInfoJson) == 0;
+    param.result = _agent.DeleteLocksmithKeyValue(key, param.locksmithInfoJson) == 0;
     Reporter::Report(param);
 }
 
@@ -511,7 +510,7 @@ void HomeloomClient::GetAccessTokenUid(const Transaction& transaction) {
     HL_LOGI("try to send access token uid");
     GetAccessTokenUidParam param(transaction);
     param.accessToken = GetAccessToken();
-    param.uid = TesselHandler::GetInstance().GetUserId();
+    param.uid = _agent.GetUserId();
     Reporter::Report(param);
     HL_LOGI("access token uid sent");
 }

@@ -16,7 +16,7 @@
 #include "Homeloom/Location/LocationHandler.h"
 #include "Homeloom/Routine/RoutineHandler.h"
 #include "Homeloom/Scene/SceneHandler.h"
-#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/Tessel/ITesselHandler.h"
 
 namespace VMFramework::HomeLoom {
 
@@ -55,7 +55,7 @@ void HomeloomClient::deinitClientByAgentUpdate() {
     try {
         HL_LOGI("deinitClientByAgentUpdate Start");
         _isTerminating = true;
-        TesselHandler::GetInstance().Quit();
+        _agent.Quit();
         quitHandlers();
         if (const auto location = _locationHandler.Get()) {
             location->CleanUpTimer();
@@ -72,7 +72,7 @@ void HomeloomClient::deinitClientByAgentUpdate() {
         _routineHandler.Reset();
         _sceneHandler.Reset();
         // The group callback is the location handler's; without the handler nobody takes it back.
-        TesselHandler::GetInstance().UnsetGroupListUpdatedCb();
+        _agent.UnsetGroupListUpdatedCb();
         _locationHandler.Reset();
         _lifeHandler.Reset();
         _retryCounter.Reset();
@@ -93,7 +93,7 @@ void HomeloomClient::initClientByAgentUpdate() {
         const std::lock_guard<std::recursive_mutex> lock(_sessionMutex);
         HL_LOGI("initClientByAgentUpdate Start");
         _isTerminating = false;
-        TesselHandler::GetInstance().Init();
+        _agent.Init();
         makeReplaceableHandlers();
         setDisclaimerAgreeChangedCallback();
         // Before the connection: a connected event that comes at once would be thrown away by a paused scheduler.

@@ -1,4 +1,5 @@
 #include "Homeloom/CoreDevices/CoreDeviceHandler.h"
+#include "Homeloom/Tessel/TesselHandler.h"
 
 #include <string>
 #include <tuple>
@@ -51,7 +52,7 @@ protected:
         agent.addDevice(device);
     }
 
-    CoreDeviceHandler core;
+    CoreDeviceHandler core{TesselHandler::GetInstance()};
 };
 
 TEST_F(CoreDeviceHandlerTest, KeepsWhatTheListTells) {

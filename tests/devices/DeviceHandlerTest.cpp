@@ -13,6 +13,7 @@
 
 #include "HandlerFixture.h"
 #include "Helpers/CEndpointListHelper.h"
+#include "Homeloom/Tessel/TesselHandler.h"
 #include "Homeloom/UIMeta/Metadata.h"
 #include "support/Screen.h"
 
@@ -329,7 +330,7 @@ TEST_F(DeviceHandlerTest, CountsWhatTheUserSees) {
 }
 
 TEST_F(DeviceHandlerTest, KnowsThisTVOnceTheSettingTellsIt) {
-    const auto other = std::make_shared<DeviceHandler>();
+    const auto other = std::make_shared<DeviceHandler>(TesselHandler::GetInstance());
     for (const char* setting : {"", "no json", "{}", R"({"di":""})", R"({"di":{}})"}) {
         vconf_set_str("db/es_master/signup_info", setting);
         EXPECT_FALSE(other->IsMyTV("")) << setting;
@@ -399,7 +400,7 @@ TEST_F(DeviceHandlerTest, RepliesThatComeAfterItsEndFindNothing) {
     EXPECT_TRUE(weak.expired());
     agent.hurry();
     agent.sendUpdate("washer", OPERATION, RUN, RUN_TYPES);
-    handler = std::make_shared<DeviceHandler>();
+    handler = std::make_shared<DeviceHandler>(TesselHandler::GetInstance());
     settle();
     EXPECT_THAT(takeNotifications(), IsEmpty());
     EXPECT_THAT(agent.escapedExceptions(), IsEmpty());

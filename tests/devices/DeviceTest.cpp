@@ -15,6 +15,7 @@
 #include "Homeloom/Devices/Property.h"
 #include "Homeloom/Devices/RefrigeratorDevice.h"
 #include "Homeloom/Devices/Resource.h"
+#include "Homeloom/Tessel/TesselHandler.h"
 
 namespace VMFramework::HomeLoom {
 namespace {
@@ -24,7 +25,7 @@ std::shared_ptr<Device> makeDevice(const std::string& type, std::initializer_lis
     info.device_id = "id";
     info.vid = "vid";
     info.device_type = type;
-    const auto device = DeviceFactory::Create(info);
+    const auto device = DeviceFactory::Create(info, TesselHandler::GetInstance());
     for (const char* uri : uris) {
         device->AddResource(std::make_shared<Resource>(uri));
     }
@@ -187,7 +188,7 @@ TEST(DeviceTest, AFreshRecordReplacesWhatTheCloudTellsAndKeepsWhatWasWorkedOut) 
     info.status = DEVICE_STATUS_HIDDEN;
     info.room_name = "room";
     info.core_device_icon_date = "date";
-    const auto fresh = DeviceFactory::Create(info);
+    const auto fresh = DeviceFactory::Create(info, TesselHandler::GetInstance());
     fresh->AddResource(std::make_shared<Resource>("/added"));
     fresh->AddResource(std::make_shared<Resource>("/kept"));
     stored->ApplyChanges(fresh);
@@ -204,7 +205,7 @@ TEST(DeviceTest, AFreshRecordReplacesWhatTheCloudTellsAndKeepsWhatWasWorkedOut) 
 
     info.device_id = "another";
     info.device_name = "another";
-    stored->ApplyChanges(DeviceFactory::Create(info));
+    stored->ApplyChanges(DeviceFactory::Create(info, TesselHandler::GetInstance()));
     EXPECT_EQ("id", stored->GetId());
     EXPECT_EQ("name", stored->GetName());
 }

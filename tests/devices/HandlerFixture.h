@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "Homeloom/Devices/DeviceHandler.h"
+#include "Homeloom/Tessel/TesselHandler.h"
 #include "desktop/Framework.h"
 #include "simulator/Agent.h"
 
@@ -46,7 +47,7 @@ protected:
     static std::set<std::string> subscriptions();
 
     simulator::Agent& agent = simulator::Agent::instance();
-    std::shared_ptr<DeviceHandler> handler = std::make_shared<DeviceHandler>();
+    std::shared_ptr<DeviceHandler> handler = std::make_shared<DeviceHandler>(TesselHandler::GetInstance());
     std::set<std::string> hubDevices;
 
 private:

@@ -15,6 +15,7 @@
 #include "Homeloom/Location/LocationHandler.h"
 #include "Homeloom/Routine/RoutineHandler.h"
 #include "Homeloom/Scene/SceneHandler.h"
+#include "Homeloom/Tessel/TesselHandler.h"
 #include "groups/SmallHome.h"
 #include "support/Desk.h"
 
@@ -98,9 +99,9 @@ TEST_F(GroupsTest, TheHomeShowsLocationsScenesAndRoutines) {
 }
 
 TEST_F(GroupsTest, AReadThatFailsLeavesTheOthers) {
-    const auto location = std::make_shared<LocationHandler>();
-    SceneHandler scenes;
-    RoutineHandler routines;
+    const auto location = std::make_shared<LocationHandler>(TesselHandler::GetInstance());
+    SceneHandler scenes(TesselHandler::GetInstance());
+    RoutineHandler routines(TesselHandler::GetInstance());
     scenes.SetGetLocationsCallback(BothLocations);
     routines.SetGetLocationsCallback(BothLocations);
     const auto fill = [&](const std::shared_ptr<IEndpointListHelper>& list) {
@@ -168,7 +169,7 @@ TEST_F(GroupsTest, AReadThatFailsLeavesTheOthers) {
 }
 
 TEST_F(GroupsTest, NamesAreFoundByIdOrAreEmpty) {
-    const auto handler = std::make_shared<LocationHandler>();
+    const auto handler = std::make_shared<LocationHandler>(TesselHandler::GetInstance());
     int roomCount = 0;
     int locationCount = 0;
     const auto rooms = handler->GetRoomList(roomCount);
@@ -362,7 +363,7 @@ TEST_F(GroupsTest, AFavoriteThatCannotBeReadIsLeftOutOfTheText) {
     agent.fault("homeloom_core_get_favorite_list_async", Fault::answer(-61));
     EXPECT_EQ(Ask("hl_get_favorite", {{"location_id", "lodge"}}),
               "notify hl_get_favorite get_favorite_result=true location_id='lodge' favorite_size=0");
-    FavoriteHandler favorites;
+    FavoriteHandler favorites(TesselHandler::GetInstance());
     EXPECT_EQ("", favorites.GetFavoriteData("flat"));
     EXPECT_EQ("", favorites.GetFavoriteData(""));
 }
@@ -445,7 +446,7 @@ TEST_F(GroupsTest, ABurstOfGroupChangesEndsInOneReload) {
 }
 
 TEST_F(GroupsTest, ATimerOutlivesItsHandlerWithoutHarm) {
-    auto handler = std::make_shared<LocationHandler>();
+    auto handler = std::make_shared<LocationHandler>(TesselHandler::GetInstance());
     bool isCalled = false;
     handler->SetGetDevicesInfoCallback([&] { return isCalled = true; });
     handler->SetGroupListUpdateCallback();

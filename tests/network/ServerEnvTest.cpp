@@ -7,6 +7,7 @@
 #include "Common/CException.h"
 #include "Homeloom/Network/CHubRequester.h"
 #include "Homeloom/Tessel/CServerEnvMgr.h"
+#include "Homeloom/Tessel/TesselHandler.h"
 #include "NetworkTest.h"
 #include "desktop/CallFaults.h"
 #include "desktop/Launches.h"
@@ -75,8 +76,8 @@ TEST_F(ServerEnv, IsProductionWhereverTheSettingSaysNothingElse) {
 
 TEST_F(ServerEnv, AChangeLaunchesTheAgentsApplication) {
     // Without a connection nobody knows what the agent has, so even production is asked for.
-    EXPECT_TRUE(servers.SetServerEnv(1, 1));
-    EXPECT_TRUE(servers.SetServerEnv(0, 2));
+    EXPECT_TRUE(servers.SetServerEnv(TesselHandler::GetInstance(), 1, 1));
+    EXPECT_TRUE(servers.SetServerEnv(TesselHandler::GetInstance(), 0, 2));
     servers.set_server_setting(R"({"IoTCloud":"ACC","UiMeta":"DEV"})");
     servers.change_server_env();
     std::vector<std::string> parameters;
@@ -89,7 +90,7 @@ TEST_F(ServerEnv, AChangeLaunchesTheAgentsApplication) {
 
     desktop::launches::forget();
     for (const auto& [iotCloud, uiMeta] : std::map<int, int>{{3, 1}, {1, 3}, {-1, 1}, {0, -1}}) {
-        EXPECT_THROW(servers.SetServerEnv(iotCloud, uiMeta), CException);
+        EXPECT_THROW(servers.SetServerEnv(TesselHandler::GetInstance(), iotCloud, uiMeta), CException);
     }
     const std::vector<std::pair<const char*, const char*>> failures = {
         {"app_control_create", "fail to create"},
@@ -99,7 +100,7 @@ TEST_F(ServerEnv, AChangeLaunchesTheAgentsApplication) {
     for (const auto& [function, words] : failures) {
         desktop::failCalls(function, -1);
         log.clear();
-        EXPECT_FALSE(servers.SetServerEnv(0, 0));
+        EXPECT_FALSE(servers.SetServerEnv(TesselHandler::GetInstance(), 0, 0));
         EXPECT_THAT(Errors(), Contains(words));
         desktop::passCalls();
     }

@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 
 #include "Homeloom/ExternalService/ExternalServiceHandler.h"
+#include "Homeloom/Tessel/TesselHandler.h"
 #include "simulator/Fault.h"
 #include "support/Desk.h"
 #include "support/Screen.h"
@@ -86,7 +87,8 @@ TEST_F(HomeServices, OnlyAListOfTextsChangesTheBlockedDevices) {
 
 // No request registers it; an application of the TV may.
 TEST_F(HomeServices, AChangeOfTheBlockedDevicesIsToldWhileItIsWatched) {
-    const auto handler = std::make_shared<VMFramework::HomeLoom::ExternalServiceHandler>();
+    const auto handler = std::make_shared<VMFramework::HomeLoom::ExternalServiceHandler>(
+        VMFramework::HomeLoom::TesselHandler::GetInstance());
     const auto change = [&] {
         desk.mark();
         desk.agent.sendThirdPartyNotificationStatusChange();

@@ -15,6 +15,7 @@
 #include "Homeloom/Devices/DeviceFactory.h"
 #include "Homeloom/Devices/HubDevice.h"
 #include "Homeloom/IoTHub/HubIPCProxy.h"
+#include "Homeloom/Tessel/TesselHandler.h"
 #include "desktop/Guard.h"
 #include "desktop/Packages.h"
 #include "desktop/RpcPort.h"
@@ -491,7 +492,8 @@ TEST_F(HubOfTheAccount, ADeviceAsksForItself) {
     info.device_type = "x.com.hl.d.hub";
     for (const auto& [id, exists] : {std::pair<const char*, bool>{kHub, true}, {"gone", false}}) {
         info.device_id = id;
-        const auto device = VMFramework::HomeLoom::DeviceFactory::Create(info);
+        const auto device =
+            VMFramework::HomeLoom::DeviceFactory::Create(info, VMFramework::HomeLoom::TesselHandler::GetInstance());
         const auto hub = std::dynamic_pointer_cast<VMFramework::HomeLoom::HubDevice>(device);
         ASSERT_NE(hub, nullptr);
         EXPECT_EQ(hub->RequestIsHubExist("token-of-mina"), exists) << id;

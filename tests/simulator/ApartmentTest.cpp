@@ -9,6 +9,7 @@
 #include "AgentTest.h"
 #include "Homeloom/Devices/Device.h"
 #include "Homeloom/Devices/DeviceHandler.h"
+#include "Homeloom/Tessel/TesselHandler.h"
 #include "Homeloom/UIMeta/Metadata.h"
 
 using namespace VMFramework::HomeLoom;
@@ -111,7 +112,7 @@ public:
         return true;
     }
 
-    DeviceHandler devices;
+    DeviceHandler devices{TesselHandler::GetInstance()};
     Metadata& metadata = Metadata::GetInstance();
 };
 

@@ -3,13 +3,13 @@
 
 #include "Common/CReporter.h"
 #include "Common/HLLog.h"
-#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/Tessel/ITesselHandler.h"
 
 namespace VMFramework::HomeLoom {
 
 void ActiveUserEventHandler::SendActiveUserEvent(const std::shared_ptr<CTransaction>& transaction, int category,
                                                  int action, const std::string& label, const std::string& metadata) {
-    const int result = TesselHandler::GetInstance().SendActiveUserEvent(category, action, label, metadata);
+    const int result = _agent.SendActiveUserEvent(category, action, label, metadata);
     HL_LOGI("active user launch event ret : %d", result);
     SendActiveUserEventParam param(transaction);
     param.result = result == 0;

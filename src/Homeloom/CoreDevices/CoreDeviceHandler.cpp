@@ -10,7 +10,7 @@
 #include "Common/CException.h"
 #include "Common/CHLUtil.h"
 #include "Common/HLLog.h"
-#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/Tessel/AgentList.h"
 
 namespace VMFramework::HomeLoom {
 
@@ -18,35 +18,11 @@ namespace {
 
 constexpr char kIrDeviceType[] = "IR_OCF";
 
-// The agent's list, given back with the scope.
-class CoreDeviceList {
-public:
-    CoreDeviceList() { _ret = TesselHandler::GetInstance().GetCoreDeviceList(_list, _size); }
-    ~CoreDeviceList() {
-        if (_list != nullptr) {
-            TesselHandler::GetInstance().CoreDeviceListDestroy(_list, _size);
-        }
+bool isListRead(int ret, int) {
+    if (ret != 0) {
+        HL_LOGE("get core device list error : %d", ret);
     }
-    CoreDeviceList(const CoreDeviceList&) = delete;
-    CoreDeviceList& operator=(const CoreDeviceList&) = delete;
-
-    int Result() const { return _ret; }
-    int Size() const { return _size; }
-    homeloom_core_device_h operator[](int index) const { return _list[index]; }
-
-private:
-    homeloom_core_device_h* _list = nullptr;
-    int _size = 0;
-    int _ret = 0;
-};
-
-bool readField(homeloom_core_device_h device, int field, std::string& value, const char* failure,
-               const Log::Place& caller = HL_CALLER) {
-    if (TesselHandler::GetInstance().GetCoreDeviceString(device, field, value) != 0) {
-        HL_LOG_AT(DLOG_ERROR, caller, "%s", failure);
-        return false;
-    }
-    return true;
+    return ret == 0;
 }
 
 // A record whose JSON is no good costs its own fields, not the list.
@@ -77,32 +53,59 @@ core_device_icon_info parsingIconInfo(const std::string& text) {
 
 }  // namespace
 
-CoreDeviceHandler::CoreDeviceHandler() : Handler("CoreDeviceHandler") {}
+CoreDeviceHandler::CoreDeviceHandler(ITesselHandler& agent) : Handler("CoreDeviceHandler"), _agent(agent) {}
 
 void CoreDeviceHandler::SetParentDeviceIdGetter(std::function<std::string(const std::string&)> getter) {
     std::lock_guard<std::mutex> lock(_mutex);
     _getParentDeviceId.swap(getter);
 }
 
-void CoreDeviceHandler::BuildCoreDeviceList() {
-    const CoreDeviceList list;
-    HL_LOGI("ret of get core device list: %d, device_size: %d", list.Result(), list.Size());
-    if (list.Result() != 0) {
-        HL_LOGE("core error : %d", list.Result());
+bool CoreDeviceHandler::readField(homeloom_core_device_h device, int field, std::string& value, const char* failure,
+                                  const Log::Place& caller) {
+    if (_agent.GetCoreDeviceString(device, field, value) != 0) {
+        HL_LOG_AT(DLOG_ERROR, caller, "%s", failure);
+        return false;
+    }
+    return true;
+}
+
+// Reads the list and passes 'read' each record with its number, until it returns false or the handler is to quit.
+// 'check' gets the agent's code and the size, and says whether to go on.
+void CoreDeviceHandler::walk(const std::function<bool(int ret, int size)>& check,
+                             const std::function<bool(int i, homeloom_core_device_h device)>& read) {
+    AgentList<homeloom_core_device_h> devices(_agent, &ITesselHandler::CoreDeviceListDestroy);
+    const int ret = _agent.GetCoreDeviceList(devices.list, devices.count);
+    if (!check(ret, devices.count)) {
         return;
     }
-    if (list.Size() < 1) {
-        HL_LOGE("device size is under zero, do not proceed");
-        return;
-    }
-    for (int i = 0; i < list.Size(); ++i) {
+    int i = 0;
+    for (const homeloom_core_device_h device : devices) {
         if (IsQuit()) {
             HL_LOGI("already quit");
-            break;
+            return;
         }
+        if (!read(i++, device)) {
+            return;
+        }
+    }
+}
+
+void CoreDeviceHandler::BuildCoreDeviceList() {
+    const auto check = [](int ret, int size) {
+        HL_LOGI("ret of get core device list: %d, device_size: %d", ret, size);
+        if (ret != 0) {
+            HL_LOGE("core error : %d", ret);
+            return false;
+        }
+        if (size < 1) {
+            HL_LOGE("device size is under zero, do not proceed");
+            return false;
+        }
+        return true;
+    };
+    walk(check, [this](int i, homeloom_core_device_h device) {
         core_device_info info;
         std::string details;
-        const auto device = list[i];
         if (!readField(device, HOMELOOM_CORE_DEVICE_ID, info.device_id, "get device id failed") ||
             !readField(device, HOMELOOM_CORE_DEVICE_NAME, info.device_name, "get device name failed") ||
             !readField(device, HOMELOOM_CORE_DEVICE_TYPE, info.device_type, "get device type failed") ||
@@ -113,7 +116,7 @@ void CoreDeviceHandler::BuildCoreDeviceList() {
             !readField(device, HOMELOOM_CORE_DEVICE_MANUFACTURER_NAME, info.manufacturer_name,
                        "get manufacturer name failed") ||
             !readField(device, HOMELOOM_CORE_DEVICE_DETAILS, details, "get device details failed")) {
-            break;
+            return false;
         }
         info.network_type = getDeviceNetworkType(info.device_type, details);
         HL_LOGI(
@@ -124,7 +127,8 @@ void CoreDeviceHandler::BuildCoreDeviceList() {
             info.network_type.c_str());
         std::lock_guard<std::mutex> lock(_mutex);
         _coreDeviceMap[info.device_id] = std::move(info);
-    }
+        return true;
+    });
 }
 
 std::unordered_map<std::string, core_device_info> CoreDeviceHandler::GetCoreDeviceInfo() const {
@@ -152,21 +156,12 @@ std::string CoreDeviceHandler::GetCoreDeviceType(const std::string& id) const {
 
 std::unordered_map<std::string, core_device_icon_info> CoreDeviceHandler::GetCoreDeviceIconList() {
     std::unordered_map<std::string, core_device_icon_info> icons;
-    const CoreDeviceList list;
-    if (list.Result() != 0) {
-        HL_LOGE("get core device list error : %d", list.Result());
-        return icons;
-    }
-    for (int i = 0; i < list.Size(); ++i) {
-        if (IsQuit()) {
-            HL_LOGI("already quit");
-            break;
-        }
+    walk(isListRead, [&](int i, homeloom_core_device_h device) {
         std::string id;
         std::string text;
-        if (!readField(list[i], HOMELOOM_CORE_DEVICE_ID, id, "get device id failed") ||
-            !readField(list[i], HOMELOOM_CORE_DEVICE_ICONS, text, "get device icons failed")) {
-            continue;
+        if (!readField(device, HOMELOOM_CORE_DEVICE_ID, id, "get device id failed") ||
+            !readField(device, HOMELOOM_CORE_DEVICE_ICONS, text, "get device icons failed")) {
+            return true;
         }
         auto info = parsingIconInfo(text);
         HL_LOGI(
@@ -175,29 +170,21 @@ std::unordered_map<std::string, core_device_icon_info> CoreDeviceHandler::GetCor
             i, id.c_str(), info.animation_icon.c_str(), info.activated_icon.c_str(), info.inactivated_icon.c_str(),
             info.disconnected_icon.c_str(), info.icon_key.c_str(), info.last_update_date.c_str());
         icons[id] = std::move(info);
-    }
+        return true;
+    });
     return icons;
 }
 
 std::unordered_map<std::string, core_device_type_info> CoreDeviceHandler::GetCoreDeviceTypeList() {
     std::unordered_map<std::string, core_device_type_info> types;
-    const CoreDeviceList list;
-    if (list.Result() != 0) {
-        HL_LOGE("get core device list error : %d", list.Result());
-        return types;
-    }
-    for (int i = 0; i < list.Size(); ++i) {
-        if (IsQuit()) {
-            HL_LOGI("already quit");
-            break;
-        }
+    walk(isListRead, [&](int, homeloom_core_device_h device) {
         std::string id;
         std::string details;
         core_device_type_info info;
-        if (!readField(list[i], HOMELOOM_CORE_DEVICE_ID, id, "get device id failed") ||
-            !readField(list[i], HOMELOOM_CORE_DEVICE_TYPE, info.device_type, "get device type failed") ||
-            !readField(list[i], HOMELOOM_CORE_DEVICE_DETAILS, details, "get device detail str failed")) {
-            continue;
+        if (!readField(device, HOMELOOM_CORE_DEVICE_ID, id, "get device id failed") ||
+            !readField(device, HOMELOOM_CORE_DEVICE_TYPE, info.device_type, "get device type failed") ||
+            !readField(device, HOMELOOM_CORE_DEVICE_DETAILS, details, "get device detail str failed")) {
+            return true;
         }
         info.network_type = getDeviceNetworkType(info.device_type, details);
         if (info.device_type == kIrDeviceType) {
@@ -208,7 +195,8 @@ std::unordered_map<std::string, core_device_type_info> CoreDeviceHandler::GetCor
             info.network_type = info.device_type;
         }
         types[id] = std::move(info);
-    }
+        return true;
+    });
     return types;
 }
 

@@ -6,9 +6,14 @@
 #include <string>
 #include <unordered_map>
 
+#include <homeloom_core.h>
+
+#include "Common/HLLog.h"
 #include "Homeloom/Common/Handler.h"
 
 namespace VMFramework::HomeLoom {
+
+class ITesselHandler;
 
 struct core_device_info {
     std::string device_id;
@@ -42,7 +47,7 @@ struct core_device_type_info {
 /// Every operation may be called from any thread. Those that read the list block for as long as the agent takes.
 class CoreDeviceHandler : public Handler {
 public:
-    CoreDeviceHandler();
+    explicit CoreDeviceHandler(ITesselHandler& agent);
 
     /// How the parent of an infrared device is found in its detail JSON.
     void SetParentDeviceIdGetter(std::function<std::string(const std::string&)> getter);
@@ -62,11 +67,16 @@ public:
     std::unordered_map<std::string, core_device_type_info> GetCoreDeviceTypeList();
 
 private:
+    bool readField(homeloom_core_device_h device, int field, std::string& value, const char* failure,
+                   const Log::Place& caller = HL_CALLER);
+    void walk(const std::function<bool(int ret, int size)>& check,
+              const std::function<bool(int i, homeloom_core_device_h device)>& read);
     std::string getParentDeviceId(const std::string& details) const;
 
     mutable std::mutex _mutex;  // a leaf: guards all that follows
     std::function<std::string(const std::string&)> _getParentDeviceId;
     std::unordered_map<std::string, core_device_info> _coreDeviceMap;
+    ITesselHandler& _agent;
 };
 
 }  // namespace VMFramework::HomeLoom

@@ -10,7 +10,7 @@
 #include "Common/CException.h"
 #include "Common/CReporter.h"
 #include "Common/HLLog.h"
-#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/Tessel/ITesselHandler.h"
 
 namespace VMFramework::HomeLoom {
 
@@ -46,25 +46,26 @@ constexpr NotiEvent NOTI_EVENTS[] = {{"value", "Boolean", "true", "MOTION"},
 // An app launch condition of the agent's, destroyed with the scope.
 class LaunchCondition {
 public:
-    LaunchCondition() {
-        const int ret = TesselHandler::GetInstance().AppLaunchConditionCreate(&_handle);
+    explicit LaunchCondition(ITesselHandler& agent) : _agent(agent) {
+        const int ret = _agent.AppLaunchConditionCreate(&_handle);
         if (ret != 0) {
             throw CException_HLClient("app_launch_condition_create is failed", ret);
         }
     }
-    ~LaunchCondition() { TesselHandler::GetInstance().AppLaunchConditionDestroy(&_handle); }
+    ~LaunchCondition() { _agent.AppLaunchConditionDestroy(&_handle); }
     LaunchCondition(const LaunchCondition&) = delete;
     LaunchCondition& operator=(const LaunchCondition&) = delete;
 
     homeloom_client_app_launch_condition_h Get() const { return _handle; }
 
 private:
+    ITesselHandler& _agent;
     homeloom_client_app_launch_condition_h _handle = nullptr;
 };
 
-void setConditionString(homeloom_client_app_launch_condition_h condition, int property, const std::string& value,
-                        const char* failure) {
-    const int ret = TesselHandler::GetInstance().AppLaunchConditionSetString(condition, property, value);
+void setConditionString(ITesselHandler& agent, homeloom_client_app_launch_condition_h condition, int property,
+                        const std::string& value, const char* failure) {
+    const int ret = agent.AppLaunchConditionSetString(condition, property, value);
     if (ret != 0) {
         throw CException_HLClient(failure, ret);
     }
@@ -120,7 +121,7 @@ bool CameraDevice::IsSupport2WayTalk() const {
 
 void CameraDevice::SetCameraNotification(const std::shared_ptr<CTransaction>& transaction, int type) {
     SetCameraNotificationTypeParam param(transaction);
-    param.result = changeCameraNotification(type, &TesselHandler::AddAppLaunchCondition);
+    param.result = changeCameraNotification(type, &ITesselHandler::AddAppLaunchCondition);
     param.deviceId = GetId();
     param.cameraNotificationType = type;
     Reporter::Report(param);
@@ -128,7 +129,7 @@ void CameraDevice::SetCameraNotification(const std::shared_ptr<CTransaction>& tr
 
 void CameraDevice::UnsetCameraNotification(const std::shared_ptr<CTransaction>& transaction, int type) {
     UnsetCameraNotificationTypeParam param(transaction);
-    param.result = changeCameraNotification(type, &TesselHandler::RemoveAppLaunchCondition);
+    param.result = changeCameraNotification(type, &ITesselHandler::RemoveAppLaunchCondition);
     param.deviceId = GetId();
     param.cameraNotificationType = type;
     Reporter::Report(param);
@@ -147,16 +148,16 @@ bool CameraDevice::changeCameraNotification(int type, ConditionAction action) co
 }
 
 bool CameraDevice::handleCameraNotification(const std::string& deviceId, const std::string& uri,
-                                            ConditionAction action) {
+                                            ConditionAction action) const {
     if (uri.empty()) {
         HL_LOGE("uri is empty!");
         return false;
     }
     try {
-        const LaunchCondition condition;
+        const LaunchCondition condition(_agent);
         HL_LOGI("device_id : %s, uri : %s", deviceId.c_str(), uri.c_str());
         setCameraNotiParam(condition.Get(), deviceId, uri);
-        const int ret = (TesselHandler::GetInstance().*action)(condition.Get());
+        const int ret = (_agent.*action)(condition.Get());
         if (ret != 0) {
             throw CException_HLClient("failed", ret);
         }
@@ -185,16 +186,16 @@ int CameraDevice::getCameraNotiType(const std::string& uri) {
 }
 
 void CameraDevice::setCameraNotiParam(homeloom_client_app_launch_condition_h condition, const std::string& deviceId,
-                                      const std::string& uri) {
+                                      const std::string& uri) const {
     if (deviceId.empty() || uri.empty()) {
         HL_LOGE("device_id or uri is empty data!");
         return;
     }
-    setConditionString(condition, HOMELOOM_CLIENT_APP_LAUNCH_CONDITION_APP_ID, NOTIFICATION_APP_ID,
+    setConditionString(_agent, condition, HOMELOOM_CLIENT_APP_LAUNCH_CONDITION_APP_ID, NOTIFICATION_APP_ID,
                        "condition_app_id_str is failed");
-    setConditionString(condition, HOMELOOM_CLIENT_APP_LAUNCH_CONDITION_DEVICE_ID, deviceId,
+    setConditionString(_agent, condition, HOMELOOM_CLIENT_APP_LAUNCH_CONDITION_DEVICE_ID, deviceId,
                        "condition_device_id is failed");
-    setConditionString(condition, HOMELOOM_CLIENT_APP_LAUNCH_CONDITION_RESOURCE_URI, uri,
+    setConditionString(_agent, condition, HOMELOOM_CLIENT_APP_LAUNCH_CONDITION_RESOURCE_URI, uri,
                        "condition_res_uri_str is failed");
     const int kind = getCameraNotiType(uri);
     if (kind == NOTI_UNKNOWN) {
@@ -202,15 +203,15 @@ void CameraDevice::setCameraNotiParam(homeloom_client_app_launch_condition_h con
         return;
     }
     const NotiEvent& event = NOTI_EVENTS[kind];
-    setConditionString(condition, HOMELOOM_CLIENT_APP_LAUNCH_CONDITION_PROPERTY_NAME, event.propertyName,
+    setConditionString(_agent, condition, HOMELOOM_CLIENT_APP_LAUNCH_CONDITION_PROPERTY_NAME, event.propertyName,
                        "condition_property_name is failed");
-    setConditionString(condition, HOMELOOM_CLIENT_APP_LAUNCH_CONDITION_PROPERTY_TYPE, event.propertyType,
+    setConditionString(_agent, condition, HOMELOOM_CLIENT_APP_LAUNCH_CONDITION_PROPERTY_TYPE, event.propertyType,
                        "condition_property_type is failed");
-    setConditionString(condition, HOMELOOM_CLIENT_APP_LAUNCH_CONDITION_PROPERTY_VALUE, event.propertyValue,
+    setConditionString(_agent, condition, HOMELOOM_CLIENT_APP_LAUNCH_CONDITION_PROPERTY_VALUE, event.propertyValue,
                        "condition_property_value is failed");
     // The words of the value's failure serve for the bundle's too.
-    setConditionString(condition, HOMELOOM_CLIENT_APP_LAUNCH_CONDITION_BUNDLE, makeCameraNotiBundle(deviceId, uri),
-                       "condition_property_value is failed");
+    setConditionString(_agent, condition, HOMELOOM_CLIENT_APP_LAUNCH_CONDITION_BUNDLE,
+                       makeCameraNotiBundle(deviceId, uri), "condition_property_value is failed");
 }
 
 std::string CameraDevice::makeCameraNotiBundle(const std::string& deviceId, const std::string& uri) {
@@ -232,7 +233,7 @@ std::string CameraDevice::makeCameraNotiBundle(const std::string& deviceId, cons
     return bundle.toString();
 }
 
-bool CameraDevice::isAddedCameraNotification(const std::string& deviceId, const std::string& uri, bool& exist) {
+bool CameraDevice::isAddedCameraNotification(const std::string& deviceId, const std::string& uri, bool& exist) const {
     if (deviceId.empty()) {
         HL_LOGE("device id is empty!");
         return false;
@@ -242,9 +243,9 @@ bool CameraDevice::isAddedCameraNotification(const std::string& deviceId, const 
         return false;
     }
     try {
-        const LaunchCondition condition;
+        const LaunchCondition condition(_agent);
         setCameraNotiParam(condition.Get(), deviceId, uri);
-        const int ret = TesselHandler::GetInstance().IsAppLaunchConditionAdded(condition.Get(), exist);
+        const int ret = _agent.IsAppLaunchConditionAdded(condition.Get(), exist);
         if (ret != 0) {
             throw CException_HLClient("app_launch_condition_added is failed", ret);
         }

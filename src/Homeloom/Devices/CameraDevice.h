@@ -18,7 +18,7 @@
 namespace VMFramework::HomeLoom {
 
 class CTransaction;
-class TesselHandler;
+class ITesselHandler;
 
 /// The notification resources of a camera. Each kind has two: a camera has one or the other.
 enum CameraNotificationList : int {
@@ -38,7 +38,7 @@ enum CameraNotificationList : int {
 /// the facade's; nothing that holds either of these may take it. The commands' is a leaf.
 class CameraDevice : public Device {
 public:
-    using Device::Device;
+    CameraDevice(const _deviceInfo& info, ITesselHandler& agent) : Device(info), _agent(agent) {}
 
     /// One bit for each notification resource, by CameraNotificationList.
     using NotificationSet = std::bitset<8>;
@@ -113,20 +113,20 @@ private:
     std::shared_ptr<CTransaction> takeStreamTransaction(const std::string& deviceId, const std::string& url);
     void setStreamTransaction(const std::shared_ptr<CTransaction>& transaction);
 
-    using ConditionAction = int (TesselHandler::*)(homeloom_client_app_launch_condition_h);
+    using ConditionAction = int (ITesselHandler::*)(homeloom_client_app_launch_condition_h);
 
     bool changeCameraNotification(int type, ConditionAction action) const;
-    static bool handleCameraNotification(const std::string& deviceId, const std::string& uri, ConditionAction action);
+    bool handleCameraNotification(const std::string& deviceId, const std::string& uri, ConditionAction action) const;
 
     static std::vector<std::string> getParsedCommandArguments(const std::string& arguments);
     void addTransaction(const std::shared_ptr<CTransaction>& transaction);
     std::shared_ptr<CTransaction> takeTransaction();
 
     static int getCameraNotiType(const std::string& uri);
-    static void setCameraNotiParam(homeloom_client_app_launch_condition_h condition, const std::string& deviceId,
-                                   const std::string& uri);
+    void setCameraNotiParam(homeloom_client_app_launch_condition_h condition, const std::string& deviceId,
+                            const std::string& uri) const;
     static std::string makeCameraNotiBundle(const std::string& deviceId, const std::string& uri);
-    static bool isAddedCameraNotification(const std::string& deviceId, const std::string& uri, bool& exist);
+    bool isAddedCameraNotification(const std::string& deviceId, const std::string& uri, bool& exist) const;
 
     std::recursive_mutex _deviceMutex;                 // guards the AVP requester and the next one
     std::shared_ptr<CTransaction> _streamTransaction;  // the stream request that waits for its event
@@ -137,6 +137,7 @@ private:
 
     std::mutex _commandMutex;                           // a leaf
     std::shared_ptr<CTransaction> _commandTransaction;  // the command that waits for its event
+    ITesselHandler& _agent;
 };
 
 }  // namespace VMFramework::HomeLoom

@@ -11,7 +11,7 @@
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
 #include "Homeloom/Devices/CameraDevice.h"
-#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/Tessel/ITesselHandler.h"
 
 namespace VMFramework::HomeLoom {
 
@@ -58,7 +58,7 @@ void CameraDevice::RequestExecuteCommand(const std::shared_ptr<CTransaction>& tr
     const std::string request = body.toString();
 
     std::string response;
-    const int ret = TesselHandler::GetInstance().ExecuteCoreDevice(id, request, response);
+    const int ret = _agent.ExecuteCoreDevice(id, request, response);
     HL_LOGI("req_body:%s, response_json: %s", request.c_str(), response.c_str());
     if (ret != 0) {
         HL_LOGE("request execute command failed : %d", ret);
@@ -89,8 +89,7 @@ void CameraDevice::RequestGetStatusOfCapability(const std::shared_ptr<CTransacti
         HL_LOGE("parameter is empty, device_id : %s, component : %s, capability : %s", param.deviceId.c_str(),
                 component.c_str(), capability.c_str());
     } else {
-        param.result = TesselHandler::GetInstance().GetCoreDeviceCapabilityStatus(param.deviceId, component, capability,
-                                                                                  param.data) == 0;
+        param.result = _agent.GetCoreDeviceCapabilityStatus(param.deviceId, component, capability, param.data) == 0;
     }
     Reporter::Report(param);
 }

@@ -11,7 +11,7 @@
 #include "Common/HLLog.h"
 #include "Homeloom/Common/MsgDispatcher.h"
 #include "Homeloom/Devices/CameraDevice.h"
-#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/Tessel/ITesselHandler.h"
 #include "Homeloom/UIMeta/Metadata.h"
 
 namespace VMFramework::HomeLoom {
@@ -154,8 +154,7 @@ bool CameraDevice::subscribeResourceUriWithNoneAVPCamera(const std::string& devi
         HL_LOGE("No subscribe uri found");
         return false;
     }
-    const int ret = TesselHandler::GetInstance().Subscribe(deviceId, uris, _HomeLoomClientNoneAVPCameraSubscribeChanged,
-                                                           CallbackToken());
+    const int ret = _agent.Subscribe(deviceId, uris, _HomeLoomClientNoneAVPCameraSubscribeChanged, CallbackToken());
     if (ret != 0) {
         HL_LOGE("failed to subscribe ret: %d", ret);
     }
@@ -169,7 +168,7 @@ void CameraDevice::unsubscribeResourceUriWithNoneAVPCamera(const std::string& de
         HL_LOGE("No subscribe uri found");
         return;
     }
-    const int ret = TesselHandler::GetInstance().Unsubscribe(deviceId, uris);
+    const int ret = _agent.Unsubscribe(deviceId, uris);
     if (ret != 0) {
         HL_LOGE("failed to unsubscribe ret: %d", ret);
     }
@@ -207,7 +206,7 @@ bool CameraDevice::startStream(const std::shared_ptr<CTransaction>& transaction,
                                const std::string& uri, const std::string& rcp) {
     setStreamTransaction(transaction);
     _setAttributeStartTime = Now();
-    const int ret = TesselHandler::GetInstance().SetRemoteAttributes(
+    const int ret = _agent.SetRemoteAttributes(
         deviceId, uri, rcp, _HomeLoomClientNoneAVPCameraRemoteRepresentationChanged, CallbackToken());
     if (ret != 0) {
         HL_LOGE("failed to set remote attributes");
@@ -237,8 +236,8 @@ bool CameraDevice::requestRingDoorbellUrl(const std::shared_ptr<CTransaction>& t
     const std::string rcp = document.toString();
     HL_LOGI("rcp_str : %s", rcp.c_str());
     _subscribeStartTime = Now();
-    const int ret = TesselHandler::GetInstance().Subscribe(
-        id, GetRingDoorbellJsonUri(), _HomeLoomClientRingDoorbellSubscribeChanged, CallbackToken());
+    const int ret =
+        _agent.Subscribe(id, GetRingDoorbellJsonUri(), _HomeLoomClientRingDoorbellSubscribeChanged, CallbackToken());
     if (ret != 0) {
         HL_LOGE("failed to subscribe ret: %d", ret);
         return false;
@@ -309,7 +308,7 @@ void CameraDevice::finishNoneAvpStream(const std::string& deviceId, const std::s
 }
 
 void CameraDevice::finishRingDoorbellStream(const std::string& deviceId, const std::string& url) {
-    const int ret = TesselHandler::GetInstance().Unsubscribe(deviceId, GetRingDoorbellJsonUri());
+    const int ret = _agent.Unsubscribe(deviceId, GetRingDoorbellJsonUri());
     if (ret != 0) {
         HL_LOGE("failed to unsubscribe ret: %d", ret);
     }
@@ -322,7 +321,7 @@ void CameraDevice::finishRingDoorbellStream(const std::string& deviceId, const s
 // Before the address goes to the screens, which open a stream of their own. Whether it worked changes nothing.
 void CameraDevice::stopStream(const std::string& deviceId) {
     std::string accessToken;
-    TesselHandler::GetInstance().GetAccessToken(accessToken);
+    _agent.GetAccessToken(accessToken);
     _noneAvpRequester.StopStream(accessToken, deviceId);
 }
 

@@ -7,12 +7,12 @@
 
 namespace VMFramework::HomeLoom {
 
-std::shared_ptr<Device> DeviceFactory::Create(const Device::_deviceInfo& info) {
+std::shared_ptr<Device> DeviceFactory::Create(const Device::_deviceInfo& info, ITesselHandler& agent) {
     if (info.device_type == "oic.d.camera" || info.device_type == "x.com.hl.d.doorbell") {
-        return std::make_shared<CameraDevice>(info);
+        return std::make_shared<CameraDevice>(info, agent);
     }
     if (info.device_type == "oic.d.refrigerator") {
-        return std::make_shared<RefrigeratorDevice>(info);
+        return std::make_shared<RefrigeratorDevice>(info, agent);
     }
     if (info.device_type == "x.com.hl.d.hub") {
         return std::make_shared<HubDevice>(info);

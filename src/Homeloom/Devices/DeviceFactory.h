@@ -7,12 +7,14 @@
 
 namespace VMFramework::HomeLoom {
 
+class ITesselHandler;
+
 /// Turns a record into a device of the class that its type calls for.
 class DeviceFactory {
 public:
     DeviceFactory() = delete;
 
-    static std::shared_ptr<Device> Create(const Device::_deviceInfo& info);
+    static std::shared_ptr<Device> Create(const Device::_deviceInfo& info, ITesselHandler& agent);
 };
 
 }  // namespace VMFramework::HomeLoom

@@ -13,13 +13,16 @@
 #include "Homeloom/Common/CallbackTokens.h"
 #include "Homeloom/Devices/DeviceFactory.h"
 #include "Homeloom/Devices/Resource.h"
-#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/Tessel/ITesselHandler.h"
 #include "Homeloom/UIMeta/Metadata.h"
 
 namespace VMFramework::HomeLoom {
 
-DeviceHandler::DeviceHandler()
-    : Handler("DeviceHandler"), _metadataDispatcher("DeviceHandler"), _statusDispatcher("DeviceHandlerStatus") {
+DeviceHandler::DeviceHandler(ITesselHandler& agent)
+    : Handler("DeviceHandler"),
+      _metadataDispatcher("DeviceHandler"),
+      _statusDispatcher("DeviceHandlerStatus"),
+      _agent(agent) {
     _vidDevicesMap.max_load_factor(1.0f);
     initDeviceTypeMap();
 }
@@ -58,7 +61,7 @@ void DeviceHandler::ClearTimers() {
 
 void DeviceHandler::HandleDeviceInfo(const Device::_deviceInfo& info, const std::vector<std::string>& uris,
                                      const std::vector<std::string>& osvUris) {
-    const auto newDevice = DeviceFactory::Create(info);
+    const auto newDevice = DeviceFactory::Create(info, _agent);
     for (const auto* list : {&uris, &osvUris}) {
         for (const auto& uri : *list) {
             newDevice->AddResource(std::make_shared<Resource>(uri));
@@ -129,11 +132,10 @@ void DeviceHandler::mergeDevice(const std::shared_ptr<Device>& stored, const std
 }
 
 std::string DeviceHandler::GetDeviceNameFromDeviceDetail(homeloom_client_device_detail_h detail) const {
-    auto& agent = TesselHandler::GetInstance();
     std::string name;
-    agent.DeviceDetailGetString(detail, HOMELOOM_CLIENT_DEVICE_DETAIL_PROPERTY_NICK_NAME, name);
+    _agent.DeviceDetailGetString(detail, HOMELOOM_CLIENT_DEVICE_DETAIL_PROPERTY_NICK_NAME, name);
     if (name.empty()) {
-        agent.DeviceDetailGetString(detail, HOMELOOM_CLIENT_DEVICE_DETAIL_PROPERTY_PREFIX, name);
+        _agent.DeviceDetailGetString(detail, HOMELOOM_CLIENT_DEVICE_DETAIL_PROPERTY_PREFIX, name);
     }
     return name;
 }

@@ -27,6 +27,7 @@ namespace VMFramework::HomeLoom {
 class CTransaction;
 class IEndpointHelper;
 class IEndpointListHelper;
+class ITesselHandler;
 
 /// Owns every device of the signed-in user: merges what the session read of them, subscribes to their resources,
 /// applies updates, and turns devices into endpoints and notifications.
@@ -43,7 +44,7 @@ public:
     using DeviceMap = std::map<std::string, std::shared_ptr<Device>>;
     using DeviceLock = std::unique_lock<std::recursive_mutex>;
 
-    DeviceHandler();
+    explicit DeviceHandler(ITesselHandler& agent);
     ~DeviceHandler() override;
 
     /// Both are called under leaf locks only, or with none: the second also on the agent's threads.
@@ -188,6 +189,7 @@ private:
     // Last, so that both threads have ended before anything else goes: their jobs name the handler by its address.
     MsgDispatcher _metadataDispatcher;
     MsgDispatcher _statusDispatcher;
+    ITesselHandler& _agent;
 };
 
 }  // namespace VMFramework::HomeLoom

@@ -8,7 +8,7 @@
 #include "Common/HLLog.h"
 #include "Homeloom/Common/CallbackTokens.h"
 #include "Homeloom/Devices/DeviceHandler.h"
-#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/Tessel/ITesselHandler.h"
 #include "Homeloom/UIMeta/Metadata.h"
 
 namespace VMFramework::HomeLoom {
@@ -26,8 +26,7 @@ void DeviceHandler::SubscribeResourceUri(const std::shared_ptr<Device>& device) 
         return;
     }
     HL_LOGI("device_id : %s, jsonResUri : %s", id.c_str(), uris.c_str());
-    const int ret =
-        TesselHandler::GetInstance().Subscribe(id, uris, _HomeLoomClientSubscribeChanged, subscriptionToken());
+    const int ret = _agent.Subscribe(id, uris, _HomeLoomClientSubscribeChanged, subscriptionToken());
     if (ret != 0) {
         HL_LOGE("ret: %d, device_id : %s", ret, id.c_str());
     }
@@ -40,7 +39,7 @@ void DeviceHandler::UnsubscribeResourceUri(const std::shared_ptr<Device>& device
         return;
     }
     HL_LOGI("device_id : %s, jsonResUri : %s", id.c_str(), uris.c_str());
-    const int ret = TesselHandler::GetInstance().Unsubscribe(id, uris);
+    const int ret = _agent.Unsubscribe(id, uris);
     if (ret != 0) {
         HL_LOGE("ret: %d, device_id : %s", ret, id.c_str());
     }
@@ -208,7 +207,7 @@ std::string DeviceHandler::GetUiMeta(const std::string& vid) const {
     HL_LOGI("vid for meta data : %s ", vid.c_str());
     std::string text;
     if (!vid.empty()) {
-        TesselHandler::GetInstance().GetUIMetadata(vid, text);
+        _agent.GetUIMetadata(vid, text);
     }
     return text;
 }

@@ -13,7 +13,7 @@
 #include "Helpers/CEndpointListHelper.h"
 #include "Homeloom/Devices/CameraDevice.h"
 #include "Homeloom/Devices/DeviceHandler.h"
-#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/Tessel/ITesselHandler.h"
 #include "Homeloom/UIMeta/Metadata.h"
 
 namespace VMFramework::HomeLoom {
@@ -169,7 +169,7 @@ void DeviceHandler::GetDeviceIcons(const std::shared_ptr<CTransaction>& transact
 
 std::string DeviceHandler::getDeviceIconsWithJson(const std::string& id) const {
     std::string text;
-    const int ret = TesselHandler::GetInstance().GetCoreDeviceJson(id, text);
+    const int ret = _agent.GetCoreDeviceJson(id, text);
     if (ret != 0) {
         HL_LOGE("didn't get core device json info, ret : %d", ret);
         return "";
@@ -184,7 +184,7 @@ std::string DeviceHandler::getDeviceIconsWithJson(const std::string& id) const {
 
 std::string DeviceHandler::getDevicesIconsWithJson() const {
     std::string text;
-    const int ret = TesselHandler::GetInstance().GetCoreDeviceListJson("", text);
+    const int ret = _agent.GetCoreDeviceListJson("", text);
     if (ret != 0) {
         HL_LOGE("didn't get core device list json info, ret : %d", ret);
         return "";

@@ -14,7 +14,7 @@
 #include "Homeloom/Common/CallbackTokens.h"
 #include "Homeloom/Devices/DeviceHandler.h"
 #include "Homeloom/Devices/DeviceStateChecker.h"
-#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/Tessel/ITesselHandler.h"
 #include "Homeloom/UIMeta/Metadata.h"
 
 namespace VMFramework::HomeLoom {
@@ -92,8 +92,7 @@ void DeviceHandler::updateDeviceProperty(const std::shared_ptr<Device>& device) 
     for (const auto& uri : uris) {
         void* request =
             CallbackTokens::Keep(std::make_shared<AttributeRequest>(AttributeRequest{weak_from_this(), id}));
-        const int ret = TesselHandler::GetInstance().GetRemoteAttributes(
-            id, uri, _HomeLoomClientGetDeviceRemoteAttributes, request);
+        const int ret = _agent.GetRemoteAttributes(id, uri, _HomeLoomClientGetDeviceRemoteAttributes, request);
         if (ret != 0) {
             HL_LOGE("fail get attributes ret:%d, vid:[%s], device id:%s, subscribe url:%s", ret, vid.c_str(),
                     id.c_str(), uri.c_str());

@@ -11,7 +11,7 @@
 #include "Common/HLLog.h"
 #include "Homeloom/Common/CallbackTokens.h"
 #include "Homeloom/Common/MsgDispatcher.h"
-#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/Tessel/ITesselHandler.h"
 
 namespace VMFramework::HomeLoom {
 
@@ -62,8 +62,8 @@ bool RefrigeratorDevice::requestRefrigeratorInnerviewUrl(const std::shared_ptr<C
         HL_LOGE("fail to subscribe resource uri");
         return false;
     }
-    const int ret = TesselHandler::GetInstance().SetRemoteRepresentation(deviceId, kInsideViewUri, rcp,
-                                                                         onSetRemoteRepresentation, CallbackToken());
+    const int ret =
+        _agent.SetRemoteRepresentation(deviceId, kInsideViewUri, rcp, onSetRemoteRepresentation, CallbackToken());
     if (ret != 0) {
         HL_LOGE("fail to set remote representation");
         // The subscription stays, and the next request replaces it. Nobody is answered twice.
@@ -91,8 +91,7 @@ bool RefrigeratorDevice::subscribeResourceUriWithRefrigeratorInsideView(
         const std::lock_guard<std::mutex> requestLock(_requestMutex);
         _pending.push_back({transaction, subscription->generation});
     }
-    const int ret = TesselHandler::GetInstance().Subscribe(deviceId, uris, _RefrigeratorInnerViewSubscribeChanged,
-                                                           subscription->token);
+    const int ret = _agent.Subscribe(deviceId, uris, _RefrigeratorInnerViewSubscribeChanged, subscription->token);
     if (ret != 0) {
         HL_LOGE("ret: %d", ret);
         return !forget(transaction);
@@ -102,7 +101,7 @@ bool RefrigeratorDevice::subscribeResourceUriWithRefrigeratorInsideView(
 }
 
 void RefrigeratorDevice::unsubscribeResourceUriWithRefrigeratorInsideView(const std::string& deviceId) {
-    const int ret = TesselHandler::GetInstance().Unsubscribe(deviceId, InsideViewUris());
+    const int ret = _agent.Unsubscribe(deviceId, InsideViewUris());
     if (ret != 0) {
         HL_LOGE("ret: %d", ret);
     }

@@ -13,11 +13,12 @@
 namespace VMFramework::HomeLoom {
 
 class CTransaction;
+class ITesselHandler;
 
 /// A refrigerator, maybe with cameras inside.
 class RefrigeratorDevice : public Device {
 public:
-    using Device::Device;
+    RefrigeratorDevice(const _deviceInfo& info, ITesselHandler& agent) : Device(info), _agent(agent) {}
 
     /// Has the refrigerator take pictures, and reports their addresses when it has told of them. A failure before that
     /// is reported at once; later there is either the whole answer or none.
@@ -51,7 +52,7 @@ private:
     bool requestRefrigeratorInnerviewUrl(const std::shared_ptr<CTransaction>& transaction, const std::string& deviceId);
     bool subscribeResourceUriWithRefrigeratorInsideView(const std::shared_ptr<CTransaction>& transaction,
                                                         const std::string& deviceId);
-    static void unsubscribeResourceUriWithRefrigeratorInsideView(const std::string& deviceId);
+    void unsubscribeResourceUriWithRefrigeratorInsideView(const std::string& deviceId);
     static bool isAnswer(Subscription& subscription, const std::string& representation);
     void answer(unsigned generation, const std::string& deviceId, const std::string& representation);
     static void onGetInsideViewUrlEvent(const std::shared_ptr<CTransaction>& transaction, bool isSuccess,
@@ -68,6 +69,7 @@ private:
     std::mutex _requestMutex;  // a leaf: guards the next ones
     std::string _accessToken;
     std::vector<Request> _pending;
+    ITesselHandler& _agent;
 };
 
 }  // namespace VMFramework::HomeLoom

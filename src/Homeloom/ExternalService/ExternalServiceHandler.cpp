@@ -12,7 +12,7 @@
 #include "Homeloom/Common/CallbackTokens.h"
 #include "Homeloom/Common/MsgDispatcher.h"
 #include "Homeloom/Common/UserTransactionData.h"
-#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/Tessel/ITesselHandler.h"
 
 namespace VMFramework::HomeLoom {
 
@@ -55,8 +55,7 @@ void ExternalServiceHandler::SetNotificationProfile(const std::shared_ptr<CTrans
                                                     const std::string& appId, const std::string& locale) {
     std::string errorMessage;
     std::string response;
-    const int ret =
-        TesselHandler::GetInstance().SetNotificationProfile(provider, regId, appId, locale, errorMessage, response);
+    const int ret = _agent.SetNotificationProfile(provider, regId, appId, locale, errorMessage, response);
     HL_LOGI("SetNotificationProfile ret : %d, error_message : %s, response_json : %s", ret, errorMessage.c_str(),
             response.c_str());
     // The platform's own word decides, not the call's result.
@@ -66,8 +65,8 @@ void ExternalServiceHandler::SetNotificationProfile(const std::shared_ptr<CTrans
 void ExternalServiceHandler::GetNotificationProfile(const std::shared_ptr<CTransaction>& transaction) {
     GetThirdPartyNotificationParam param(transaction);
     std::string errorMessage;
-    const int ret = TesselHandler::GetInstance().GetNotificationProfile(errorMessage, param.pushProvider,
-                                                                        param.pushRegId, param.pushAppId, param.locale);
+    const int ret =
+        _agent.GetNotificationProfile(errorMessage, param.pushProvider, param.pushRegId, param.pushAppId, param.locale);
     HL_LOGI(
         "GetNotificationProfile ret : %d, error_message : %s, push_provider : %s, push_reg_id : %s, push_app_id : %s, "
         "locale : %s",
@@ -82,23 +81,22 @@ void ExternalServiceHandler::GetNotificationProfile(const std::shared_ptr<CTrans
 void ExternalServiceHandler::SetThirdPartyNotification(const std::shared_ptr<CTransaction>& transaction,
                                                        const std::string& provider, const std::string& regId,
                                                        const std::string& appId, const std::string& locale) {
-    auto& agent = TesselHandler::GetInstance();
     void* token = requestToken(transaction);
     int ret =
-        agent.SetThirdPartyNotification(provider, regId, appId, locale, _HomeLoomClientThirdPartyNotification, token);
+        _agent.SetThirdPartyNotification(provider, regId, appId, locale, _HomeLoomClientThirdPartyNotification, token);
     HL_LOGI("set noti ret : %d", ret);
     if (ret != 0) {
         CallbackTokens::Take<UserTransactionData>(token);
         ReportSetNotification(transaction, false);
         return;
     }
-    ret = agent.SetThirdPartyNotificationStatusUpdatedCb(_HomeLoomClientThirdPartyNotificationStatusUpdated,
-                                                         CallbackTokens::Watch(weak_from_this()));
+    ret = _agent.SetThirdPartyNotificationStatusUpdatedCb(_HomeLoomClientThirdPartyNotificationStatusUpdated,
+                                                          CallbackTokens::Watch(weak_from_this()));
     HL_LOGI("set noti update cb ret : %d", ret);
 }
 
 void ExternalServiceHandler::UnsetThirdPartyNotificationUpdateCb() {
-    TesselHandler::GetInstance().UnsetThirdPartyNotificationStatusUpdatedCb();
+    _agent.UnsetThirdPartyNotificationStatusUpdatedCb();
 }
 
 void ExternalServiceHandler::_HomeLoomClientThirdPartyNotification(bool result, void* userData) try {
@@ -137,8 +135,8 @@ void ExternalServiceHandler::SetThirdPartyNotificationStatus(const std::shared_p
         return;
     }
     void* token = requestToken(transaction);
-    const int ret = TesselHandler::GetInstance().SetThirdPartyNotificationStatus(
-        deviceIds, _HomeLoomClientSetThirdPartyNotificationStatus, token);
+    const int ret =
+        _agent.SetThirdPartyNotificationStatus(deviceIds, _HomeLoomClientSetThirdPartyNotificationStatus, token);
     HL_LOGI("set noti status ret : %d", ret);
     if (ret != 0) {
         CallbackTokens::Take<UserTransactionData>(token);
@@ -158,8 +156,7 @@ void ExternalServiceHandler::_HomeLoomClientSetThirdPartyNotificationStatus(bool
 
 void ExternalServiceHandler::GetThirdPartyNotificationStatus(const std::shared_ptr<CTransaction>& transaction) {
     void* token = requestToken(transaction);
-    const int ret = TesselHandler::GetInstance().GetThirdPartyNotificationStatus(
-        _HomeLoomClientGetThirdPartyNotificationStatus, token);
+    const int ret = _agent.GetThirdPartyNotificationStatus(_HomeLoomClientGetThirdPartyNotificationStatus, token);
     HL_LOGI("get noti status ret : %d", ret);
     if (ret != 0) {
         CallbackTokens::Take<UserTransactionData>(token);

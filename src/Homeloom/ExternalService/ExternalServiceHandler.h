@@ -8,6 +8,7 @@
 namespace VMFramework::HomeLoom {
 
 class CTransaction;
+class ITesselHandler;
 
 /// Lets an outside application of the TV take part in the platform's push notifications: registers its push profile,
 /// and keeps the list of devices whose notifications are blocked.
@@ -16,6 +17,7 @@ class CTransaction;
 /// request's thread.
 class ExternalServiceHandler : public std::enable_shared_from_this<ExternalServiceHandler> {
 public:
+    explicit ExternalServiceHandler(ITesselHandler& agent) : _agent(agent) {}
     virtual ~ExternalServiceHandler() = default;
 
     /// These two block until the agent has answered.
@@ -44,6 +46,7 @@ private:
     static std::string convertBlockDeviceIdsToJson(char** deviceIds, int count);
     static bool convertJsonToBlockDeviceIds(const std::string& json, std::vector<std::string>& deviceIds);
     void* requestToken(const std::shared_ptr<CTransaction>& transaction);
+    ITesselHandler& _agent;
 };
 
 }  // namespace VMFramework::HomeLoom

@@ -6,7 +6,7 @@
 #include "Common/CReporter.h"
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
-#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/Tessel/AgentList.h"
 
 namespace VMFramework::HomeLoom {
 
@@ -34,7 +34,7 @@ void FavoriteHandler::CreateFavorite(const std::shared_ptr<CTransaction>& transa
                                      const std::string& favoriteInfo) {
     HL_LOGI("create favorite");
     homeloom_core_favorite_h favorite = nullptr;
-    const int ret = TesselHandler::GetInstance().CreateFavorite(locationId, favoriteInfo, favorite);
+    const int ret = _agent.CreateFavorite(locationId, favoriteInfo, favorite);
 
     CreateFavoriteParam param(transaction);
     param.result = ret == HOMELOOM_CLIENT_ERROR_NONE;
@@ -42,7 +42,7 @@ void FavoriteHandler::CreateFavorite(const std::shared_ptr<CTransaction>& transa
     if (param.result) {
         // What the agent made, not what was asked for.
         param.favoriteInfo = getFavorite(favorite);
-        TesselHandler::GetInstance().DestroySingleFavorite(favorite);
+        _agent.DestroySingleFavorite(favorite);
     } else {
         HL_LOGE("core error : %d", ret);
     }
@@ -53,7 +53,7 @@ void FavoriteHandler::DeleteFavorite(const std::shared_ptr<CTransaction>& transa
                                      const std::string& favoriteId) {
     HL_LOGI("delete favorite");
     DeleteFavoriteParam param(transaction);
-    param.result = TesselHandler::GetInstance().DeleteFavorite(locationId, favoriteId) == HOMELOOM_CLIENT_ERROR_NONE;
+    param.result = _agent.DeleteFavorite(locationId, favoriteId) == HOMELOOM_CLIENT_ERROR_NONE;
     param.locationId = locationId;
     param.favoriteId = favoriteId;
     Reporter::Report(param);
@@ -62,12 +62,8 @@ void FavoriteHandler::DeleteFavorite(const std::shared_ptr<CTransaction>& transa
 void FavoriteHandler::ReplaceFavorites(const std::shared_ptr<CTransaction>& transaction, const std::string& locationId,
                                        const std::string& favoriteInfoArray) {
     HL_LOGI("replace favorites");
-    homeloom_core_favorite_h* list = nullptr;
-    int count = 0;
-    auto& agent = TesselHandler::GetInstance();
-    const int ret = agent.ReplaceFavorites(locationId, favoriteInfoArray, list, count);
-    // A failure may hand out a list as well.
-    agent.DestroyFavoriteList(list, count);
+    AgentList<homeloom_core_favorite_h> favorites(_agent, &ITesselHandler::DestroyFavoriteList);
+    const int ret = _agent.ReplaceFavorites(locationId, favoriteInfoArray, favorites.list, favorites.count);
 
     ReplaceFavoriteParam param(transaction);
     param.result = ret == HOMELOOM_CLIENT_ERROR_NONE;
@@ -87,9 +83,8 @@ void FavoriteHandler::GetFavoriteMigrationStatus(const std::shared_ptr<CTransact
                                                  const std::string& locationId) {
     GetFavoriteMigrationStatusParam param(transaction);
     param.locationId = locationId;
-    param.result =
-        TesselHandler::GetInstance().GetFavoriteMigrationStatus(locationId, param.isMigrated, param.lastUpdatedDate,
-                                                                param.deviceModel) == HOMELOOM_CLIENT_ERROR_NONE;
+    param.result = _agent.GetFavoriteMigrationStatus(locationId, param.isMigrated, param.lastUpdatedDate,
+                                                     param.deviceModel) == HOMELOOM_CLIENT_ERROR_NONE;
     Reporter::Report(param);
 }
 
@@ -98,8 +93,8 @@ void FavoriteHandler::UpdateFavoriteMigrationStatus(const std::shared_ptr<CTrans
     UpdateFavoriteMigrationStatusParam param(transaction);
     param.locationId = locationId;
     param.favoriteMigrationStatusInfo = statusInfo;
-    param.result = TesselHandler::GetInstance().UpdateFavoriteMigrationStatus(
-                       locationId, statusInfo, param.statusResult) == HOMELOOM_CLIENT_ERROR_NONE;
+    param.result =
+        _agent.UpdateFavoriteMigrationStatus(locationId, statusInfo, param.statusResult) == HOMELOOM_CLIENT_ERROR_NONE;
     Reporter::Report(param);
 }
 
@@ -119,17 +114,16 @@ std::string FavoriteHandler::GetFavoriteData(const std::string& locationId) {
 }
 
 bool FavoriteHandler::readFavorite(homeloom_core_favorite_h favorite, json::JsonValue& record) {
-    auto& agent = TesselHandler::GetInstance();
     for (const TextField& field : kTextFields) {
         std::string value;
-        if (agent.GetFavoriteString(favorite, field.field, value) != HOMELOOM_CLIENT_ERROR_NONE) {
+        if (_agent.GetFavoriteString(favorite, field.field, value) != HOMELOOM_CLIENT_ERROR_NONE) {
             HL_LOGE("%s", field.complaint);
             return false;
         }
         record.set(field.key, value);
     }
     int order = 0;
-    if (agent.GetFavoriteInt(favorite, HOMELOOM_CORE_FAVORITE_ORDER, order) != HOMELOOM_CLIENT_ERROR_NONE) {
+    if (_agent.GetFavoriteInt(favorite, HOMELOOM_CORE_FAVORITE_ORDER, order) != HOMELOOM_CLIENT_ERROR_NONE) {
         HL_LOGE("get favorite order failed");
         return false;
     }
@@ -143,14 +137,9 @@ std::string FavoriteHandler::getFavorite(homeloom_core_favorite_h favorite) {
 }
 
 bool FavoriteHandler::getFavorites(const std::string& locationId, int& count, std::string& json) {
-    count = 0;
-    auto& agent = TesselHandler::GetInstance();
-    homeloom_core_favorite_h* list = nullptr;
-    const int ret = agent.GetFavoriteList(locationId, list, count);
-    const auto destroy = [&agent, count](homeloom_core_favorite_h* favorites) {
-        agent.DestroyFavoriteList(favorites, count);
-    };
-    const std::unique_ptr<homeloom_core_favorite_h, decltype(destroy)> owner(list, destroy);
+    AgentList<homeloom_core_favorite_h> records(_agent, &ITesselHandler::DestroyFavoriteList);
+    const int ret = _agent.GetFavoriteList(locationId, records.list, records.count);
+    count = records.count;
     // Searched for in this spelling.
     HL_LOGI("ret of get favortie list: %d, favorite_size: %d, location_id: %s", ret, count, locationId.c_str());
     if (ret != HOMELOOM_CLIENT_ERROR_NONE && ret != HOMELOOM_CLIENT_ERROR_NO_DATA) {
@@ -159,9 +148,9 @@ bool FavoriteHandler::getFavorites(const std::string& locationId, int& count, st
     }
 
     json::JsonValue favorites;
-    for (int i = 0; list != nullptr && i < count; ++i) {
+    for (const homeloom_core_favorite_h favorite : records) {
         json::JsonValue record;
-        if (readFavorite(list[i], record)) {
+        if (readFavorite(favorite, record)) {
             HL_LOGI("favorite : %s", record.toString().c_str());
             favorites.append(record);
         }

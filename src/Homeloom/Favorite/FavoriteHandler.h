@@ -13,11 +13,13 @@ class JsonValue;
 namespace VMFramework::HomeLoom {
 
 class CTransaction;
+class ITesselHandler;
 
 /// The favorites of a location: the requests, and their text for the location's endpoint. Has no state: every read
 /// goes to the agent. Nothing here throws on purpose; a failed call is a report with a false flag.
 class FavoriteHandler {
 public:
+    explicit FavoriteHandler(ITesselHandler& agent) : _agent(agent) {}
     void CreateFavorite(const std::shared_ptr<CTransaction>& transaction, const std::string& locationId,
                         const std::string& favoriteInfo);
     /// An empty favorite id deletes all favorites of the location.
@@ -35,10 +37,11 @@ public:
     std::string GetFavoriteData(const std::string& locationId);
 
 private:
-    static bool readFavorite(homeloom_core_favorite_h favorite, json::JsonValue& record);
-    static std::string getFavorite(homeloom_core_favorite_h favorite);
+    bool readFavorite(homeloom_core_favorite_h favorite, json::JsonValue& record);
+    std::string getFavorite(homeloom_core_favorite_h favorite);
     /// 'count' is the agent's, also when some records could not be read.
-    static bool getFavorites(const std::string& locationId, int& count, std::string& json);
+    bool getFavorites(const std::string& locationId, int& count, std::string& json);
+    ITesselHandler& _agent;
 };
 
 }  // namespace VMFramework::HomeLoom

@@ -10,7 +10,7 @@
 #include "Common/HLNames.h"
 #include "Helpers/CPropertyListHelper.h"
 #include "Homeloom/IR/CIROnboardingInfo.h"
-#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/Tessel/ITesselHandler.h"
 
 namespace VMFramework::HomeLoom {
 
@@ -23,7 +23,7 @@ void IRHandler::OnboardIRDevice(const std::shared_ptr<CTransaction>& transaction
     const CIrOnboardingInfo info(list);
     const std::string body = info.GenerateRequestBody();
     std::string text;
-    const int ret = TesselHandler::GetInstance().CreateIRDevice(locationId, body, text);
+    const int ret = _agent.CreateIRDevice(locationId, body, text);
     HL_LOGI("tessel_ret:%d, response:%s", ret, text.c_str());
 
     const json::JsonValue response = json::JsonValue::Create(text);

@@ -6,11 +6,11 @@
 #include "Common/CReporter.h"
 #include "Common/HLLog.h"
 #include "Homeloom/IoTHub/HubIPCProxy.h"
-#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/Tessel/ITesselHandler.h"
 
 namespace VMFramework::HomeLoom {
 
-CHubHandler::CHubHandler() {
+CHubHandler::CHubHandler(ITesselHandler& agent) : _agent(agent) {
     HubIPCProxy::GetInstance().Start();
 }
 
@@ -24,7 +24,7 @@ void CHubHandler::Stop() {
 
 void CHubHandler::CreateLocalHubDevicesSet() {
     std::set<std::string> ids;
-    if (TesselHandler::GetInstance().GetLocalHubDeviceIDList(ids) != 0) {
+    if (_agent.GetLocalHubDeviceIDList(ids) != 0) {
         HL_LOGE("get local hub device id list failed");
         return;
     }
@@ -80,7 +80,7 @@ void CHubHandler::StartHubDeviceDiscovery(const std::shared_ptr<CTransaction>& t
         HL_LOGE("discovery_timeout < 0 !! error case!");
         return;
     }
-    const int result = TesselHandler::GetInstance().StartHubDeviceDiscover(hubId, timeout, false, false, 1);
+    const int result = _agent.StartHubDeviceDiscover(hubId, timeout, false, false, 1);
     HL_LOGI("StartHubDeviceDiscover ret : %d", result);
     StartHubDeviceDiscoveryParam param(transaction);
     param.result = result == 0;
@@ -94,7 +94,7 @@ void CHubHandler::StopHubDeviceDiscovery(const std::shared_ptr<CTransaction>& tr
         HL_LOGE("hub_di is empty");
         return;
     }
-    const int result = TesselHandler::GetInstance().StopHubDeviceDiscover(hubId);
+    const int result = _agent.StopHubDeviceDiscover(hubId);
     HL_LOGI("StopHubDeviceDiscover ret : %d", result);
     StopHubDeviceDiscoveryParam param(transaction);
     param.result = result == 0;

@@ -9,12 +9,13 @@
 namespace VMFramework::HomeLoom {
 
 class CTransaction;
+class ITesselHandler;
 
 /// The TV as a hub: which devices its own hub serves, the search for new ones, and the hub control application.
 class CHubHandler {
 public:
     /// Starts the connection to the hub control application.
-    CHubHandler();
+    explicit CHubHandler(ITesselHandler& agent);
     ~CHubHandler();
     CHubHandler(const CHubHandler&) = delete;
     CHubHandler& operator=(const CHubHandler&) = delete;
@@ -50,6 +51,7 @@ public:
 private:
     mutable std::mutex _mutex;  // a leaf
     std::unordered_set<std::string> _localHubDevices;
+    ITesselHandler& _agent;
 };
 
 }  // namespace VMFramework::HomeLoom

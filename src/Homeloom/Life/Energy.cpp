@@ -10,7 +10,7 @@
 #include "Common/HLLog.h"
 #include "Homeloom/Common/MsgDispatcher.h"
 #include "Homeloom/Life/EnergySavingMode.h"
-#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/Tessel/ITesselHandler.h"
 
 namespace VMFramework::HomeLoom {
 
@@ -83,7 +83,7 @@ std::string Energy::requestGetEnergyConsumption(const std::string& installedAppI
         return {};
     }
     std::string answer;
-    const int ret = TesselHandler::GetInstance().ExecuteInstalledApp(installedAppId, text, answer);
+    const int ret = _agent.ExecuteInstalledApp(installedAppId, text, answer);
     HL_LOGI("ret : %d, json_str : %s", ret, answer.c_str());
     return answer;
 }
@@ -170,7 +170,7 @@ JsonValue Energy::makeEnergyJsonInfo(const Consumption& consumption) {
 
 std::string Energy::getDeviceStatus(const std::string& deviceId) {
     std::string status;
-    const int ret = TesselHandler::GetInstance().GetCoreDeviceStatus(deviceId, status);
+    const int ret = _agent.GetCoreDeviceStatus(deviceId, status);
     if (ret != 0) {
         HL_LOGE("ret: %d", ret);
         return {};

@@ -13,6 +13,7 @@ class JsonValue;
 namespace VMFramework::HomeLoom {
 
 class CTransaction;
+class ITesselHandler;
 
 /// How much energy the devices of a location consumed this month, and whether each is in energy saving mode.
 ///
@@ -21,6 +22,7 @@ class CTransaction;
 /// it.
 class Energy : public std::enable_shared_from_this<Energy> {
 public:
+    explicit Energy(ITesselHandler& agent) : _agent(agent) {}
     /// Blocks until the consumption is there.
     void GetEnergyInfo(const std::shared_ptr<CTransaction>& transaction, const std::string& installedAppId);
     /// The energy service says that there is something new: only the second stage.
@@ -43,7 +45,7 @@ private:
     void reportAllEnergyInfo(const std::string& installedAppId, const Consumption& consumption);
     void runSecondStage(const std::string& installedAppId, const Consumption& consumption);
     json::JsonValue makeEnergyJsonInfo(const Consumption& consumption);
-    static std::string getDeviceStatus(const std::string& deviceId);
+    std::string getDeviceStatus(const std::string& deviceId);
 
     static void report(const std::shared_ptr<CTransaction>& transaction, bool result, const std::string& installedAppId,
                        const json::JsonValue& info);
@@ -52,6 +54,7 @@ private:
     bool isQuit() const;
 
     std::atomic<bool> _quit{false};
+    ITesselHandler& _agent;
 };
 
 }  // namespace VMFramework::HomeLoom

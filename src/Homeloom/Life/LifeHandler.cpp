@@ -24,7 +24,7 @@
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
 #include "Homeloom/Life/Energy.h"
-#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/Tessel/AgentList.h"
 #include "Homeloom/Utils/CFileUtil.h"
 
 namespace VMFramework::HomeLoom {
@@ -75,25 +75,6 @@ std::string TextMember(const JsonValue& object, const char* name) {
     return member.isString() ? member.asString() : std::string();
 }
 
-bool GetField(homeloom_core_installed_app_h app, int field, std::string& value) {
-    return TesselHandler::GetInstance().GetInstalledAppString(app, field, value) == 0;
-}
-
-/// The agent's list, given back at the end.
-struct InstalledApps {
-    InstalledApps() = default;
-    InstalledApps(const InstalledApps&) = delete;
-    InstalledApps& operator=(const InstalledApps&) = delete;
-    ~InstalledApps() {
-        if (list != nullptr) {
-            TesselHandler::GetInstance().DestroyInstalledApp(list, count);
-        }
-    }
-
-    homeloom_core_installed_app_h* list = nullptr;
-    int count = 0;
-};
-
 }  // namespace
 
 // ---- Catalog ----
@@ -129,7 +110,8 @@ LifeHandler::Catalog& LifeHandler::catalog() {
     return instance;
 }
 
-LifeHandler::LifeHandler() : Handler("LifeHandler"), _energy(std::make_shared<Energy>()) {
+LifeHandler::LifeHandler(ITesselHandler& agent)
+    : Handler("LifeHandler"), _energy(std::make_shared<Energy>(agent)), _agent(agent) {
     GetPlatform();
 }
 
@@ -151,7 +133,7 @@ void LifeHandler::updateAppsInfo() {
     }
     std::string answer;
     std::string errorMessage;
-    if (TesselHandler::GetInstance().GetCatalogAppList(request, answer, errorMessage) != 0) {
+    if (_agent.GetCatalogAppList(request, answer, errorMessage) != 0) {
         HL_LOGE("failed to get catalog app list. msg: %s", errorMessage.c_str());
         return;
     }
@@ -263,15 +245,15 @@ void LifeHandler::GetInstalledServiceAppInfo(const std::shared_ptr<CTransaction>
 }
 
 int LifeHandler::getInstalledServiceAppInfo(const std::string& locationId, std::string& json) {
-    InstalledApps apps;
-    const int ret = TesselHandler::GetInstance().GetInstalledAppList(apps.list, apps.count);
+    AgentList<homeloom_core_installed_app_h> apps(_agent, &ITesselHandler::DestroyInstalledApp);
+    const int ret = _agent.GetInstalledAppList(apps.list, apps.count);
     JsonValue array = JsonValue::CreateArray();
-    for (int i = 0; apps.list != nullptr && i < apps.count; ++i) {
+    for (const homeloom_core_installed_app_h app : apps) {
         if (IsQuit()) {
             throw CException("already quit", kErrorQuit);
         }
         InstalledApp installed;
-        if (readInstalledApp(apps.list[i], locationId, installed)) {
+        if (readInstalledApp(app, locationId, installed)) {
             HL_LOGI("[R2] Do Not Request DashboardJson");
             makeBodyOfDashboard(installed.info.serviceCode);
             array.append(installed.toJson());
@@ -285,14 +267,17 @@ int LifeHandler::getInstalledServiceAppInfo(const std::string& locationId, std::
 // False for an app that is left out.
 bool LifeHandler::readInstalledApp(homeloom_core_installed_app_h app, const std::string& locationId,
                                    InstalledApp& installed) {
-    if (!GetField(app, HOMELOOM_CORE_INSTALLED_APP_LOCATION_ID, installed.locationId)) {
+    const auto read = [this, app](int field, std::string& value) {
+        return _agent.GetInstalledAppString(app, field, value) == 0;
+    };
+    if (!read(HOMELOOM_CORE_INSTALLED_APP_LOCATION_ID, installed.locationId)) {
         HL_LOGE("get location_id failed");
         return false;
     }
     if (installed.locationId != locationId) {
         return false;
     }
-    if (!GetField(app, HOMELOOM_CORE_INSTALLED_APP_APP_ID, installed.appId)) {
+    if (!read(HOMELOOM_CORE_INSTALLED_APP_APP_ID, installed.appId)) {
         HL_LOGE("get app_id failed");
         return false;
     }
@@ -302,7 +287,7 @@ bool LifeHandler::readInstalledApp(homeloom_core_installed_app_h app, const std:
     }
     installed.info = *info;
     std::string status;
-    if (!GetField(app, HOMELOOM_CORE_INSTALLED_APP_STATUS, status)) {
+    if (!read(HOMELOOM_CORE_INSTALLED_APP_STATUS, status)) {
         HL_LOGE("%s get app_status failed", installed.appId.c_str());
         return false;
     }
@@ -311,13 +296,13 @@ bool LifeHandler::readInstalledApp(homeloom_core_installed_app_h app, const std:
         return false;
     }
     // An app without a name is an app all the same.
-    GetField(app, HOMELOOM_CORE_INSTALLED_APP_DISPLAY_NAME, installed.displayName);
-    if (!GetField(app, HOMELOOM_CORE_INSTALLED_APP_ID, installed.installedAppId)) {
+    read(HOMELOOM_CORE_INSTALLED_APP_DISPLAY_NAME, installed.displayName);
+    if (!read(HOMELOOM_CORE_INSTALLED_APP_ID, installed.installedAppId)) {
         HL_LOGE("get installed_app_id failed");
         return false;
     }
     std::string ui;
-    if (!GetField(app, HOMELOOM_CORE_INSTALLED_APP_UI, ui)) {
+    if (!read(HOMELOOM_CORE_INSTALLED_APP_UI, ui)) {
         HL_LOGE("%s getting ui string failed", installed.appId.c_str());
         return false;
     }

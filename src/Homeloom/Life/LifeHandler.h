@@ -16,6 +16,7 @@ namespace VMFramework::HomeLoom {
 
 class CTransaction;
 class Energy;
+class ITesselHandler;
 
 /// The platform's service applications: which of its catalog are installed in a location, and the energy service.
 ///
@@ -23,7 +24,7 @@ class Energy;
 /// whatever happens to the session and to this handler.
 class LifeHandler : public Handler {
 public:
-    LifeHandler();
+    explicit LifeHandler(ITesselHandler& agent);
     ~LifeHandler() override;
 
     void Quit() override;
@@ -51,12 +52,12 @@ private:
 
     /// The agent's code of the list call.
     int getInstalledServiceAppInfo(const std::string& locationId, std::string& json);
-    static bool readInstalledApp(homeloom_core_installed_app_h app, const std::string& locationId,
-                                 InstalledApp& installed);
+    bool readInstalledApp(homeloom_core_installed_app_h app, const std::string& locationId, InstalledApp& installed);
     static std::string makeBodyOfDashboard(const std::string& serviceCode);
     static std::string getTimezoneOffset();
 
     const std::shared_ptr<Energy> _energy;
+    ITesselHandler& _agent;
 };
 
 }  // namespace VMFramework::HomeLoom

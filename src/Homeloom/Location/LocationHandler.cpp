@@ -12,7 +12,7 @@
 #include "Helpers/CEndpointListHelper.h"
 #include "Homeloom/Common/CallbackTokens.h"
 #include "Homeloom/Common/MsgDispatcher.h"
-#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/Tessel/AgentList.h"
 
 namespace VMFramework::HomeLoom {
 
@@ -21,12 +21,12 @@ namespace {
 // A burst of group changes ends in one reload, this long after the last.
 constexpr unsigned kReloadDelayMs = 500;
 
-LocationHandler::GroupList MakeGroupList(homeloom_client_group_h* list, int count) {
+LocationHandler::GroupList MakeGroupList(ITesselHandler& agent, homeloom_client_group_h* list, int count) {
     if (list == nullptr) {
         return nullptr;
     }
     return LocationHandler::GroupList(
-        list, [count](homeloom_client_group_h* groups) { TesselHandler::GetInstance().GroupDestroy(groups, count); });
+        list, [&agent, count](homeloom_client_group_h* groups) { agent.GroupDestroy(groups, count); });
 }
 
 // A home without rooms is no error.
@@ -34,21 +34,21 @@ bool checkErrorWithRoomEmptyCase(int ret) {
     return ret == HOMELOOM_CLIENT_ERROR_NONE || ret == HOMELOOM_CLIENT_ERROR_NO_DATA;
 }
 
-std::string ReadGroup(homeloom_client_group_h group, homeloom_client_group_property_id_e property,
-                      const char* complaint) {
+std::string ReadGroup(ITesselHandler& agent, homeloom_client_group_h group,
+                      homeloom_client_group_property_id_e property, const char* complaint) {
     std::string value;
-    if (TesselHandler::GetInstance().GroupGetString(group, property, value) != HOMELOOM_CLIENT_ERROR_NONE) {
+    if (agent.GroupGetString(group, property, value) != HOMELOOM_CLIENT_ERROR_NONE) {
         throw CException(complaint, kErrorNoData);
     }
     return value;
 }
 
 /// The name of the first group of that id; empty if there is none.
-std::string FindGroupName(const std::string& id, const LocationHandler::GroupList& list, int count,
-                          const char* idComplaint, const char* nameComplaint) {
+std::string FindGroupName(ITesselHandler& agent, const std::string& id, const LocationHandler::GroupList& list,
+                          int count, const char* idComplaint, const char* nameComplaint) {
     for (int i = 0; list && i < count; ++i) {
-        if (ReadGroup(list.get()[i], HOMELOOM_CLIENT_GROUP_PROPERTY_ID, idComplaint) == id) {
-            return ReadGroup(list.get()[i], HOMELOOM_CLIENT_GROUP_PROPERTY_NAME, nameComplaint);
+        if (ReadGroup(agent, list.get()[i], HOMELOOM_CLIENT_GROUP_PROPERTY_ID, idComplaint) == id) {
+            return ReadGroup(agent, list.get()[i], HOMELOOM_CLIENT_GROUP_PROPERTY_NAME, nameComplaint);
         }
     }
     return {};
@@ -69,7 +69,7 @@ std::string getLocationPermission(const std::unordered_map<std::string, core_loc
 
 }  // namespace
 
-LocationHandler::LocationHandler() : Handler("LocationHandler") {}
+LocationHandler::LocationHandler(ITesselHandler& agent) : Handler("LocationHandler"), _agent(agent) {}
 
 LocationHandler::~LocationHandler() {
     CleanUpTimer();
@@ -92,15 +92,15 @@ void LocationHandler::SetGetFavoritesCallback(std::function<std::string(const st
 }
 
 void LocationHandler::SetGroupListUpdateCallback() {
-    TesselHandler::GetInstance().SetGroupListUpdatedCb(_HomeLoomClientLocationListUpdated, getToken());
+    _agent.SetGroupListUpdatedCb(_HomeLoomClientLocationListUpdated, getToken());
 }
 
 void LocationHandler::UnsetGroupListUpdateCallback() {
-    TesselHandler::GetInstance().UnsetGroupListUpdatedCb();
+    _agent.UnsetGroupListUpdatedCb();
 }
 
 int LocationHandler::UpdatePermission(const std::string& locationId) {
-    const int ret = TesselHandler::GetInstance().CoreNotifyPermissionUpdate(locationId);
+    const int ret = _agent.CoreNotifyPermissionUpdate(locationId);
     HL_LOGI("UpdatePermission ret : %d", ret);
     return ret;
 }
@@ -197,8 +197,8 @@ void LocationHandler::CleanUpTimer() {
 LocationHandler::GroupList LocationHandler::GetLocationList(int& count) {
     try {
         homeloom_client_group_h* list = nullptr;
-        const int ret = TesselHandler::GetInstance().GetGroupList(list, HOMELOOM_CLIENT_GROUP_TYPE_LOCATION, count);
-        auto locations = MakeGroupList(list, count);
+        const int ret = _agent.GetGroupList(list, HOMELOOM_CLIENT_GROUP_TYPE_LOCATION, count);
+        auto locations = MakeGroupList(_agent, list, count);
         if (ret != HOMELOOM_CLIENT_ERROR_NONE) {
             throw CException("get location list failed", kErrorNoData);
         }
@@ -215,8 +215,8 @@ LocationHandler::GroupList LocationHandler::GetLocationList(int& count) {
 LocationHandler::GroupList LocationHandler::GetRoomList(int& count) {
     try {
         homeloom_client_group_h* list = nullptr;
-        const int ret = TesselHandler::GetInstance().GetGroupList(list, HOMELOOM_CLIENT_GROUP_TYPE_ROOM, count);
-        auto rooms = MakeGroupList(list, count);
+        const int ret = _agent.GetGroupList(list, HOMELOOM_CLIENT_GROUP_TYPE_ROOM, count);
+        auto rooms = MakeGroupList(_agent, list, count);
         if (!checkErrorWithRoomEmptyCase(ret)) {
             throw CException("get room list failed", kErrorNoData);
         }
@@ -233,7 +233,7 @@ std::string LocationHandler::GetLocationNameFromLocationID(const std::string& lo
         if (locationId.empty()) {
             throw CException("locationId is empty", kErrorEmptyArgument);
         }
-        return FindGroupName(locationId, list, count, "get location id failed", "get location name failed");
+        return FindGroupName(_agent, locationId, list, count, "get location id failed", "get location name failed");
     } catch (const std::exception& e) {
         HL_LOG_EXCEPTION(e);
         return {};
@@ -245,7 +245,7 @@ std::string LocationHandler::GetRoomNameFromRoomID(const std::string& roomId, co
         if (roomId.empty()) {
             throw CException("roomID is empty", kErrorEmptyArgument);
         }
-        return FindGroupName(roomId, list, count, "get room id failed", "get room name failed");
+        return FindGroupName(_agent, roomId, list, count, "get room id failed", "get room name failed");
     } catch (const std::exception& e) {
         HL_LOG_EXCEPTION(e);
         return {};
@@ -265,9 +265,10 @@ LocationHandler::NameById LocationHandler::getLocation() {
     }
     for (int i = 0; i < count; ++i) {
         try {
-            std::string id = ReadGroup(list.get()[i], HOMELOOM_CLIENT_GROUP_PROPERTY_ID, "get location id failed");
+            std::string id =
+                ReadGroup(_agent, list.get()[i], HOMELOOM_CLIENT_GROUP_PROPERTY_ID, "get location id failed");
             std::string name =
-                ReadGroup(list.get()[i], HOMELOOM_CLIENT_GROUP_PROPERTY_NAME, "get location name failed");
+                ReadGroup(_agent, list.get()[i], HOMELOOM_CLIENT_GROUP_PROPERTY_NAME, "get location name failed");
             HL_LOGI("[%d] location id : %s, location name : %s", i, id.c_str(), name.c_str());
             const auto known =
                 std::find_if(names.begin(), names.end(), [&](const auto& entry) { return entry.first == id; });
@@ -289,35 +290,30 @@ std::unordered_map<std::string, std::string> LocationHandler::GetLocations() {
 }
 
 std::unordered_map<std::string, core_location_info_struct> LocationHandler::GetCoreLocations() {
-    auto& agent = TesselHandler::GetInstance();
-    homeloom_core_location_h* list = nullptr;
-    int count = 0;
-    const int ret = agent.GetCoreLocationList(list, count);
-    const auto destroy = [&agent, count](homeloom_core_location_h* records) {
-        agent.CoreLocationDestroy(records, count);
-    };
-    const std::unique_ptr<homeloom_core_location_h, decltype(destroy)> owner(list, destroy);
+    AgentList<homeloom_core_location_h> records(_agent, &ITesselHandler::CoreLocationDestroy);
+    const int ret = _agent.GetCoreLocationList(records.list, records.count);
 
     std::unordered_map<std::string, core_location_info_struct> locations;
     if (ret != HOMELOOM_CLIENT_ERROR_NONE) {
         HL_LOGE("Get Location List failed");
         return locations;
     }
-    const auto read = [&agent](homeloom_core_location_h record, homeloom_core_location_field_e field,
-                               std::string& value) {
-        return agent.GetCoreLocationString(record, field, value) == HOMELOOM_CLIENT_ERROR_NONE;
+    const auto read = [this](homeloom_core_location_h record, homeloom_core_location_field_e field,
+                             std::string& value) {
+        return _agent.GetCoreLocationString(record, field, value) == HOMELOOM_CLIENT_ERROR_NONE;
     };
-    for (int i = 0; list != nullptr && i < count; ++i) {
+    for (int i = 0; records.list != nullptr && i < records.count; ++i) {
+        const homeloom_core_location_h record = records.list[i];
         core_location_info_struct info;
-        if (!read(list[i], HOMELOOM_CORE_LOCATION_ID, info.location_id)) {
+        if (!read(record, HOMELOOM_CORE_LOCATION_ID, info.location_id)) {
             HL_LOGE("Get Location Id failed, continue");
             continue;
         }
-        if (!read(list[i], HOMELOOM_CORE_LOCATION_NAME, info.location_name)) {
+        if (!read(record, HOMELOOM_CORE_LOCATION_NAME, info.location_name)) {
             HL_LOGE("Get Location Name failed, continue");
             continue;
         }
-        if (!read(list[i], HOMELOOM_CORE_LOCATION_PERMISSION, info.location_permission)) {
+        if (!read(record, HOMELOOM_CORE_LOCATION_PERMISSION, info.location_permission)) {
             HL_LOGE("Get Location Permission failed, keep going");
         }
         HL_LOGI("[%d] core location id : %s, location name : %s, location permission : %s", i, info.location_id.c_str(),
@@ -330,10 +326,9 @@ std::unordered_map<std::string, core_location_info_struct> LocationHandler::GetC
 // An empty name marks a location of the user's own.
 std::unordered_map<std::string, std::string> LocationHandler::getLocationIdOwnerMap() {
     std::unordered_map<std::string, std::string> owners;
-    auto& agent = TesselHandler::GetInstance();
-    const std::string userId = agent.GetUserId();
+    const std::string userId = _agent.GetUserId();
     std::string text;
-    if (agent.GetCoreLocationUsers("", text) != HOMELOOM_CLIENT_ERROR_NONE) {
+    if (_agent.GetCoreLocationUsers("", text) != HOMELOOM_CLIENT_ERROR_NONE) {
         HL_LOGE("get location users info failed");
         return owners;
     }
@@ -377,12 +372,14 @@ std::string LocationHandler::getRoomInfo(const GroupList& rooms, int count, cons
         auto array = json::JsonValue::CreateArray();
         for (int i = 0; rooms && i < count; ++i) {
             const homeloom_client_group_h room = rooms.get()[i];
-            if (ReadGroup(room, HOMELOOM_CLIENT_GROUP_PROPERTY_PARENT_ID, "get room parent failed") != locationId) {
+            if (ReadGroup(_agent, room, HOMELOOM_CLIENT_GROUP_PROPERTY_PARENT_ID, "get room parent failed") !=
+                locationId) {
                 continue;
             }
             json::JsonValue info;
-            info.set(Names::ROOM_ID, ReadGroup(room, HOMELOOM_CLIENT_GROUP_PROPERTY_ID, "get room id failed"));
-            info.set(Names::ROOM_NAME, ReadGroup(room, HOMELOOM_CLIENT_GROUP_PROPERTY_NAME, "get room name failed"));
+            info.set(Names::ROOM_ID, ReadGroup(_agent, room, HOMELOOM_CLIENT_GROUP_PROPERTY_ID, "get room id failed"));
+            info.set(Names::ROOM_NAME,
+                     ReadGroup(_agent, room, HOMELOOM_CLIENT_GROUP_PROPERTY_NAME, "get room name failed"));
             array.append(info);
             ++roomCount;
         }

@@ -20,6 +20,7 @@ namespace VMFramework::HomeLoom {
 
 class CTransaction;
 class IEndpointListHelper;
+class ITesselHandler;
 
 /// Locations and their rooms: reads them from the agent, makes an endpoint of each location, carries out the room
 /// requests, and has the home sent anew when the agent's groups change.
@@ -28,7 +29,7 @@ class IEndpointListHelper;
 /// held by a shared_ptr, since jobs, the timer and the agent refer to it weakly.
 class LocationHandler : public Handler, public std::enable_shared_from_this<LocationHandler> {
 public:
-    LocationHandler();
+    explicit LocationHandler(ITesselHandler& agent);
     ~LocationHandler() override;
 
     /// The ways into the session: reads the devices anew, sends the home, tells a location's favorites.
@@ -92,6 +93,7 @@ private:
     unsigned _locationTimerId = 0;  // 0 when none was armed since the last clean-up
     void* _token = nullptr;         // what the agent and GLib know of this handler
     MainLoopTimer _locationTimer;
+    ITesselHandler& _agent;
 };
 
 }  // namespace VMFramework::HomeLoom

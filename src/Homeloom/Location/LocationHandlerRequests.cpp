@@ -9,7 +9,7 @@
 #include "Homeloom/Common/CallbackTokens.h"
 #include "Homeloom/Common/UserTransactionData.h"
 #include "Homeloom/Location/LocationHandler.h"
-#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/Tessel/ITesselHandler.h"
 
 // The requests of rooms: each blocks its caller until the agent has answered.
 namespace VMFramework::HomeLoom {
@@ -71,7 +71,7 @@ void LocationHandler::CreateRoom(const std::shared_ptr<CTransaction>& transactio
     }
     std::string response;
     std::string errorMessage;
-    const int ret = TesselHandler::GetInstance().CreateCoreRoom(locationId, roomName, response, errorMessage);
+    const int ret = _agent.CreateCoreRoom(locationId, roomName, response, errorMessage);
     LogReply(ret, errorMessage, response);
 
     RoomUpdatedParam param(transaction);
@@ -90,7 +90,7 @@ void LocationHandler::RemoveRoom(const std::shared_ptr<CTransaction>& transactio
     }
     std::string response;
     std::string errorMessage;
-    const int ret = TesselHandler::GetInstance().DeleteCoreRoom(locationId, roomId, response, errorMessage);
+    const int ret = _agent.DeleteCoreRoom(locationId, roomId, response, errorMessage);
     LogReply(ret, errorMessage, response);
 
     RoomUpdatedParam param(transaction);
@@ -110,8 +110,7 @@ void LocationHandler::ChangeRoomName(const std::shared_ptr<CTransaction>& transa
     }
     std::string response;
     std::string errorMessage;
-    const int ret =
-        TesselHandler::GetInstance().ChangeCoreRoomName(locationId, roomId, roomName, response, errorMessage);
+    const int ret = _agent.ChangeCoreRoomName(locationId, roomId, roomName, response, errorMessage);
     LogReply(ret, errorMessage, response);
 
     RoomUpdatedParam param(transaction);
@@ -134,8 +133,8 @@ void LocationHandler::MoveDevices(const std::shared_ptr<CTransaction>& transacti
 
     void* const record =
         CallbackTokens::Keep(std::make_shared<UserTransactionDataWithExtra>(weak_from_this(), transaction, text));
-    const int ret = TesselHandler::GetInstance().MoveDevicesToOtherRoom(deviceIds, count, locationId, roomId,
-                                                                        _HomeLoomClientMoveDevicesCompleted, record);
+    const int ret = _agent.MoveDevicesToOtherRoom(deviceIds, count, locationId, roomId,
+                                                  _HomeLoomClientMoveDevicesCompleted, record);
     if (ret != HOMELOOM_CLIENT_ERROR_NONE) {
         HL_LOGE("Move Devices is failed ret : %d", ret);
         CallbackTokens::Take<UserTransactionDataWithExtra>(record);

@@ -11,11 +11,11 @@
 #include "Common/HLNames.h"
 #include "Helpers/CEndpointHelper.h"
 #include "Helpers/CEndpointListHelper.h"
-#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/Tessel/ITesselHandler.h"
 
 namespace VMFramework::HomeLoom {
 
-RoutineHandler::RoutineHandler() : Handler("RoutineHandler") {}
+RoutineHandler::RoutineHandler(ITesselHandler& agent) : Handler("RoutineHandler"), _agent(agent) {}
 
 void RoutineHandler::SetGetLocationsCallback(GetLocationsCallback callback) {
     const std::lock_guard<std::mutex> lock(_mutex);
@@ -26,8 +26,8 @@ void RoutineHandler::UpdateRoutineStatus(const std::shared_ptr<CTransaction>& tr
                                          const std::string& locationId, const std::string& routineId, bool enable) {
     HL_LOGI("location id : %s, routine id : %s, enable : %d", locationId.c_str(), routineId.c_str(), enable ? 1 : 0);
     UpdateRoutineStatusParam param(transaction);
-    param.result = TesselHandler::GetInstance().UpdateCoreRoutineStatus(
-                       locationId, routineId, enable, param.resultValue) == HOMELOOM_CLIENT_ERROR_NONE;
+    param.result =
+        _agent.UpdateCoreRoutineStatus(locationId, routineId, enable, param.resultValue) == HOMELOOM_CLIENT_ERROR_NONE;
     Reporter::Report(param);
 }
 
@@ -60,11 +60,10 @@ void RoutineHandler::throwIfQuit() const {
 }
 
 RoutineHandler::JsonById RoutineHandler::getRoutineList(const std::string& locationId) {
-    auto& agent = TesselHandler::GetInstance();
     homeloom_core_rule_h* list = nullptr;
     int count = 0;
-    const int ret = agent.GetCoreRoutineList(locationId, list, count);
-    const auto destroy = [&agent, count](homeloom_core_rule_h* rules) { agent.DestroyCoreRoutineList(rules, count); };
+    const int ret = _agent.GetCoreRoutineList(locationId, list, count);
+    const auto destroy = [this, count](homeloom_core_rule_h* rules) { _agent.DestroyCoreRoutineList(rules, count); };
     const std::unique_ptr<homeloom_core_rule_h, decltype(destroy)> owner(list, destroy);
 
     JsonById routines;
@@ -75,11 +74,11 @@ RoutineHandler::JsonById RoutineHandler::getRoutineList(const std::string& locat
         throwIfQuit();
         std::string id;
         std::string json;
-        if (agent.GetCoreRoutineString(list[i], HOMELOOM_CORE_RULE_ID, id) != HOMELOOM_CLIENT_ERROR_NONE) {
+        if (_agent.GetCoreRoutineString(list[i], HOMELOOM_CORE_RULE_ID, id) != HOMELOOM_CLIENT_ERROR_NONE) {
             HL_LOGE("get routine string (routine_id) failed");
             continue;
         }
-        if (agent.GetCoreRoutineString(list[i], HOMELOOM_CORE_RULE_JSON, json) != HOMELOOM_CLIENT_ERROR_NONE) {
+        if (_agent.GetCoreRoutineString(list[i], HOMELOOM_CORE_RULE_JSON, json) != HOMELOOM_CLIENT_ERROR_NONE) {
             HL_LOGE("get routine string (routine_json) failed");
             continue;
         }
@@ -109,16 +108,15 @@ RoutineHandler::JsonById RoutineHandler::getRoutineMapInfo() {
 }
 
 std::string RoutineHandler::getRoutine(const std::string& locationId, const std::string& routineId) {
-    auto& agent = TesselHandler::GetInstance();
     homeloom_core_rule_h routine = nullptr;
-    const int ret = agent.GetCoreRoutine(locationId, routineId, routine);
-    const auto destroy = [&agent](homeloom_core_rule_h record) { agent.DestroyCoreSingleRoutine(record); };
+    const int ret = _agent.GetCoreRoutine(locationId, routineId, routine);
+    const auto destroy = [this](homeloom_core_rule_h record) { _agent.DestroyCoreSingleRoutine(record); };
     const std::unique_ptr<homeloom_core_rule_s, decltype(destroy)> owner(routine, destroy);
     std::string json;
     if (ret != HOMELOOM_CLIENT_ERROR_NONE) {
         return json;
     }
-    if (agent.GetCoreRoutineString(routine, HOMELOOM_CORE_RULE_JSON, json) != HOMELOOM_CLIENT_ERROR_NONE) {
+    if (_agent.GetCoreRoutineString(routine, HOMELOOM_CORE_RULE_JSON, json) != HOMELOOM_CLIENT_ERROR_NONE) {
         HL_LOGE("get routine string (routine_json) failed");
         json.clear();
     }

@@ -14,6 +14,7 @@ namespace VMFramework::HomeLoom {
 
 class CTransaction;
 class IEndpointListHelper;
+class ITesselHandler;
 
 /// Routines, which the agent calls rules: one request, the endpoints, and the events of the stream. Hidden routines
 /// are kept from the user. Holds no routine: every read goes to the agent and blocks on the facade.
@@ -21,7 +22,7 @@ class RoutineHandler : public Handler {
 public:
     using GetLocationsCallback = std::function<std::unordered_map<std::string, core_location_info_struct>()>;
 
-    RoutineHandler();
+    explicit RoutineHandler(ITesselHandler& agent);
 
     void SetGetLocationsCallback(GetLocationsCallback callback);
 
@@ -49,6 +50,7 @@ private:
 
     std::mutex _mutex;  // a leaf: guards the callback
     GetLocationsCallback _getLocationsCallback;
+    ITesselHandler& _agent;
 };
 
 }  // namespace VMFramework::HomeLoom

@@ -11,11 +11,11 @@
 #include "Common/HLNames.h"
 #include "Helpers/CEndpointHelper.h"
 #include "Helpers/CEndpointListHelper.h"
-#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/Tessel/ITesselHandler.h"
 
 namespace VMFramework::HomeLoom {
 
-SceneHandler::SceneHandler() : Handler("SceneHandler") {}
+SceneHandler::SceneHandler(ITesselHandler& agent) : Handler("SceneHandler"), _agent(agent) {}
 
 void SceneHandler::SetGetLocationsCallback(GetLocationsCallback callback) {
     const std::lock_guard<std::mutex> lock(_mutex);
@@ -28,7 +28,7 @@ void SceneHandler::ExecuteScene(const std::shared_ptr<CTransaction>& transaction
                                 const std::string& sceneId) {
     HL_LOGI("location id : %s, scene id : %s", locationId.c_str(), sceneId.c_str());
     ExecuteSceneParam param(transaction);
-    const int ret = TesselHandler::GetInstance().ExecuteCoreScene(locationId, sceneId, param.resultValue);
+    const int ret = _agent.ExecuteCoreScene(locationId, sceneId, param.resultValue);
     param.result = parseExecuteSceneResult(ret, param.resultValue);
     param.locationId = locationId;
     param.sceneId = sceneId;
@@ -41,8 +41,7 @@ void SceneHandler::CreateScene(const std::shared_ptr<CTransaction>& transaction,
                                const std::string& sceneJson) {
     HL_LOGI("location id : %s, scene json data : %s", locationId.c_str(), sceneJson.c_str());
     CreateSceneParam param(transaction);
-    param.result = TesselHandler::GetInstance().CreateCoreScene(locationId, sceneJson, param.sceneJson) ==
-                   HOMELOOM_CLIENT_ERROR_NONE;
+    param.result = _agent.CreateCoreScene(locationId, sceneJson, param.sceneJson) == HOMELOOM_CLIENT_ERROR_NONE;
     param.locationId = locationId;
     param.sceneId = getSceneIdWithResultJson(param.sceneJson);
     Reporter::Report(param);
@@ -52,8 +51,8 @@ void SceneHandler::UpdateScene(const std::shared_ptr<CTransaction>& transaction,
                                const std::string& sceneId, const std::string& sceneJson) {
     HL_LOGI("location id : %s, scene id : %s", locationId.c_str(), sceneId.c_str());
     UpdateSceneParam param(transaction);
-    param.result = TesselHandler::GetInstance().UpdateCoreScene(locationId, sceneId, sceneJson, param.sceneJson) ==
-                   HOMELOOM_CLIENT_ERROR_NONE;
+    param.result =
+        _agent.UpdateCoreScene(locationId, sceneId, sceneJson, param.sceneJson) == HOMELOOM_CLIENT_ERROR_NONE;
     param.locationId = locationId;
     param.sceneId = getSceneIdWithResultJson(param.sceneJson);
     Reporter::Report(param);
@@ -64,8 +63,7 @@ void SceneHandler::DeleteScene(const std::shared_ptr<CTransaction>& transaction,
     HL_LOGI("location id : %s, scene id : %s", locationId.c_str(), sceneId.c_str());
     std::string reply;
     DeleteSceneParam param(transaction);
-    param.result =
-        TesselHandler::GetInstance().DeleteCoreScene(locationId, sceneId, reply) == HOMELOOM_CLIENT_ERROR_NONE;
+    param.result = _agent.DeleteCoreScene(locationId, sceneId, reply) == HOMELOOM_CLIENT_ERROR_NONE;
     param.locationId = locationId;
     param.sceneId = getSceneIdWithResultJson(reply);
     Reporter::Report(param);
@@ -73,8 +71,7 @@ void SceneHandler::DeleteScene(const std::shared_ptr<CTransaction>& transaction,
 
 void SceneHandler::GetSceneIconInfo(const std::shared_ptr<CTransaction>& transaction) {
     GetSceneIconsParam param(transaction);
-    param.result =
-        TesselHandler::GetInstance().GetCoreSceneIconInfoJson(param.sceneIconInfo) == HOMELOOM_CLIENT_ERROR_NONE;
+    param.result = _agent.GetCoreSceneIconInfoJson(param.sceneIconInfo) == HOMELOOM_CLIENT_ERROR_NONE;
     Reporter::Report(param);
 }
 
@@ -115,11 +112,10 @@ void SceneHandler::throwIfQuit() const {
 }
 
 SceneHandler::JsonById SceneHandler::getSceneList(const std::string& locationId) {
-    auto& agent = TesselHandler::GetInstance();
     homeloom_core_scene_h* list = nullptr;
     int count = 0;
-    const int ret = agent.GetCoreSceneList(locationId, list, count);
-    const auto destroy = [&agent, count](homeloom_core_scene_h* scenes) { agent.DestroyCoreSceneList(scenes, count); };
+    const int ret = _agent.GetCoreSceneList(locationId, list, count);
+    const auto destroy = [this, count](homeloom_core_scene_h* scenes) { _agent.DestroyCoreSceneList(scenes, count); };
     const std::unique_ptr<homeloom_core_scene_h, decltype(destroy)> owner(list, destroy);
 
     JsonById scenes;
@@ -130,11 +126,11 @@ SceneHandler::JsonById SceneHandler::getSceneList(const std::string& locationId)
         throwIfQuit();
         std::string id;
         std::string json;
-        if (agent.GetCoreSceneString(list[i], HOMELOOM_CORE_SCENE_ID, id) != HOMELOOM_CLIENT_ERROR_NONE) {
+        if (_agent.GetCoreSceneString(list[i], HOMELOOM_CORE_SCENE_ID, id) != HOMELOOM_CLIENT_ERROR_NONE) {
             HL_LOGE("get scene string (scene_id) failed");
             continue;
         }
-        if (agent.GetCoreSceneString(list[i], HOMELOOM_CORE_SCENE_JSON, json) != HOMELOOM_CLIENT_ERROR_NONE) {
+        if (_agent.GetCoreSceneString(list[i], HOMELOOM_CORE_SCENE_JSON, json) != HOMELOOM_CLIENT_ERROR_NONE) {
             HL_LOGE("get scene string (scene_json) failed");
             continue;
         }
@@ -162,16 +158,15 @@ SceneHandler::JsonById SceneHandler::getSceneMapInfo() {
 }
 
 std::string SceneHandler::getScene(const std::string& locationId, const std::string& sceneId) {
-    auto& agent = TesselHandler::GetInstance();
     homeloom_core_scene_h scene = nullptr;
-    const int ret = agent.GetCoreScene(locationId, sceneId, scene);
-    const auto destroy = [&agent](homeloom_core_scene_h record) { agent.DestroyCoreSingleScene(record); };
+    const int ret = _agent.GetCoreScene(locationId, sceneId, scene);
+    const auto destroy = [this](homeloom_core_scene_h record) { _agent.DestroyCoreSingleScene(record); };
     const std::unique_ptr<homeloom_core_scene_s, decltype(destroy)> owner(scene, destroy);
     std::string json;
     if (ret != HOMELOOM_CLIENT_ERROR_NONE) {
         return json;
     }
-    if (agent.GetCoreSceneString(scene, HOMELOOM_CORE_SCENE_JSON, json) != HOMELOOM_CLIENT_ERROR_NONE) {
+    if (_agent.GetCoreSceneString(scene, HOMELOOM_CORE_SCENE_JSON, json) != HOMELOOM_CLIENT_ERROR_NONE) {
         HL_LOGE("get scene string (scene_json) failed");
         json.clear();
     }

@@ -14,6 +14,7 @@ namespace VMFramework::HomeLoom {
 
 class CTransaction;
 class IEndpointListHelper;
+class ITesselHandler;
 
 /// Scenes: the requests, the endpoints, and the events of the stream. Holds no scene: every read goes to the agent
 /// and blocks on the facade.
@@ -21,7 +22,7 @@ class SceneHandler : public Handler {
 public:
     using GetLocationsCallback = std::function<std::unordered_map<std::string, core_location_info_struct>()>;
 
-    SceneHandler();
+    explicit SceneHandler(ITesselHandler& agent);
 
     void SetGetLocationsCallback(GetLocationsCallback callback);
 
@@ -57,6 +58,7 @@ private:
 
     std::mutex _mutex;  // a leaf: guards the callback
     GetLocationsCallback _getLocationsCallback;
+    ITesselHandler& _agent;
 };
 
 }  // namespace VMFramework::HomeLoom

@@ -10,7 +10,7 @@
 
 #include "Common/CException.h"
 #include "Common/HLLog.h"
-#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/Tessel/ITesselHandler.h"
 
 namespace VMFramework::HomeLoom {
 
@@ -38,10 +38,9 @@ using AppControl = std::unique_ptr<std::remove_pointer_t<app_control_h>, AppCont
 
 }  // namespace
 
-bool CServerEnvMgr::SetServerEnv(int iotCloud, int uiMeta) {
+bool CServerEnvMgr::SetServerEnv(ITesselHandler& agent, int iotCloud, int uiMeta) {
     int currentIotCloud = -1;
     int currentUiMeta = -1;
-    auto& agent = TesselHandler::GetInstance();
     const bool isIotCloudKnown = agent.GetServerEnv(SERVER_TYPE_IOTCLOUD, currentIotCloud) == 0;
     const bool isUiMetaKnown = agent.GetServerEnv(SERVER_TYPE_UIMETA, currentUiMeta) == 0;
     HL_LOGI("requested[iotCloud:%d, uiMeta:%d], tessel[iotCloud:%d, uiMeta:%d]", iotCloud, uiMeta, currentIotCloud,

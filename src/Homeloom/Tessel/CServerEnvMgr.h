@@ -8,13 +8,15 @@
 
 namespace VMFramework::HomeLoom {
 
+class ITesselHandler;
+
 /// Tells which of the platform's server environments applies, and asks the agent for another one. May be used on any
 /// thread.
 class CServerEnvMgr : public CSingleton<CServerEnvMgr>, public ServerSetting {
 public:
     /// Asks the agent's application for other environments, in the agent's numbering: 0 staging, 1 production, 2
     /// acceptance. True when it was asked, or when nothing would change. Throws std::out_of_range for another number.
-    bool SetServerEnv(int iotCloud, int uiMeta);
+    bool SetServerEnv(ITesselHandler& agent, int iotCloud, int uiMeta);
     /// Tells the agent's application what the setting says.
     void change_server_env();
 

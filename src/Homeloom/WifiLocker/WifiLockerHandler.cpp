@@ -12,7 +12,7 @@
 #include "Homeloom/Common/CallbackTokens.h"
 #include "Homeloom/Common/MsgDispatcher.h"
 #include "Homeloom/Common/UserTransactionData.h"
-#include "Homeloom/Tessel/TesselHandler.h"
+#include "Homeloom/Tessel/ITesselHandler.h"
 
 namespace VMFramework::HomeLoom {
 
@@ -47,7 +47,7 @@ void ReportSet(const std::shared_ptr<CTransaction>& transaction, bool result) {
 
 void WifiLockerHandler::GetWifiLockerUserSetting(const std::shared_ptr<CTransaction>& transaction) {
     void* token = requestToken(transaction);
-    const int ret = TesselHandler::GetInstance().GetWifiLockerUserSetting(_HomeLoomCoreGetWifiLockerUserSetting, token);
+    const int ret = _agent.GetWifiLockerUserSetting(_HomeLoomCoreGetWifiLockerUserSetting, token);
     HL_LOGI("GetWifiLockerUserSetting ret: %d", ret);
     if (ret != 0) {
         CallbackTokens::Take<UserTransactionData>(token);
@@ -58,8 +58,7 @@ void WifiLockerHandler::GetWifiLockerUserSetting(const std::shared_ptr<CTransact
 void WifiLockerHandler::SetWifiLockerUserSetting(const std::shared_ptr<CTransaction>& transaction,
                                                  const std::string& settingJson) {
     void* token = requestToken(transaction);
-    const int ret = TesselHandler::GetInstance().SetWifiLockerUserSetting(settingJson,
-                                                                          _HomeLoomCoreSetWifiLockerUserSetting, token);
+    const int ret = _agent.SetWifiLockerUserSetting(settingJson, _HomeLoomCoreSetWifiLockerUserSetting, token);
     HL_LOGI("SetWifiLockerUserSetting ret: %d", ret);
     if (ret != 0) {
         CallbackTokens::Take<UserTransactionData>(token);

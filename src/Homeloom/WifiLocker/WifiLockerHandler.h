@@ -7,11 +7,13 @@
 namespace VMFramework::HomeLoom {
 
 class CTransaction;
+class ITesselHandler;
 
 /// The user's Wi-Fi locker setting, which the platform holds. Both operations are answered when the agent has answered;
 /// the reports go out from the scheduler.
 class WifiLockerHandler : public std::enable_shared_from_this<WifiLockerHandler> {
 public:
+    explicit WifiLockerHandler(ITesselHandler& agent) : _agent(agent) {}
     virtual ~WifiLockerHandler() = default;
 
     void GetWifiLockerUserSetting(const std::shared_ptr<CTransaction>& transaction);
@@ -25,6 +27,7 @@ private:
 
     static int getEnabledValue(const std::string& response);
     void* requestToken(const std::shared_ptr<CTransaction>& transaction);
+    ITesselHandler& _agent;
 };
 
 }  // namespace VMFramework::HomeLoom
