@@ -43,9 +43,9 @@ std::vector<NotifySpec> makeNotifyTable() {
             .has("controllable int",
                  "1 once a value of the main action has been seen, for a camera or doorbell with a stream and for a "
                  "refrigerator with an inside view as soon as its metadata is there; 0 while disconnected")
-            .has(
-                "cloud_device_status int",
-                "0 connected, 1 disconnected, 2 inactive, 3 hidden; an inactive TV or refrigerator counts as connected")
+            .has("cloud_device_status int",
+                 "0 connected, 1 disconnected, 2 inactive, 3 hidden; an inactive TV or a refrigerator of type "
+                 "oic.d.krefrigerator counts as connected, any other refrigerator doesn't")
             .has("solenne_server_dp_uri text", "the page of the device's own screen")
             .has("sub_device_card_list_info text", "JSON array of cards, for devices with parts")
             .has("num_of_sub_device_cards int")

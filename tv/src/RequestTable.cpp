@@ -89,7 +89,7 @@ std::vector<RequestSpec> makeTable() {
             .takes("action_url text, device_id text")
             .result("result bool, device_id text")
             .needs(Need::SignedInUser)
-            .refuses("an error that the agent tells later")
+            .refuses("an agent that is not connected; an error that the agent tells later")
             .shownBy("device_id=washer"),
         Row("hl_get_device_info")
             .takes("device_id text")
@@ -237,7 +237,8 @@ std::vector<RequestSpec> makeTable() {
             .takes("active_user_event_category int, active_user_event_action int, active_user_event_label text, "
                    "active_user_event_metadata text")
             .notify("result bool")
-            .shownBy("active_user_event_category=1 active_user_event_action=2 active_user_event_label=home"),
+            .shownBy("active_user_event_category=1 active_user_event_action=2 active_user_event_label=home "
+                     R"(active_user_event_metadata={"app": "home"})"),
         Row("hl_onboard_ir_device")
             .takes("codeset text, brand text, device_type text, display_name text, parent_id text, aircon_state text, "
                    "location_id text, room_id text")
