@@ -1,4 +1,4 @@
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <clocale>
 #include <functional>
@@ -10,6 +10,7 @@
 #include "Words.h"
 
 using namespace homeloom::tv;
+using ::testing::ElementsAre;
 
 namespace {
 
@@ -56,6 +57,25 @@ TEST(Text, ReadsTimesAndNumbersAndCutsAtCharacters) {
     std::setlocale(LC_CTYPE, "C.UTF-8");
     EXPECT_EQ(displayWidth("세탁 24°C"), 9);
     EXPECT_EQ(clipped("세탁 중", 4), "세…");
+}
+
+TEST(Table, FitsTheScreenAndHoldsNoControlCharacters) {
+    std::setlocale(LC_CTYPE, "C.UTF-8");
+    Table help(2, Table::Fit::WrapLast);
+    help.add({"sim hub answers normal|held|half|after-event|malformed", "says how it answers for the hub info"});
+    help.add({"scan", "asks for the list"});
+    EXPECT_THAT(help.lines(Style(false, 40)),
+                ElementsAre("  sim hub answ…  says how it answers for", "                 the hub info",
+                            "  scan           asks for the list"));
+    Table rows;
+    rows.add({std::string(300, 'x'), "On\033[2J\n\xff\u202e", "icon"});
+    rows.add({"Lamp", "Off", "icon"});
+    for (const std::string& line : rows.lines(Style(false, 30))) {
+        EXPECT_LE(displayWidth(line), 30) << line;
+    }
+    const auto whole = rows.lines(Style());
+    EXPECT_EQ(whole[0], std::string(39, 'x') + R"(… (300 bytes)  On\x1b[2J\n\xff\u202e  icon)");
+    EXPECT_LT(whole[1].size(), 100u) << "one name widens no other row";
 }
 
 const NameLookup& lookup() {

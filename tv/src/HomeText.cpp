@@ -84,8 +84,8 @@ private:
         const std::string owner = location.isOwner ? "yours" : location.ownerName + "'s";
         const std::string about =
             location.permission.empty() ? owner : fmt::format("{}, {}", owner, location.permission);
-        _out.say(fmt::format("{}  {}", _out.style().paint(Tone::Strong, location.name),
-                             _out.style().paint(Tone::Dim, "(" + about + ")")));
+        _out.say(fmt::format("{}  {}", _out.style().paint(Tone::Strong, shortened(printable(location.name))),
+                             _out.style().paint(Tone::Dim, "(" + shortened(printable(about)) + ")")));
         for (std::size_t i = 0; i < rooms.size(); ++i) {
             // A room is shown without devices too; what stands for no room isn't.
             if (i < location.rooms.size() || !rooms[i].devices.empty()) {
@@ -95,7 +95,7 @@ private:
     }
 
     void showRoom(const RoomTable& room) {
-        _out.say("  " + room.title);
+        _out.say("  " + shortened(printable(room.title)));
         _out.say(room.devices);
     }
 
@@ -134,8 +134,8 @@ void showDevices(Output& out, const HomeView& home) {
     out.say(table);
 }
 
-void showDevice(Output& out, const Device& device) {
-    Table table;
+void showDevice(Output& out, const Device& device, bool whole) {
+    Table table(0, whole ? Table::Fit::WrapLast : Table::Fit::Cut);
     const auto add = [&table](const char* label, const std::string& text, Tone tone = Tone::Plain) {
         table.add({{label, Tone::Dim}, {orDash(text), tone}});
     };

@@ -11,7 +11,8 @@ class Output;
 void showRooms(Output& out, const HomeView& home);
 /// All devices under each other, with their ids.
 void showDevices(Output& out, const HomeView& home);
-void showDevice(Output& out, const HomeView::Device& device);
+/// `whole` lets long values go on below, where the screen would cut them.
+void showDevice(Output& out, const HomeView::Device& device, bool whole);
 void showScenes(Output& out, const HomeView& home);
 void showRoutines(Output& out, const HomeView& home);
 

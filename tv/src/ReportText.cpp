@@ -11,6 +11,7 @@ namespace {
 constexpr int kLabelWidth = 9;
 
 std::string labelled(const Style& style, const std::string& label, Tone tone, std::string text) {
+    text = printable(text);
     if (style.width() > 0) {
         text = clipped(text, style.width() - kLabelWidth);
     }
@@ -19,8 +20,8 @@ std::string labelled(const Style& style, const std::string& label, Tone tone, st
 
 std::string stateText(const HomeView::Device& device) {
     const std::string action = device.mainAction();
-    return fmt::format("{}: {} ({}{}{})", device.title(), device.stateText(), device.look(), action.empty() ? "" : "; ",
-                       action);
+    return fmt::format("{}: {} ({}{}{})", shortened(device.title()), device.stateText(), device.look(),
+                       action.empty() ? "" : "; ", action);
 }
 
 std::string listText(const Report& report) {

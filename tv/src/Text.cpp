@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <numeric>
 
 #include <fmt/color.h>
 #include <fmt/format.h>
@@ -19,6 +20,11 @@ namespace homeloom::tv {
 namespace {
 
 constexpr int kColumnGap = 2;
+// Where nothing is cut, columns are padded to no more than this, and cells longer than that are no names any more.
+constexpr int kWidestPadding = 60;
+constexpr int kLongestCell = 200;
+constexpr int kShortened = 40;
+constexpr int kLeastColumn = 8;
 
 fmt::text_style styleOf(Tone tone) {
     switch (tone) {
@@ -49,6 +55,88 @@ std::pair<std::size_t, int> firstCharacter(const char* text, std::size_t size) {
     return {bytes, std::max(0, wcwidth(character))};
 }
 
+int terminalWidth() {
+    winsize size{};
+    return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+}
+
+bool movesCursor(gunichar character) {
+    // Line and paragraph ends, and marks that turn the direction of writing.
+    return g_unichar_iscntrl(character) || (character >= 0x2028 && character <= 0x202e) ||
+           (character >= 0x2066 && character <= 0x2069);
+}
+
+std::string escaped(gunichar character) {
+    switch (character) {
+        case '\n':
+            return "\\n";
+        case '\r':
+            return "\\r";
+        case '\t':
+            return "\\t";
+        default:
+            return character < 0x80 ? fmt::format("\\x{:02x}", character) : fmt::format("\\u{:04x}", character);
+    }
+}
+
+// The length of a colour at the start of a text; 0 if there is none.
+std::size_t colourLength(const std::string& text, std::size_t at) {
+    if (text.compare(at, 2, "\033[") != 0) {
+        return 0;
+    }
+    const std::size_t end = text.find_first_not_of("0123456789;", at + 2);
+    return end != std::string::npos && text[end] == 'm' ? end + 1 - at : 0;
+}
+
+std::string printable(const std::string& text, const char* kept, bool keepsColours) {
+    std::string result;
+    for (std::size_t at = 0; at < text.size();) {
+        if (const std::size_t length = keepsColours ? colourLength(text, at) : 0) {
+            result.append(text, at, length);
+            at += length;
+            continue;
+        }
+        const char* const start = text.data() + at;
+        const gunichar character = g_utf8_get_char_validated(start, static_cast<gssize>(text.size() - at));
+        const bool isValid = character < 0x110000;
+        const auto length = isValid ? static_cast<std::size_t>(g_utf8_next_char(start) - start) : 1;
+        if (!isValid) {
+            result += fmt::format("\\x{:02x}", static_cast<unsigned char>(*start));
+        } else if (movesCursor(character) && (*start == '\0' || std::strchr(kept, *start) == nullptr)) {
+            result += escaped(character);
+        } else {
+            result.append(start, length);
+        }
+        at += length;
+    }
+    return result;
+}
+
+// The text in lines of that width, broken between words where that is possible.
+std::vector<std::string> wrapped(const std::string& text, int width) {
+    std::vector<std::string> lines;
+    std::size_t start = 0;
+    while (start < text.size()) {
+        int used = 0;
+        std::size_t at = start;
+        std::size_t blank = start;
+        while (at < text.size()) {
+            const auto [bytes, columns] = firstCharacter(text.data() + at, text.size() - at);
+            if (used + columns > width && at > start) {
+                break;
+            }
+            blank = text[at] == ' ' ? at : blank;
+            used += columns;
+            at += bytes;
+        }
+        const bool breaksWord = at < text.size() && text[at] != ' ';
+        const std::size_t end = breaksWord && blank > start ? blank : at;
+        lines.push_back(text.substr(start, end - start));
+        start = end < text.size() && text[end] == ' ' ? end + 1 : end;
+    }
+    return lines.empty() ? std::vector<std::string>{""} : lines;
+}
+
 }  // namespace
 
 Style Style::ofStandardOutput() {
@@ -56,9 +144,11 @@ Style Style::ofStandardOutput() {
     if (!isatty(STDOUT_FILENO) || kind == nullptr || std::strcmp(kind, "dumb") == 0) {
         return {};
     }
-    winsize size{};
-    const bool known = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0;
-    return {std::getenv("NO_COLOR") == nullptr, known ? size.ws_col : 0};
+    return {std::getenv("NO_COLOR") == nullptr, kOfTerminal};
+}
+
+int Style::width() const {
+    return _width == kOfTerminal ? terminalWidth() : _width;
 }
 
 std::string Style::paint(Tone tone, const std::string& text) const {
@@ -72,6 +162,21 @@ std::string validUtf8(const std::string& text) {
     const std::unique_ptr<char, decltype(&g_free)> valid(
         g_utf8_make_valid(text.data(), static_cast<gssize>(text.size())), g_free);
     return valid.get();
+}
+
+std::string printable(const std::string& text) {
+    return printable(text, "", false);
+}
+
+std::string printableLines(const std::string& text, bool keepsColours) {
+    return printable(text, "\n\t", keepsColours);
+}
+
+std::string shortened(const std::string& text) {
+    if (displayWidth(text) <= kLongestCell) {
+        return text;
+    }
+    return fmt::format("{} ({} bytes)", clipped(text, kShortened), text.size());
 }
 
 int displayWidth(const std::string& text) {
@@ -101,6 +206,16 @@ std::string clipped(const std::string& text, int width) {
     return text.substr(0, at) + "…";
 }
 
+void Table::add(std::vector<Cell> row) {
+    for (Cell& cell : row) {
+        cell.text = printable(cell.text);
+    }
+    for (std::size_t i = 0; i + 1 < row.size(); ++i) {
+        row[i].text = shortened(row[i].text);
+    }
+    _rows.push_back(std::move(row));
+}
+
 std::vector<int> Table::widths() const {
     std::vector<int> widths = _leastWidths;
     for (const auto& row : _rows) {
@@ -108,6 +223,38 @@ std::vector<int> Table::widths() const {
         for (std::size_t i = 0; i < row.size(); ++i) {
             widths[i] = std::max(widths[i], displayWidth(row[i].text));
         }
+    }
+    return widths;
+}
+
+std::vector<int> Table::widthsWithin(int width) const {
+    std::vector<int> widths = this->widths();
+    if (widths.empty()) {
+        return widths;
+    }
+    if (width == 0) {
+        for (int& column : widths) {
+            column = std::min(column, kWidestPadding);
+        }
+        return widths;
+    }
+    const int room = std::max(0, width - _indent - kColumnGap * (static_cast<int>(widths.size()) - 1));
+    if (_fit == Fit::WrapLast) {
+        widths.front() = std::min(widths.front(), width / 3);
+        const int others = std::accumulate(widths.begin(), widths.end() - 1, 0);
+        widths.back() = std::max(kLeastColumn, room - others);
+        return widths;
+    }
+    const auto sumUpTo = [&widths](int cap) {
+        return std::accumulate(widths.begin(), widths.end(), 0,
+                               [cap](int sum, int column) { return sum + std::min(column, cap); });
+    };
+    int cap = width;
+    while (cap > kLeastColumn && sumUpTo(cap) > room) {
+        --cap;
+    }
+    for (int& column : widths) {
+        column = std::min(column, cap);
     }
     return widths;
 }
@@ -121,17 +268,22 @@ void Table::alignWith(const Table& other) {
 }
 
 std::vector<std::string> Table::lines(const Style& style) const {
-    const std::vector<int> widths = this->widths();
+    const int screen = style.width();
+    const std::vector<int> widths = widthsWithin(screen);
     std::vector<std::string> lines;
     for (const auto& row : _rows) {
         std::string line(static_cast<std::size_t>(_indent), ' ');
         int column = _indent;
         int gap = 0;  // blanks that are due before the next text
+        std::vector<std::string> below;
         for (std::size_t i = 0; i < row.size(); ++i) {
             std::string text = row[i].text;
-            const int room = style.width() > 0 ? std::max(1, style.width() - column - gap) : 0;
-            if (room > 0 && i + 1 == row.size()) {
-                text = clipped(text, room);
+            if (screen > 0 && i + 1 == row.size() && _fit == Fit::WrapLast) {
+                below = wrapped(text, widths[i]);
+                text = below.front();
+            } else if (screen > 0) {
+                // The last cell of a short row has the room of those that it lacks.
+                text = clipped(text, i + 1 == row.size() ? std::max(1, screen - column - gap) : widths[i]);
             }
             const int width = displayWidth(text);
             if (width > 0) {
@@ -139,9 +291,14 @@ std::vector<std::string> Table::lines(const Style& style) const {
                 column += gap + width;
                 gap = 0;
             }
-            gap += widths[i] - width + kColumnGap;
+            gap += std::max(0, widths[i] - width) + kColumnGap;
         }
         lines.push_back(line);
+        const int start = _indent + std::accumulate(widths.begin(), widths.end() - 1, 0) +
+                          kColumnGap * (static_cast<int>(widths.size()) - 1);
+        for (std::size_t i = 1; i < below.size(); ++i) {
+            lines.push_back(std::string(static_cast<std::size_t>(start), ' ') + style.paint(row.back().tone, below[i]));
+        }
     }
     return lines;
 }

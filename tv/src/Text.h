@@ -17,17 +17,27 @@ class Style {
 public:
     Style() = default;
     Style(bool colours, int width) : _colours(colours), _width(width) {}
-    /// What suits standard output.
+    /// What suits standard output. The width follows a terminal's.
     static Style ofStandardOutput();
 
+    bool hasColours() const { return _colours; }
     std::string paint(Tone tone, const std::string& text) const;
     /// Columns; 0 for no limit.
-    int width() const { return _width; }
+    int width() const;
 
 private:
+    static constexpr int kOfTerminal = -1;
+
     bool _colours = false;
     int _width = 0;
 };
+
+/// The text with all that would move a terminal's cursor, or is no UTF-8, written as "\n", "\x1b", "\u202e".
+std::string printable(const std::string& text);
+/// The same for text of several lines; `keepsColours` lets what paint() makes stand.
+std::string printableLines(const std::string& text, bool keepsColours);
+/// The text, or its beginning and how long it is if nobody can want to read it.
+std::string shortened(const std::string& text);
 
 /// The text with U+FFFD in place of all that is no UTF-8.
 std::string validUtf8(const std::string& text);
@@ -47,8 +57,12 @@ public:
         Tone tone = Tone::Plain;
     };
 
-    explicit Table(int indent = 0) : _indent(indent) {}
-    void add(std::vector<Cell> row) { _rows.push_back(std::move(row)); }
+    /// What becomes of rows that are wider than the terminal. Cut: cells lose their ends, those of the widest columns
+    /// first. WrapLast: the last cells go on below, and the first column takes a third of the width at most.
+    enum class Fit { Cut, WrapLast };
+
+    explicit Table(int indent = 0, Fit fit = Fit::Cut) : _indent(indent), _fit(fit) {}
+    void add(std::vector<Cell> row);
     bool empty() const { return _rows.empty(); }
     /// Takes the widths of another table's columns into account, so that both look like one.
     void alignWith(const Table& other);
@@ -56,8 +70,10 @@ public:
 
 private:
     std::vector<int> widths() const;
+    std::vector<int> widthsWithin(int width) const;
 
     int _indent;
+    Fit _fit;
     std::vector<int> _leastWidths;
     std::vector<std::vector<Cell>> _rows;
 };

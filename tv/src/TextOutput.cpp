@@ -28,7 +28,7 @@ public:
     }
 
     void say(const std::string& line) override {
-        fmt::print("{}\n", line);
+        fmt::print("{}\n", printableLines(line, style().hasColours()));
         std::fflush(stdout);
     }
 

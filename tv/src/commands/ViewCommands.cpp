@@ -18,6 +18,8 @@ namespace homeloom::tv {
 
 namespace {
 
+constexpr char kWhole[] = "--whole";
+
 void requireNothing(const Words& words) {
     if (!words.empty()) {
         throw UsageError();
@@ -40,8 +42,14 @@ std::function<void(Desk&, const Words&)> showing(void (*show)(Output&, const Hom
 }
 
 void device(Desk& desk, const Words& words) {
+    Words rest = words;
+    const auto whole = std::find(rest.begin(), rest.end(), kWhole);
+    const bool isWhole = whole != rest.end();
+    if (isWhole) {
+        rest.erase(whole);
+    }
     requireHome(desk);
-    showDevice(desk.out(), *desk.home().device(deviceLookup(desk.home()).takeAll(words, 0)));
+    showDevice(desk.out(), *desk.home().device(deviceLookup(desk.home()).takeAll(rest, 0)), isWhole);
 }
 
 std::string titleOf(const Command& command) {
@@ -55,7 +63,7 @@ const CommandGroup* groupOf(const Command& command) {
 }
 
 void listCommands(Desk& desk, bool ofTheOtherSide) {
-    Table table(2);
+    Table table(2, Table::Fit::WrapLast);
     const CommandGroup* last = nullptr;
     for (const Command& command : commandTable()) {
         if ((command.name.compare(0, 4, "sim ") == 0) != ofTheOtherSide) {
@@ -75,7 +83,7 @@ void listCommands(Desk& desk, bool ofTheOtherSide) {
 
 void explain(Desk& desk, const CommandGroup& group) {
     desk.out().say(fmt::format("{}: {}", desk.out().style().paint(Tone::Strong, group.name), group.summary));
-    Table table(2);
+    Table table(2, Table::Fit::WrapLast);
     for (const Command& command : commandTable()) {
         if (group.holds(command)) {
             table.add({{titleOf(command), Tone::Strong}, command.summary});
@@ -201,9 +209,9 @@ std::vector<Command> viewCommands() {
         {"rooms", "", "shows locations and rooms with their devices", {"rooms"}, showing(showRooms), {}},
         {"devices", "", "lists all devices with their ids", {"devices"}, showing(showDevices), {}},
         {"device",
-         "DEVICE",
-         "shows everything that is reported of a device",
-         {"device washer", "device living room camera"},
+         "[--whole] DEVICE",
+         "shows everything that is reported of a device; --whole, also what is longer than the screen is wide",
+         {"device washer", "device living room camera", "device --whole air conditioner"},
          device,
          {Kind::Device}},
         {"scenes", "", "lists the scenes", {"scenes"}, showing(showScenes), {}},
