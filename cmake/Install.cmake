@@ -18,8 +18,12 @@ if(HOMELOOM_SWEEP)
   set_target_properties(homeloom-sweep PROPERTIES INSTALL_RPATH "$ORIGIN/../${HOMELOOM_PRIVATE_DIR}")
 endif()
 install(DIRECTORY homes/ DESTINATION ${HOMELOOM_DATA_DIR}/homes FILES_MATCHING PATTERN *.json)
-install(DIRECTORY ${HOMELOOM_GENERATED_DIR}/ DESTINATION ${HOMELOOM_DATA_DIR} FILES_MATCHING PATTERN *.json)
+install(DIRECTORY ${HOMELOOM_GENERATED_DIR}/ DESTINATION ${HOMELOOM_DATA_DIR} FILES_MATCHING PATTERN *.json
+        PATTERN *.d.ts)
 install(DIRECTORY web DESTINATION ${HOMELOOM_DATA_DIR} PATTERN jsconfig.json EXCLUDE)
+install(FILES clients/js/homeloom.js clients/js/homeloom.d.ts clients/js/package.json clients/js/README.md
+        DESTINATION ${HOMELOOM_DATA_DIR}/js)
+install(DIRECTORY clients/python/homeloom DESTINATION lib/python3/dist-packages FILES_MATCHING PATTERN *.py PATTERN py.typed)
 install(FILES README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN *.md)
 set_target_properties(homeloom homeloom-platform homeloom-agent homeloom-hub-app PROPERTIES INSTALL_RPATH "$ORIGIN")

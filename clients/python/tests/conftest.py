@@ -1,0 +1,1 @@
+pytest_plugins = ["homeloom.pytest_plugin", "pytester"]

@@ -1,0 +1,90 @@
+"""The client against a desk TV as it ships. HOMELOOM_TV names the program."""
+
+import asyncio
+import json
+import pathlib
+import re
+import threading
+
+import pytest
+
+import homeloom
+import homeloom.aio
+
+README = pathlib.Path(__file__).parents[1] / "README.md"
+
+
+def test_commands_requests_and_states(homeloom_tv: homeloom.TV) -> None:
+    tv = homeloom_tv
+    assert tv.do("washer").succeeded
+    assert tv.wait_for_state("washer", "Washing*").is_running
+    tv.set("washer", state="Ready")
+    assert tv.wait_for_state("washer", "Ready").fields["control_type"] == "PlayPauseButton"
+    answer = tv.request(
+        "hl_create_favorite", location_id="home", favorite_info={"memberId": "robot", "memberType": "DEVICE"}
+    )
+    assert answer["create_favorite_result"] is True and json.loads(str(answer["favorite_info"]))
+    assert tv.request("hl_move_devices", devices_size=1, dev_ids="washer", location_id="home", room_id="kitchen")
+    assert {device["id"] for device in tv.home()["devices"]} >= {"washer", "fridge"}
+    assert next(tv.events()).data["hello"]["version"] == homeloom.__version__
+
+    with pytest.raises(homeloom.CommandFailed, match="no device"):
+        tv.do("no such thing")
+    with pytest.raises(homeloom.DoorError) as refused:
+        tv.device("a/b?c")
+    assert refused.value.status == 404
+    with pytest.raises(TimeoutError, match='washer .*, and not "Drying'):
+        tv.wait_for_state("washer", "Drying*", timeout=0.1)
+
+
+def test_events_come_without_a_gap(homeloom_tv: homeloom.TV) -> None:
+    tv = homeloom_tv
+    with tv.events() as events:
+        assert next(events).type == "hello"
+        tv.do("washer")
+        seen = [next(events)]
+        events._connection.sock.close()  # a network that fails
+        while seen[-1].type != "command":
+            seen.append(next(events))
+    assert [event.id for event in seen] == list(range(seen[0].id, seen[0].id + len(seen)))
+    assert "hl_device_state_updated" in {event.name for event in seen}
+
+
+def test_the_same_with_asyncio() -> None:
+    async def run() -> None:
+        async with await homeloom.aio.start(arguments=["--hub", "off"]) as tv:
+            events = tv.events()
+            assert (await anext(events)).type == "hello"
+            await asyncio.gather(tv.do("washer"), tv.wait_for_state("washer", "Washing*"))
+            async for event in events:
+                if event.name == "hl_device_state_updated":
+                    assert event.properties["device_id"] == "washer"
+                    break
+            with pytest.raises(TimeoutError, match="toaster isn't there"):
+                await tv.wait_for_state("toaster", "*", timeout=0.1)
+            with pytest.raises(homeloom.CommandFailed):
+                await tv.request("no_such_request")
+
+    asyncio.run(run())
+
+
+def test_a_tv_that_cannot_start_or_is_gone_is_told(tmp_path: pathlib.Path) -> None:
+    (tmp_path / "home.json").write_text("{}")
+    with pytest.raises(homeloom.ProgramError, match="home.json: account: expected an object"):
+        homeloom.start(home=tmp_path / "home.json")
+    tv = homeloom.start()
+    events = tv.events()
+    threading.Thread(target=tv.close).start()
+    with pytest.raises(ConnectionError):
+        while True:
+            next(events)
+
+
+@pytest.mark.parametrize("example", re.findall(r"```python\n(.*?)```", README.read_text(), re.DOTALL))
+def test_the_examples_of_the_readme_run(example: str, tmp_path: pathlib.Path, pytester: pytest.Pytester) -> None:
+    if "def test_" in example:
+        pytester.makeconftest('pytest_plugins = ["homeloom.pytest_plugin"]')
+        pytester.makepyfile(example)
+        pytester.runpytest_inprocess().assert_outcomes(passed=1)
+    else:
+        exec(compile(example, str(README), "exec"), {"__name__": "__main__"})
