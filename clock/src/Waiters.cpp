@@ -20,10 +20,21 @@ std::uint32_t listLock = 0;
 Waiter* list = nullptr;
 std::uint64_t added = 0;
 
-// Files to wake by, kept for the next waiter.
-constexpr int kMostSpareFiles = 64;
+// Files to wake by, kept for the next waiter. They are there from the start: whoever counts a program's open files to see
+// whether it leaves any open sees always the same number of these, unless more threads poll than that.
+constexpr int kMostSpareFiles = 8;
 int spareFiles[kMostSpareFiles];
 int spareCount = 0;
+
+int openWakeFile() {
+    return static_cast<int>(systemCall(SYS_eventfd2, 0, EFD_CLOEXEC | EFD_NONBLOCK));
+}
+
+__attribute__((constructor)) void openSpareFiles() {
+    while (spareCount < kMostSpareFiles) {
+        spareFiles[spareCount++] = openWakeFile();
+    }
+}
 
 }  // namespace
 
@@ -71,8 +82,7 @@ void Waiter::wake() const {
 void Waiters::add(Waiter& waiter) {
     const SpinLock lock(listLock);
     if (waiter._bed == Waiter::Bed::File) {
-        waiter._file = spareCount > 0 ? spareFiles[--spareCount]
-                                      : static_cast<int>(systemCall(SYS_eventfd2, 0, EFD_CLOEXEC | EFD_NONBLOCK));
+        waiter._file = spareCount > 0 ? spareFiles[--spareCount] : openWakeFile();
     }
     waiter._order = ++added;
     waiter._next = list;
