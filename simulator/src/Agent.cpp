@@ -66,7 +66,13 @@ std::string Agent::value(const std::string& deviceId, const std::string& uri, co
 // ---- Session ----
 
 void Agent::setConnectOutcome(Connection outcome) {
-    Locked()->connectOutcome = outcome;
+    const Locked world;
+    world->connectOutcome = outcome;
+    world->changed();
+}
+
+Agent::Connection Agent::connectOutcome() const {
+    return Locked()->connectOutcome;
 }
 
 void Agent::changeConnection(Connection state) {
@@ -161,6 +167,7 @@ bool Agent::renameDevice(const std::string& deviceId, const std::string& name) {
         return false;
     }
     device->nick = name;
+    world->changed();
     world->postDetails({device});
     return true;
 }
@@ -181,6 +188,7 @@ bool Agent::updateDevice(const Device& device) {
         return false;
     }
     *present = device;
+    world->changed();
     world->postDetails({present});
     return true;
 }
@@ -357,6 +365,10 @@ void Agent::resetCalls() {
     for (auto& [name, function] : allFunctions()) {
         function.resetCalls();
     }
+}
+
+void Agent::setChangeObserver(std::function<void()> observer) {
+    Locked()->changeObserver = std::move(observer);
 }
 
 void Agent::setCallObserver(std::function<void(const std::string&, const std::vector<std::string>&)> observer) {

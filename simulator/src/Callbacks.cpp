@@ -126,6 +126,7 @@ void World::postConnection(const Client& receiver, const Outcome& outcome, std::
 }
 
 void World::postSignIn() {
+    changed();
     postToAll<homeloom_client_sign_in_state_changed_cb>(
         "sign_in_state_changed_cb", &Client::signIn,
         [signedIn = isSignedIn](const auto& callback) { callback.function(signedIn, callback.userData); });

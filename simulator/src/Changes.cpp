@@ -175,6 +175,7 @@ void World::apply(Device& device, const std::vector<Change>& changes, Touched& t
         }
         entry->second.push_back(change.property);
     }
+    changed();
 }
 
 void World::applyReaction(Device& device, const Reaction& reaction, Touched& touched) {

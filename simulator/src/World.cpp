@@ -23,6 +23,12 @@ int Client::registrations() const {
            static_cast<int>(bool(events));
 }
 
+void World::changed() const {
+    if (changeObserver) {
+        changeObserver();
+    }
+}
+
 void World::leaveRoom(const std::string& roomId) {
     for (Device& resident : home.devices) {
         if (resident.room == roomId) {
@@ -36,6 +42,7 @@ void World::load(Home newHome) {
     ++_homes;
     _ids = 0;
     devicesMoved();
+    changed();
 }
 
 Device* World::device(const std::string& id) {
@@ -55,6 +62,7 @@ std::string World::newId(const std::string& kind) {
 
 void World::setStatus(Device& device, int status) {
     device.status = status;
+    changed();
     if (!home.isServedByHub(device.id)) {
         postDetails({&device});
         return;
@@ -74,6 +82,7 @@ bool World::addDevice(Device newDevice) {
     }
     home.devices.push_back(std::move(newDevice));
     devicesMoved();
+    changed();
     postDeviceListToAll();
     postDetails({&home.devices.back()});
     return true;
@@ -86,6 +95,7 @@ bool World::removeDevice(const std::string& deviceId) {
     }
     home.devices.erase(home.devices.begin() + (leaving - home.devices.data()));
     devicesMoved();
+    changed();
     auto& serves = home.hub.serves;
     serves.erase(std::remove(serves.begin(), serves.end(), deviceId), serves.end());
     postDeviceListToAll();
@@ -105,6 +115,7 @@ bool World::moveDevice(const std::string& deviceId, const std::string& locationI
     }
     moving->location = locationId;
     moving->room = roomId;
+    changed();
     return true;
 }
 

@@ -81,6 +81,10 @@ public:
     std::vector<Agent::LaunchCondition> conditions;
     std::vector<Agent::UserEvent> userEvents;
     std::vector<std::string> escapedExceptions;
+    std::function<void()> changeObserver;  // null: nobody
+
+    /// Tells the observer that the home or the session is another than before.
+    void changed() const;
 
     // ---- The home ----
 

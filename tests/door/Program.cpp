@@ -70,10 +70,34 @@ JsonValue Program::post(const std::string& body, const std::string& type) const 
     return result ? JsonValue::Create(result->body) : JsonValue();
 }
 
-Listener::Listener(const Program& program, const httplib::Headers& headers, const std::string& path)
-    : _client(std::make_unique<httplib::Client>(program.client())) {
-    _thread = std::thread([this, headers, path] {
-        _client->Get(path, headers, [this](const char* data, std::size_t size) { return take(data, size); });
+bool takeEvent(std::string& text, Event& event) {
+    const std::size_t end = text.find("\n\n");
+    if (end == std::string::npos) {
+        return false;
+    }
+    event = {};
+    const std::string message = text.substr(0, end + 1);
+    text.erase(0, end + 2);
+    for (std::size_t at = 0; at < message.size();) {
+        const std::size_t lineEnd = message.find('\n', at);
+        const std::string line = message.substr(at, lineEnd - at);
+        at = lineEnd + 1;
+        if (line.rfind("id: ", 0) == 0) {
+            event.id = line.substr(4);
+        } else if (line.rfind("event: ", 0) == 0) {
+            event.type = line.substr(7);
+        } else if (line.rfind("data: ", 0) == 0) {
+            event.data = JsonValue::Create(line.substr(6));
+        }
+    }
+    return true;
+}
+
+Listener::Listener(const Program& program, const std::string& lastId) : _client(program.client()) {
+    _thread = std::thread([this, lastId] {
+        const httplib::Headers headers =
+            lastId.empty() ? httplib::Headers() : httplib::Headers{{"Last-Event-ID", lastId}};
+        _client.Get("/v1/events", headers, [this](const char* data, std::size_t size) { return take(data, size); });
         const std::lock_guard<std::mutex> lock(_mutex);
         _ended = true;
         _came.notify_one();
@@ -81,7 +105,7 @@ Listener::Listener(const Program& program, const httplib::Headers& headers, cons
 }
 
 Listener::~Listener() {
-    _client->stop();
+    _client.stop();
     _thread.join();
 }
 
@@ -92,31 +116,15 @@ bool Listener::take(const char* data, std::size_t size) {
     return true;
 }
 
-Listener::Event Listener::next(const std::string& type) {
+Event Listener::next(const std::string& type) {
     std::unique_lock<std::mutex> lock(_mutex);
-    while (true) {
-        std::size_t end = std::string::npos;
-        _came.wait(lock, [&] { return (end = _text.find("\n\n")) != std::string::npos || _ended; });
-        if (end == std::string::npos) {
+    Event event;
+    do {
+        bool isThere = false;
+        _came.wait(lock, [&] { return (isThere = takeEvent(_text, event)) || _ended; });
+        if (!isThere) {
             return {};
         }
-        Event event;
-        const std::string message = _text.substr(0, end + 1);
-        _text.erase(0, end + 2);
-        for (std::size_t at = 0; at < message.size();) {
-            const std::size_t lineEnd = message.find('\n', at);
-            const std::string line = message.substr(at, lineEnd - at);
-            at = lineEnd + 1;
-            if (line.rfind("id: ", 0) == 0) {
-                event.id = line.substr(4);
-            } else if (line.rfind("event: ", 0) == 0) {
-                event.type = line.substr(7);
-            } else if (line.rfind("data: ", 0) == 0) {
-                event.data = JsonValue::Create(line.substr(6));
-            }
-        }
-        if (type.empty() || event.type == type) {
-            return event;
-        }
-    }
+    } while (event.type.empty() || event.type == "sim" ? type != event.type : !type.empty() && event.type != type);
+    return event;
 }

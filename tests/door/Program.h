@@ -4,7 +4,6 @@
 #include <sys/types.h>
 
 #include <condition_variable>
-#include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -33,17 +32,19 @@ private:
     int _port = 0;
 };
 
+/// One message of the stream.
+struct Event {
+    std::string id;
+    std::string type;
+    VMFramework::json::JsonValue data;
+};
+/// Takes the first message off the text; false if there is no whole one. A comment has no type.
+bool takeEvent(std::string& text, Event& event);
+
 /// What a client hears.
 class Listener {
 public:
-    struct Event {
-        std::string id;
-        std::string type;
-        VMFramework::json::JsonValue data;
-    };
-
-    explicit Listener(const Program& program, const httplib::Headers& headers = {},
-                      const std::string& path = "/v1/events");
+    explicit Listener(const Program& program, const std::string& lastId = "");
     ~Listener();
 
     /// The next event, of that type if one is told; those before it are gone. Of no type when the stream ends first.
@@ -56,7 +57,7 @@ private:
     std::condition_variable _came;
     std::string _text;
     bool _ended = false;
-    std::unique_ptr<httplib::Client> _client;
+    httplib::Client _client;
     std::thread _thread;
 };
 

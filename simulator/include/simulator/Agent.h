@@ -46,6 +46,7 @@ public:
     void changeConnection(Connection state);
     /// Tells every client of a connection state by its number, which may be one that has no name. Nothing else changes.
     void announceConnection(int state);
+    Connection connectOutcome() const;
     /// The agent's own state number. 1 at start; 2 means that it waits for its connection to the cloud.
     void setState(int state);
 
@@ -133,6 +134,10 @@ public:
     void resetCalls();
     /// Told of each call, on the caller's thread, before anything else happens. Null takes it away.
     void setCallObserver(std::function<void(const std::string& function, const std::vector<std::string>& arguments)>);
+
+    /// Told whenever the home or the session changed, on any thread and under the agent's mutex: may call nothing of
+    /// the agent. Null takes it away.
+    void setChangeObserver(std::function<void()> observer);
 
     /// App launch conditions, as they were added.
     struct LaunchCondition {

@@ -9,17 +9,13 @@
 #include "Desk.h"
 #include "Lookups.h"
 #include "Output.h"
+#include "SimNames.h"
 #include "Text.h"
 #include "Words.h"
 
 namespace homeloom::tv {
 
 namespace {
-
-const std::vector<std::string>& statusNames() {
-    static const std::vector<std::string> names{"connected", "disconnected", "inactive", "hidden"};
-    return names;
-}
 
 simulator::Agent& agent() {
     return simulator::Agent::instance();
@@ -87,7 +83,7 @@ void set(Desk& desk, const Words& words) {
 void status(Desk& desk, const Words& words) {
     std::size_t at = 0;
     const std::string id = deviceLookup(agent().home()).take(words, at);
-    const auto& names = statusNames();
+    const auto& names = deviceStatusNames();
     const auto found = words.size() == at + 1 ? std::find(names.begin(), names.end(), words[at]) : names.end();
     if (found == names.end()) {
         throw UsageError();
@@ -103,7 +99,7 @@ void show(Desk& desk, const Words& words) {
     table.add({{"id", Tone::Dim}, "", device.id});
     table.add({{"nick", Tone::Dim}, "", {device.nick, Tone::Strong}});
     table.add({{"vid", Tone::Dim}, "", device.vid});
-    table.add({{"status", Tone::Dim}, "", statusNames().at(static_cast<std::size_t>(device.status))});
+    table.add({{"status", Tone::Dim}, "", deviceStatusNames().at(static_cast<std::size_t>(device.status))});
     for (const auto& resource : device.resources) {
         for (const auto& property : resource.properties) {
             table.add({{resource.uri, Tone::Dim}, property.name, property.value});
@@ -128,7 +124,7 @@ std::vector<Command> simDeviceCommands() {
          "changes a device's state in the cloud",
          {"sim status dryer disconnected"},
          status,
-         {Kind::Device, statusNames()}},
+         {Kind::Device, deviceStatusNames()}},
         {"sim device",
          "DEVICE",
          "shows the resources of a device in the home",

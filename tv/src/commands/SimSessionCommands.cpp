@@ -15,6 +15,7 @@
 #include "DeskSettings.h"
 #include "DeviceNames.h"
 #include "Output.h"
+#include "SimNames.h"
 #include "Text.h"
 #include "Words.h"
 
@@ -30,15 +31,6 @@ constexpr std::chrono::milliseconds kReconnectTime{6500};
 
 Agent& agent() {
     return Agent::instance();
-}
-
-const std::map<std::string, Agent::Connection>& connectionNames() {
-    static const std::map<std::string, Agent::Connection> names{{"connected", Agent::Connection::Connected},
-                                                                {"disconnected", Agent::Connection::Disconnected},
-                                                                {"rejected", Agent::Connection::Rejected},
-                                                                {"io-error", Agent::Connection::IoError},
-                                                                {"updating", Agent::Connection::Updating}};
-    return names;
 }
 
 const std::map<std::string, int>& eventKinds() {

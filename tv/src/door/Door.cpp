@@ -3,6 +3,7 @@
 #include <pthread.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
@@ -17,12 +18,14 @@
 
 #include "simulator/Cloud.h"
 
+#include "Catalogue.h"
 #include "Inbox.h"
-#include "JsonOutput.h"
+#include "Schemas.h"
 #include "door/CommandBody.h"
 #include "door/ConnectionThreads.h"
 #include "door/DoorOutput.h"
 #include "door/EventStream.h"
+#include "door/SimDocument.h"
 
 namespace homeloom::tv {
 
@@ -216,6 +219,17 @@ void Door::Impl::setUpRoutes() {
             throw Refusal(403, "the address isn't signed");
         }
         response.set_content(*file, "image/svg+xml");
+    });
+    _server.Get("/v1/sim", [](const Request&, Response& response) { response.set_content(simDocument(), kJson); });
+    _server.Get("/v1/catalogue",
+                [](const Request&, Response& response) { response.set_content(catalogueJson(), kJson); });
+    _server.Get("/v1/schema/(.+)", [](const Request& request, Response& response) {
+        const std::string name = request.matches[1];
+        const auto& names = schemaNames();
+        if (std::find(names.begin(), names.end(), name) == names.end()) {
+            throw Refusal(404, fmt::format("there is no schema \"{}\"", name));
+        }
+        response.set_content(schemaJson(name), kJson);
     });
     _server.Get("/v1/events", [this](const Request& request, Response& response) { sendEvents(request, response); });
     _server.Post("/v1/commands", [this](const Request& request, Response& response) {

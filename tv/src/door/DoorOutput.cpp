@@ -59,6 +59,7 @@ void DoorOutput::endCommand(const std::string& error, const HomeView& home) {
     }
     // Those who listen to the events had the reports already.
     _events.publish("command", document + "}");
+    _events.publishSimChange();  // faults and the like, of which nobody else tells
     if (_client != nullptr) {
         _answer = fmt::format("{},\"reports\":[{}]", document, _reports);
         _answer += _leftOut > 0 ? fmt::format(",\"reports_left_out\":{}}}", _leftOut) : "}";

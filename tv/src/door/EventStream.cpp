@@ -6,10 +6,11 @@
 
 #include <VMFramework/JsonValue.h>
 #include <desktop/Framework.h>
-#include <desktop/Settings.h>
 #include <fmt/format.h>
+#include <simulator/Agent.h>
 
 #include "JsonOutput.h"
+#include "door/SimDocument.h"
 
 namespace homeloom::tv {
 
@@ -18,6 +19,7 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr milliseconds kPause{10};
+constexpr milliseconds kSimPause{250};
 constexpr std::size_t kBlockBytes = std::size_t{64} << 10;
 constexpr char kKeepAlive[] = ":\n\n";
 // Numbers of one run. They leave a browser's numbers exact, which have 53 bits.
@@ -30,12 +32,6 @@ EventId chooseStart() {
     return static_cast<EventId>(1 + (random() >> 2)) << kRunBits;
 }
 
-std::string language() {
-    const auto value = desktop::settings::get("db/menu_widget/language");
-    const auto* const text = value ? std::get_if<std::string>(&*value) : nullptr;
-    return text != nullptr ? *text : "";
-}
-
 std::string quoted(const std::string& text) {
     return VMFramework::json::JsonValue(text).toString();
 }
@@ -44,10 +40,12 @@ std::string quoted(const std::string& text) {
 
 EventStream::EventStream(EventRing::Limits limits) : _start(chooseStart()), _ring(_start, limits) {
     _listener = desktop::framework::addListener([this](const ReportPtr& report) { push(report); });
+    simulator::Agent::instance().setChangeObserver([this] { publishSimChange(); });
     _thread = std::thread([this] { run(); });
 }
 
 EventStream::~EventStream() {
+    simulator::Agent::instance().setChangeObserver(nullptr);
     desktop::framework::removeListener(_listener);
     close();
     {
@@ -70,6 +68,10 @@ void EventStream::publishSimChange() {
     _came.notify_one();
 }
 
+bool EventStream::isDue() const {
+    return _ends || !_incoming.empty() || (_simChanged && Clock::now() >= _nextSim);
+}
+
 void EventStream::push(Incoming incoming) {
     bool wasEmpty = false;
     {
@@ -86,7 +88,9 @@ void EventStream::run() {
     pthread_setname_np(pthread_self(), "door events");
     std::unique_lock<std::mutex> incoming(_incomingMutex);
     while (!_ends) {
-        _came.wait(incoming, [this] { return _ends || _simChanged || !_incoming.empty(); });
+        while (!isDue()) {
+            _simChanged ? static_cast<void>(_came.wait_until(incoming, _nextSim)) : _came.wait(incoming);
+        }
         incoming.unlock();
         {
             const std::lock_guard<std::mutex> lock(_mutex);
@@ -105,7 +109,11 @@ void EventStream::sort() {
     {
         const std::lock_guard<std::mutex> lock(_incomingMutex);
         came.swap(_incoming);
-        std::swap(simChanged, _simChanged);
+        if (_simChanged && Clock::now() >= _nextSim) {
+            _simChanged = false;
+            simChanged = true;
+            _nextSim = Clock::now() + kSimPause;
+        }
     }
     for (const Incoming& one : came) {
         if (const auto* const report = std::get_if<ReportPtr>(&one)) {
@@ -141,7 +149,8 @@ std::string EventStream::hello() {
         home = home.substr(1, home.size() - 2);  // {"home":{...}} without its outer brackets
         _hello = fmt::format(
             "{{\"hello\":{{\"version\":{},{},\"catalogue\":{},\"load_status\":{},\"signed_in\":{},\"language\":{}}}}}",
-            quoted(HOMELOOM_VERSION), home, quoted(HOMELOOM_VERSION), _loadStatus, _isSignedIn, quoted(language()));
+            quoted(HOMELOOM_VERSION), home, quoted(HOMELOOM_VERSION), _loadStatus, _isSignedIn,
+            quoted(languageSetting()));
         _helloId = _ring.head();
     }
     return eventMessage(_helloId, "hello", _hello);

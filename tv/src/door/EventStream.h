@@ -30,7 +30,7 @@ public:
 
     /// `document` is JSON in one line; `type` lives for ever.
     void publish(const char* type, std::string document);
-    /// Lets the clients know that the other side changed; many of these make one event.
+    /// Lets the clients know that the other side changed: a few times a second at most, whatever changes.
     void publishSimChange();
 
     /// Where a client stands.
@@ -67,15 +67,17 @@ private:
 
     void push(Incoming incoming);
     void run();
+    bool isDue() const;
     void sort();
     void take(const ReportPtr& report);
     std::string begin(Position& position);
     std::string hello();
 
     const EventId _start;
-    std::mutex _incomingMutex;  // guards the next three; held for a few lines
+    std::mutex _incomingMutex;  // guards the next four; held for a few lines
     std::vector<Incoming> _incoming;
     bool _simChanged = false;
+    Clock::time_point _nextSim;  // no event of such a change before
     bool _ends = false;
     std::condition_variable _came;
 
