@@ -20,8 +20,8 @@ std::uint32_t listLock = 0;
 Waiter* list = nullptr;
 std::uint64_t added = 0;
 
-// Files to wake by, kept for the next waiter. They are there from the start: whoever counts a program's open files to see
-// whether it leaves any open sees always the same number of these, unless more threads poll than that.
+// Files to wake by, kept for the next waiter. They are there from the start: whoever counts a program's open files to
+// see whether it leaves any open sees always the same number of these, unless more threads poll than that.
 constexpr int kMostSpareFiles = 8;
 int spareFiles[kMostSpareFiles];
 int spareCount = 0;
