@@ -168,6 +168,9 @@ class Changes(ScreenTest):
         screen.press("ENTER")
         screen.until_shown(".toast", "No answer")
         self.tv.command("sim agent connected")
+        # The home that comes with the connection begins without scenes, and the focus goes to a neighbour.
+        self.tv.command("scan")
+        screen.focus("scene:good-night")
         screen.press("ENTER")
         screen.until_shown(".toast", "Good Night was run")
 
