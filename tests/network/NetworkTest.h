@@ -12,12 +12,13 @@
 #include "simulator/Agent.h"
 #include "simulator/Cloud.h"
 #include "simulator/HomeLoader.h"
+#include "support/Places.h"
 
 /// All hosts are the simulated cloud's, which serves the apartment.
 class NetworkTest : public testing::Test {
 protected:
     NetworkTest() {
-        agent.load(simulator::loadHome(HOMELOOM_HOMES_DIR "/apartment.json"));
+        agent.load(simulator::loadHome(homeloom::test::apartmentFile()));
         cloud.resetRequests();
         cloud.start();
         homeloom::desktop::web::routeOtherHosts(cloud.port());

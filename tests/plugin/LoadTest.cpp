@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "support/Desk.h"
+#include "support/Places.h"
 
 namespace {
 
@@ -35,7 +36,7 @@ TEST(Load, AHundredTimesInOneProcess) {
     long threads = 0;
     for (int round = 1; round <= 100; ++round) {
         SCOPED_TRACE(round);
-        void* library = dlopen(HOMELOOM_PLUGIN_PATH, RTLD_NOW | RTLD_LOCAL);
+        void* library = dlopen(homeloom::test::pluginFile().c_str(), RTLD_NOW | RTLD_LOCAL);
         ASSERT_NE(library, nullptr) << dlerror();
         ASSERT_TRUE(IsMapped());
         const int lists = desk.screen().lists;

@@ -11,6 +11,7 @@
 
 #include "simulator/Agent.h"
 #include "simulator/HomeLoader.h"
+#include "support/Places.h"
 
 /// A client of the agent with the apartment behind it, which must have let go of everything at the end.
 ///
@@ -19,7 +20,7 @@ class AgentTest : public ::testing::Test {
 public:
     AgentTest() : agent(simulator::Agent::instance()) {
         agent.reset();
-        agent.load(simulator::loadHome(HOMELOOM_HOMES_DIR "/apartment.json"));
+        agent.load(simulator::loadHome(homeloom::test::apartmentFile()));
     }
 
     ~AgentTest() override {

@@ -190,7 +190,7 @@ TEST_F(Apartment, AnInactiveTvIsWokenByItsSwitch) {
 }
 
 TEST(ApartmentModels, HaveEveryTextInEachOfTheirLanguagesAndEveryResource) {
-    for (const auto& [vid, model] : simulator::loadHome(HOMELOOM_HOMES_DIR "/apartment.json").models) {
+    for (const auto& [vid, model] : simulator::loadHome(homeloom::test::apartmentFile()).models) {
         const JsonValue data = JsonValue::Create(model.uiMetadata)["data"];
         std::set<std::string> codes;
         std::set<std::string> uris;

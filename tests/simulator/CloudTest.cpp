@@ -9,6 +9,7 @@
 
 #include "simulator/Agent.h"
 #include "simulator/HomeLoader.h"
+#include "support/Places.h"
 
 using namespace std::chrono_literals;
 using simulator::Cloud;
@@ -25,7 +26,7 @@ const std::string kImage = "/udo/file_links/shelf-2?cid=app&di=fridge";
 class CloudTest : public testing::Test {
 protected:
     CloudTest() {
-        simulator::Agent::instance().load(simulator::loadHome(HOMELOOM_HOMES_DIR "/apartment.json"));
+        simulator::Agent::instance().load(simulator::loadHome(homeloom::test::apartmentFile()));
         cloud.start();
     }
     ~CloudTest() override {

@@ -62,7 +62,7 @@ std::string lostBySaving(const Home& home) {
 }  // namespace
 
 TEST(HomeWriter, WritesEveryHomeSoThatItLoadsAsTheSame) {
-    for (const auto& entry : std::filesystem::directory_iterator(HOMELOOM_HOMES_DIR)) {
+    for (const auto& entry : std::filesystem::directory_iterator(homeloom::test::homesFolder())) {
         if (entry.path().extension() == ".json") {
             EXPECT_EQ(lostBySaving(simulator::loadHome(entry.path())), "") << entry.path();
         }

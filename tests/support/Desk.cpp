@@ -28,6 +28,7 @@
 #include "plugin_interface.h"
 #include "simulator/HubApp.h"
 #include "simulator/ServiceManager.h"
+#include "support/Places.h"
 
 namespace framework = homeloom::desktop::framework;
 namespace settings = homeloom::desktop::settings;
@@ -111,7 +112,7 @@ Desk::~Desk() {
 }
 
 simulator::Home Desk::apartment() {
-    return simulator::loadHome(HOMELOOM_HOMES_DIR "/apartment.json");
+    return simulator::loadHome(homeloom::test::apartmentFile());
 }
 
 simulator::Home Desk::apartmentWith(const std::vector<std::string>& deviceIds) {
