@@ -96,7 +96,7 @@ int main() {
     bench::Desk desk(simulator::loadHome(HOMELOOM_HOMES_DIR "/apartment.json"));
     desk.show();
     framework::keepReports(100);
-    simulator::Agent::instance().setCallObserver([](const std::string& function, const std::vector<std::string>&) {
+    simulator::Agent::instance().addCallObserver([](const std::string& function, const std::vector<std::string>&) {
         if (function == kAgentCall) {
             handled = bench::Clock::now();
         }
@@ -115,7 +115,6 @@ int main() {
         returns.push_back(returned - called);
         starts.push_back(handled.load() - called);
     }
-    simulator::Agent::instance().setCallObserver(nullptr);
 
     const bench::Seconds copying = timeOfCopying();
     const bench::Seconds call = bench::median(returns);

@@ -371,8 +371,12 @@ void Agent::setChangeObserver(std::function<void()> observer) {
     Locked()->changeObserver = std::move(observer);
 }
 
-void Agent::setCallObserver(std::function<void(const std::string&, const std::vector<std::string>&)> observer) {
-    simulator::setCallObserver(std::move(observer));
+int Agent::addCallObserver(CallObserver observer) {
+    return simulator::addCallObserver(std::move(observer));
+}
+
+void Agent::removeCallObserver(int number) {
+    simulator::removeCallObserver(number);
 }
 
 std::vector<Agent::LaunchCondition> Agent::conditions() const {

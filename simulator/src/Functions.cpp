@@ -1,5 +1,6 @@
 #include "Functions.h"
 
+#include <map>
 #include <memory>
 #include <stdexcept>
 #include <utility>
@@ -139,9 +140,20 @@ std::map<std::string, Function>& makeFunctions() {
 }
 
 struct Observers {
+    using ByNumber = std::map<int, CallObserver>;
+
     std::atomic<bool> any{false};
     std::mutex mutex;
-    std::shared_ptr<const CallObserver> observer;
+    std::shared_ptr<const ByNumber> byNumber = std::make_shared<const ByNumber>();
+    int lastNumber = 0;
+
+    // Whoever is telling them has the list of before.
+    void change(const std::function<void(ByNumber&)>& change) {
+        auto changed = std::make_shared<ByNumber>(*byNumber);
+        change(*changed);
+        any = !changed->empty();
+        byNumber = std::move(changed);
+    }
 };
 
 Observers& observers() {
@@ -154,13 +166,13 @@ void observe(const std::string& name, const std::vector<std::string>& arguments)
     if (!all.any) {
         return;
     }
-    std::shared_ptr<const CallObserver> observer;
+    std::shared_ptr<const Observers::ByNumber> byNumber;
     {
         const std::lock_guard<std::mutex> lock(all.mutex);
-        observer = all.observer;
+        byNumber = all.byNumber;
     }
-    if (observer) {
-        (*observer)(name, arguments);
+    for (const auto& [number, observer] : *byNumber) {
+        observer(name, arguments);
     }
 }
 
@@ -268,14 +280,18 @@ Function& functionNamed(const std::string& name) {
     return found->second;
 }
 
-void setCallObserver(CallObserver observer) {
+int addCallObserver(CallObserver observer) {
     Observers& all = observers();
     const std::lock_guard<std::mutex> lock(all.mutex);
-    all.any = observer != nullptr;
-    all.observer = std::make_shared<const CallObserver>(std::move(observer));
-    if (!all.any) {
-        all.observer.reset();
-    }
+    const int number = ++all.lastNumber;
+    all.change([&](Observers::ByNumber& byNumber) { byNumber.emplace(number, std::move(observer)); });
+    return number;
+}
+
+void removeCallObserver(int number) {
+    Observers& all = observers();
+    const std::lock_guard<std::mutex> lock(all.mutex);
+    all.change([number](Observers::ByNumber& byNumber) { byNumber.erase(number); });
 }
 
 }  // namespace simulator

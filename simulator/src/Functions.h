@@ -75,8 +75,9 @@ Function& functionNamed(const std::string& name);
 /// All of them, by name.
 std::map<std::string, Function>& allFunctions();
 
-using CallObserver = std::function<void(const std::string&, const std::vector<std::string>&)>;
-void setCallObserver(CallObserver observer);
+using CallObserver = Agent::CallObserver;
+int addCallObserver(CallObserver observer);
+void removeCallObserver(int number);
 
 }  // namespace simulator
 

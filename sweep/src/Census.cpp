@@ -65,6 +65,7 @@ FaultKind kindNamed(const std::string& name) {
 struct CallCounter::State {
     std::function<void(int)> eachCall;
     std::atomic<int> count{0};
+    int observer = 0;
     std::mutex mutex;
     std::map<std::string, int> deskCalls;
 
@@ -80,7 +81,7 @@ CallCounter::CallCounter(std::function<void(int)> eachCall) : _state(std::make_s
     _state->eachCall = std::move(eachCall);
     Agent::instance().resetCalls();
     simulator::Cloud::instance().resetRequests();
-    Agent::instance().setCallObserver(
+    _state->observer = Agent::instance().addCallObserver(
         [state = _state](const std::string&, const std::vector<std::string>&) { state->add(); });
     desktop::setDeskCallObserver([state = _state](const char* function) {
         {
@@ -92,7 +93,7 @@ CallCounter::CallCounter(std::function<void(int)> eachCall) : _state(std::make_s
 }
 
 CallCounter::~CallCounter() {
-    Agent::instance().setCallObserver(nullptr);
+    Agent::instance().removeCallObserver(_state->observer);
     desktop::setDeskCallObserver(nullptr);
 }
 

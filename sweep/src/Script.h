@@ -6,7 +6,8 @@
 
 namespace homeloom::sweep {
 
-/// Commands of homeloom-tv in their order; empty lines and comments are left out.
+/// Commands of homeloom-tv in their order, those with & at their end sent off without waiting; empty lines and comments
+/// are left out.
 using Script = std::vector<std::string>;
 
 /// Throws std::runtime_error if there is no such file.

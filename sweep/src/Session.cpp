@@ -7,7 +7,6 @@
 #include <simulator/Agent.h>
 
 #include "Census.h"
-#include "Command.h"
 #include "CommandError.h"
 #include "Desk.h"
 #include "HomeDifference.h"
@@ -101,7 +100,7 @@ private:
     // That a command fails where something goes wrong is as it should be.
     void runLine(tv::Desk& desk, const std::string& line) {
         try {
-            tv::runCommand(desk, line);
+            runScriptLine(desk, line);
         } catch (const tv::CommandError& e) {
             if (_isUndisturbed) {
                 add(Judge::Commands, fmt::format("\"{}\": {}", line, e.what()));

@@ -13,6 +13,7 @@
 #include <simulator/Agent.h>
 #include <simulator/HomeLoader.h>
 
+#include "Command.h"
 #include "Desk.h"
 #include "DeskSettings.h"
 #include "Inbox.h"
@@ -126,6 +127,12 @@ void settleStart(tv::Desk& desk) {
         desktop::framework::requestDeviceList();
         desk.settle(kStartLimit);
     }
+}
+
+void runScriptLine(tv::Desk& desk, const std::string& line) {
+    const bool waits = line.size() < 2 || line.compare(line.size() - 2, 2, " &") != 0;
+    desk.setLimit(waits ? kCommandLimit : std::chrono::seconds(0));
+    tv::runCommand(desk, waits ? line : line.substr(0, line.size() - 2));
 }
 
 int threadCount() {

@@ -62,6 +62,8 @@ private:
 simulator::Home homeOf(const StageOptions& options);
 /// Waits until the plug-in that was just loaded shows its home, as the home screen does when it opens.
 void settleStart(tv::Desk& desk);
+/// Runs a command. One with & at its end is sent off, and nobody waits for what it causes. Throws tv::CommandError.
+void runScriptLine(tv::Desk& desk, const std::string& line);
 /// Threads of this process.
 int threadCount();
 

@@ -10,7 +10,6 @@
 #include <simulator/Agent.h>
 
 #include "Census.h"
-#include "Command.h"
 #include "CommandError.h"
 #include "Desk.h"
 #include "HomeDifference.h"
@@ -35,7 +34,7 @@ void play(tv::Desk& desk, const Script& script) {
             return;
         }
         try {
-            tv::runCommand(desk, line);
+            runScriptLine(desk, line);
         } catch (const tv::CommandError&) {
             // The plug-in went away in the middle of it.
         }

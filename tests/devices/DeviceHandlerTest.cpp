@@ -366,7 +366,7 @@ TEST_F(DeviceHandlerTest, HoldsItsMutexAcrossNoAgentCall) {
     add("camera", "camera-vid", "oic.d.camera", {"/capability/button/0", "/capability/button/main/0"});
     agent.resetCalls();
     std::set<std::string> blocking;
-    agent.setCallObserver([&](const std::string& function, const std::vector<std::string>&) {
+    const int observer = agent.addCallObserver([&](const std::string& function, const std::vector<std::string>&) {
         auto isFree = std::async(std::launch::async, [&] { handler->Lock(); });
         if (isFree.wait_for(std::chrono::seconds(2)) != std::future_status::ready) {
             blocking.insert(function);
@@ -380,7 +380,7 @@ TEST_F(DeviceHandlerTest, HoldsItsMutexAcrossNoAgentCall) {
     handler->GetDeviceData(IEndpointListHelper::Create());
     handler->GetDeviceIcons(nullptr, "tv");
     handler->GetDeviceIcons(nullptr, "");
-    agent.setCallObserver(nullptr);
+    agent.removeCallObserver(observer);
     EXPECT_THAT(blocking, IsEmpty());
     for (const char* function :
          {"homeloom_client_get_ui_metadata", "homeloom_client_get_remote_attributes", "homeloom_client_subscribe",

@@ -501,10 +501,11 @@ TEST_F(TesselHandlerTest, QuitEndsAWaitAndLateOrRepeatedListsAreDestroyed) {
     homeloom_core_scene_h* list = nullptr;
     int count = 0;
     agent.fault("homeloom_core_get_scene_list_async", Fault::late(std::chrono::hours(1)));
-    agent.setCallObserver([this](const std::string&, const std::vector<std::string>&) { facade.Quit(); });
+    const int observer =
+        agent.addCallObserver([this](const std::string&, const std::vector<std::string>&) { facade.Quit(); });
     EXPECT_EQ(-999999, facade.GetCoreSceneList("flat", list, count));
     EXPECT_EQ(nullptr, list);
-    agent.setCallObserver(nullptr);
+    agent.removeCallObserver(observer);
     agent.hurry();
     agent.waitIdle();
 

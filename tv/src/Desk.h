@@ -27,6 +27,7 @@ public:
     const HomeView& home() const { return _home; }
     Output& out() { return _out; }
     std::chrono::milliseconds limit() const { return _limit; }
+    void setLimit(std::chrono::milliseconds limit) { _limit = limit; }
 
     /// The load status that the plug-in reported last; -1 as long as there is none.
     int loadStatus() const { return _loadStatus; }
@@ -65,7 +66,7 @@ private:
 
     Inbox& _inbox;
     Output& _out;
-    const std::chrono::milliseconds _limit;
+    std::chrono::milliseconds _limit;
     HomeView _home;
     Idleness _idleness;
     int _loadStatus = -1;

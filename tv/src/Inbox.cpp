@@ -19,12 +19,12 @@ Inbox::Inbox() : _wakeupFile(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
         }
         wakeUp();
     });
-    simulator::Agent::instance().setCallObserver(
+    _callObserver = simulator::Agent::instance().addCallObserver(
         [this](const std::string&, const std::vector<std::string>&) { ++_activity; });
 }
 
 Inbox::~Inbox() {
-    simulator::Agent::instance().setCallObserver(nullptr);
+    simulator::Agent::instance().removeCallObserver(_callObserver);
     desktop::framework::removeListener(_listener);
     close(_wakeupFile);
 }

@@ -56,6 +56,7 @@ private:
 
     const int _wakeupFile;
     int _listener = 0;
+    int _callObserver = 0;
     std::mutex _mutex;
     std::condition_variable _came;
     std::vector<ReportPtr> _reports;

@@ -132,8 +132,11 @@ public:
     std::map<std::string, Calls> calls() const;
     int callCount(const std::string& function) const;
     void resetCalls();
-    /// Told of each call, on the caller's thread, before anything else happens. Null takes it away.
-    void setCallObserver(std::function<void(const std::string& function, const std::vector<std::string>& arguments)>);
+    using CallObserver = std::function<void(const std::string& function, const std::vector<std::string>& arguments)>;
+    /// Told of each call, on the caller's thread, before anything else happens. Returns the observer's number. One that
+    /// has been removed may still be told of calls that are under way.
+    int addCallObserver(CallObserver observer);
+    void removeCallObserver(int number);
 
     /// Told whenever the home or the session changed, on any thread and under the agent's mutex: may call nothing of
     /// the agent. Null takes it away.
