@@ -138,7 +138,7 @@ private:
         const std::string place = fmt::format("{}#{}", names[below(names.size())], 1 + below(20));
         return oneOf({"sim fail " + place + " -5", "sim answer " + place + " -5", "sim drop " + place,
                       "sim twice " + place, "sim null " + place, "sim miscount " + place, "sim delay " + place + " 31s",
-                      "sim delay " + place + " 2s", "sim say " + place + " {\"broken\":"});
+                      "sim delay " + place + " 2s", "sim say " + place + " broken"});
     }
 
     // ---- What cloud, hub control application and TV do ----
