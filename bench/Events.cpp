@@ -2,6 +2,7 @@
 // anything.
 #include <condition_variable>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -12,26 +13,26 @@
 #include <simulator/Agent.h>
 #include <simulator/HomeLoader.h>
 
+#include "support/Border.h"
 #include "support/Desk.h"
 #include "support/Figures.h"
 #include "support/Heap.h"
+#include "support/Instructions.h"
 
 namespace {
 
 namespace framework = homeloom::desktop::framework;
+using bench::border::hubEvent;
 
-constexpr int kEvents = 20000;
+constexpr int kRounds = 41;
+constexpr int kBatches = 5;
+constexpr int kBatch = 100;  // events that wait at once
+constexpr int kCounted = 1000;
 constexpr int kStorm = 10000;
 constexpr int kKinds = 5;  // of which the storm is made
 constexpr double kWantedHeapGrowth = 1.02;
 constexpr char kWasherState[] = "/operational/state/vs/0";
 constexpr char kWasherMinutes[] = "x.com.norvane.da.remainingMinutes";
-
-std::string hubEvent(int number) {
-    return std::string(
-               R"({"deviceId":"hub-plug","capability":"switch","stateChange":true,"valueType":"string","value":")") +
-           (number % 2 == 0 ? "on" : "off") + "\"}";
-}
 
 /// Counts notifies, and keeps the state texts of the two devices whose order is looked at.
 class Notifies {
@@ -89,22 +90,51 @@ simulator::Home apartment() {
     return simulator::loadHome(std::string(HOMELOOM_HOMES_DIR) + "/apartment.json");
 }
 
-void measureHubEvents() {
-    bench::Desk desk(apartment());
-    framework::keepReports(1);
-    desk.show();
-    simulator::Agent::instance().waitIdle();
-    Notifies notifies;
-    const auto start = bench::Clock::now();
-    for (int i = 0; i < kEvents; ++i) {
-        simulator::Agent::instance().sendEvent(HOMELOOM_CORE_SSE_DEVICE_EVENT, hubEvent(i));
+/// A desk whose plug behind the hub is known to the plug-in.
+class HubDesk {
+public:
+    HubDesk() : _desk(apartment()) {
+        _desk.show();
+        bench::Desk::waitForRest();
+        _closed.emplace();
     }
-    notifies.waitFor(kEvents, 0, 0, 0);
-    const bench::Seconds each = bench::Seconds(bench::Clock::now() - start) / kEvents;
+
+    void sendBatch() {
+        for (int i = 0; i < kBatch; ++i) {
+            bench::border::sendHubEvent(_sent++);
+        }
+        _closed->waitFor(_sent);
+    }
+
+private:
+    bench::Desk _desk;
+    std::optional<bench::border::Closed> _closed;
+    int _sent = 0;
+};
+
+void measureHubEvents() {
+    HubDesk desk;
     const std::string text = hubEvent(0);
-    const bench::Seconds parsing = bench::timeOf(7, 20000, [&] { VMFramework::json::JsonValue::Create(text); });
+    std::vector<bench::Seconds> parses;
+    std::vector<bench::Seconds> times;
+    for (int round = 0; round < kRounds; ++round) {
+        parses.push_back(bench::timeOf(1, kBatch, [&] { VMFramework::json::JsonValue::Create(text); }));
+        times.push_back(bench::timeOf(1, kBatches, [&] { desk.sendBatch(); }) / kBatch);
+    }
+    const bench::Seconds parsing = bench::median(parses);
+    const bench::Seconds each = bench::median(times);
     bench::print({"hub events, sustained", bench::perSecond(1 / each.count()), "parsing the event's text",
                   bench::perSecond(1 / parsing.count()), each / parsing, "", true});
+}
+
+void countInstructions() {
+    HubDesk desk;
+    desk.sendBatch();  // the first ones fill what is kept
+    bench::beginCount();
+    for (int sent = 0; sent < kCounted; sent += kBatch) {
+        desk.sendBatch();
+    }
+    bench::endCount("hub event to notify", kCounted);
 }
 
 void measureLargeList() {
@@ -200,8 +230,17 @@ void measureStorm() {
 
 }  // namespace
 
-int main() {
-    measureHubEvents();
+int main(int count, char** arguments) {
+    if (bench::isCountingInstructions(count, arguments)) {
+        bench::border::stayOnOneProcessor();
+        countInstructions();
+        return 0;
+    }
+    // Its threads stay on one processor; those of the other figures use what there is.
+    std::thread([] {
+        bench::border::stayOnOneProcessor();
+        measureHubEvents();
+    }).join();
     measureLargeList();
     measureStorm();
     return bench::exitStatus();

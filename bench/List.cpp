@@ -11,10 +11,13 @@
 
 #include "support/Desk.h"
 #include "support/Figures.h"
+#include "support/Instructions.h"
 
 namespace {
 
 constexpr double kWantedGrowth = 13;
+constexpr int kCounted = 10000;
+bool isCounting = false;
 
 // Written by the agent's thread and the plug-in's, read when both are done.
 struct Run {
@@ -28,6 +31,9 @@ Run run;
 std::atomic<homeloom_client_device_detail_list_updated_cb> detailsCallback{nullptr};
 
 void takeDetails(homeloom_client_device_detail_h* list, int count, void* userData) {
+    if (isCounting) {
+        bench::beginCount();
+    }
     run.begun = bench::Clock::now();
     detailsCallback.load()(list, count, userData);
 }
@@ -71,7 +77,11 @@ int vmf_service_handler_report_device_list(vmf_service_handler_h handler, vmf_en
     const auto start = bench::Clock::now();
     if (++run.lists == 2) {
         run.sent = start;
+        if (isCounting) {
+            bench::endCount("list, for each of 10,000 devices", kCounted);
+        }
     }
+    const bench::CountPause pause;
     copy(list);
     run.copying += bench::Clock::now() - start;
     const int result =
@@ -82,7 +92,13 @@ int vmf_service_handler_report_device_list(vmf_service_handler_h handler, vmf_en
     return result;
 }
 
-int main() {
+int main(int count, char** arguments) {
+    isCounting = bench::isCountingInstructions(count, arguments);
+    if (isCounting) {
+        bench::Desk desk(simulator::generateHome(kCounted));
+        desk.show();
+        return 0;
+    }
     bench::Seconds thousand{0};
     for (const int devices : {10, 100, 1000, 10000}) {
         bench::Seconds copying{0};

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <thread>
 #include <utility>
 
@@ -106,6 +107,20 @@ void Desk::waitForSubscription(const std::string& deviceId) {
             fail(deviceId + " was not subscribed");
         }
         std::this_thread::yield();
+    }
+}
+
+void Desk::waitForRest() {
+    constexpr auto kLook = std::chrono::milliseconds(300);
+    constexpr std::clock_t kIdle = CLOCKS_PER_SEC / 50;  // that little is a thread that looks whether there is work
+    std::clock_t before = std::clock();
+    while (true) {
+        std::this_thread::sleep_for(kLook);
+        const std::clock_t now = std::clock();
+        if (now - before < kIdle) {
+            return;
+        }
+        before = now;
     }
 }
 

@@ -32,6 +32,8 @@ public:
     /// Waits until the agent tells the plug-in of the device's changes. Lists don't wait for that: a device is
     /// subscribed after its metadata was parsed, on a thread of its own.
     void waitForSubscription(const std::string& deviceId);
+    /// Waits until no thread of this program has anything to do any more: also what the start brings of its own accord.
+    static void waitForRest();
     /// destroy(), and closes the library: nothing of the plug-in is left.
     void close();
 
