@@ -10,7 +10,7 @@
 namespace VMFramework::HomeLoom {
 
 // The ways back from the handlers into the session. Each handler gets them as callables, bound in
-// HomeloomClient::bindHandlers.
+// HomeloomClient::bindHandlers; ARCHITECTURE.md tells why.
 
 class LocationHandlerConnector {
 public:

@@ -25,6 +25,7 @@
 #include "Homeloom/Location/LocationHandler.h"
 #include "Homeloom/Routine/RoutineHandler.h"
 #include "Homeloom/Scene/SceneHandler.h"
+#include "Homeloom/Tessel/CServerEnvMgr.h"
 #include "Homeloom/Tessel/ITesselHandler.h"
 #include "Homeloom/UIMeta/Metadata.h"
 #include "Homeloom/WifiLocker/WifiLockerHandler.h"
@@ -64,10 +65,13 @@ HomeloomClient::HomeloomClient(ITesselHandler& agent)
       _deviceHandler(std::make_shared<DeviceHandler>(_agent)),
       _coreDeviceHandler(std::make_shared<CoreDeviceHandler>(_agent)),
       _lifeHandler(std::make_shared<LifeHandler>(_agent)),
-      _wifiLockerHandler(std::make_shared<WifiLockerHandler>(_agent)) {}
+      _wifiLockerHandler(std::make_shared<WifiLockerHandler>(_agent)) {
+    CServerEnvMgr::GetInstance().SetAgent(&_agent);
+}
 
 HomeloomClient::~HomeloomClient() {
     _isTerminating = true;
+    CServerEnvMgr::GetInstance().SetAgent(nullptr);
     _wifiLockerHandler.reset();
     _lifeHandler.Reset();
     _coreDeviceHandler.Reset();

@@ -3,7 +3,6 @@
 // The callbacks run on the agent's thread: they copy and queue, nothing else. Everything below them runs on
 // the scheduler's thread, so that events are handled in the order in which they came.
 
-#include <cstdlib>
 #include <exception>
 #include <memory>
 #include <mutex>
@@ -25,6 +24,7 @@
 #include "Homeloom/IoTHub/CHubHandler.h"
 #include "Homeloom/Routine/RoutineHandler.h"
 #include "Homeloom/Scene/SceneHandler.h"
+#include "Homeloom/Tessel/ITesselHandler.h"
 #include "Homeloom/Tessel/TesselReplies.h"
 #include "Homeloom/UIMeta/Metadata.h"
 
@@ -35,28 +35,21 @@ namespace {
 constexpr char kButtonReady[] = "Ready";
 constexpr unsigned kButtonStandbyMs = 1000;
 
-// Released by whoever drops it last: a job that is dropped, cleared or throws frees it too.
-using DeviceList = OwnedRecords<homeloom_client_device_h, homeloom_client_device_destroy>;
-using DeviceDetailList = OwnedRecords<homeloom_client_device_detail_h, homeloom_client_device_detail_destroy>;
-
-std::vector<std::string> DeviceIds(const DeviceList& list) {
+std::vector<std::string> DeviceIds(ITesselHandler& agent, const ClientDeviceList& list) {
     std::vector<std::string> ids;
     ids.reserve(static_cast<std::size_t>(list.Count()));
     for (int i = 0; i < list.Count(); ++i) {
-        char* id = nullptr;
-        if (homeloom_client_device_get_string(list.List()[i], HOMELOOM_CLIENT_DEVICE_PROPERTY_ID, &id) != 0 ||
-            id == nullptr) {
-            continue;
+        std::string id;
+        if (agent.DeviceGetString(list.List()[i], HOMELOOM_CLIENT_DEVICE_PROPERTY_ID, id) == 0 && !id.empty()) {
+            HL_LOGI("_HomeLoomClientDeviceListChanged() [%d], device_id : %s", i, id.c_str());
+            ids.push_back(std::move(id));
         }
-        const std::unique_ptr<char, decltype(&std::free)> owner(id, std::free);
-        HL_LOGI("_HomeLoomClientDeviceListChanged() [%d], device_id : %s", i, id);
-        ids.emplace_back(id);
     }
     return ids;
 }
 
 // A list without records is not to be taken for an empty home, which takes all devices away and perhaps the hub.
-bool HoldsWhatItSays(const DeviceList& list, int count) {
+bool HoldsWhatItSays(const ClientDeviceList& list, int count) {
     if (list.Count() > 0) {
         return true;
     }
@@ -352,7 +345,7 @@ void HomeloomClient::OnDeviceStatusUpdateEvent(const std::string& deviceId, int 
 // ---- The agent's lists ----
 
 void HomeloomClient::_HomeLoomClientDeviceListChanged(homeloom_client_device_h* list, int count, void* userData) try {
-    auto owner = std::make_shared<const DeviceList>(list, count);
+    auto owner = std::make_shared<const ClientDeviceList>(list, count);
     auto* session = static_cast<HomeloomClient*>(userData);
     if (session == nullptr || session->_isTerminating) {
         return;
@@ -369,7 +362,7 @@ void HomeloomClient::_HomeLoomClientDeviceListChanged(homeloom_client_device_h* 
             if (!HoldsWhatItSays(*records, count)) {
                 return;
             }
-            const std::vector<std::string> ids = DeviceIds(*records);
+            const std::vector<std::string> ids = DeviceIds(session->_agent, *records);
             records.reset();
             session->onDeviceListChanged(ids);
         },
@@ -422,7 +415,7 @@ void HomeloomClient::OnDeviceListUpdateEvent(const std::vector<std::string>& dev
 
 void HomeloomClient::_HomeLoomClientDeviceDetailListChanged(homeloom_client_device_detail_h* list, int count,
                                                             void* userData) try {
-    auto owner = std::make_shared<const DeviceDetailList>(list, count);
+    auto owner = std::make_shared<const ClientDeviceDetailList>(list, count);
     auto* session = static_cast<HomeloomClient*>(userData);
     if (session == nullptr || session->_isTerminating) {
         return;

@@ -72,7 +72,7 @@ void HomeloomClient::SetServerEnv(const Transaction& transaction, int iotCloud, 
     requireClientAvailable();
     SetServerEnvParam param(transaction);
     try {
-        param.result = CServerEnvMgr::GetInstance().SetServerEnv(_agent, iotCloud, uiMeta);
+        param.result = CServerEnvMgr::GetInstance().SetServerEnv(iotCloud, uiMeta);
     } catch (const std::exception& e) {
         // A number that names no environment is answered, too.
         HL_LOG_EXCEPTION(e);

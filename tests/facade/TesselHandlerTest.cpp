@@ -11,7 +11,7 @@
 #include "Homeloom/Tessel/TesselHandler.h"
 #include "Homeloom/Tessel/TesselReplies.h"
 #include "desktop/Log.h"
-#include "groups/SmallHome.h"
+#include "facade/SmallHome.h"
 #include "simulator/Agent.h"
 
 using namespace VMFramework::HomeLoom;

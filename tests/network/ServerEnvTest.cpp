@@ -1,23 +1,17 @@
-// Which server environment applies, who goes where in it, and how another one is asked for.
+// Which server environment applies, and who goes where in it.
 
 #include <map>
 #include <string>
 #include <vector>
 
-#include "Common/CException.h"
 #include "Homeloom/Network/CHubRequester.h"
 #include "Homeloom/Tessel/CServerEnvMgr.h"
-#include "Homeloom/Tessel/TesselHandler.h"
 #include "NetworkTest.h"
-#include "desktop/CallFaults.h"
-#include "desktop/Launches.h"
 
 using namespace VMFramework::HomeLoom;
 using simulator::CloudFault;
 using testing::Contains;
-using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::SizeIs;
 namespace desktop = homeloom::desktop;
 
 namespace {
@@ -72,39 +66,6 @@ TEST_F(ServerEnv, IsProductionWhereverTheSettingSaysNothingElse) {
     EXPECT_THROW(servers.get_server_env(SERVER_TYPE_IOTCLOUD), std::runtime_error);
     EXPECT_THROW(servers.get_server_type_name(static_cast<e_server_type_>(2)), std::runtime_error);
     EXPECT_EQ(servers.get_server_env_name(static_cast<e_server_env_>(4)), "PROD");
-}
-
-TEST_F(ServerEnv, AChangeLaunchesTheAgentsApplication) {
-    // Without a connection nobody knows what the agent has, so even production is asked for.
-    EXPECT_TRUE(servers.SetServerEnv(TesselHandler::GetInstance(), 1, 1));
-    EXPECT_TRUE(servers.SetServerEnv(TesselHandler::GetInstance(), 0, 2));
-    servers.set_server_setting(R"({"IoTCloud":"ACC","UiMeta":"DEV"})");
-    servers.change_server_env();
-    std::vector<std::string> parameters;
-    for (const auto& launch : desktop::launches::all()) {
-        EXPECT_EQ(launch.appId, "com.norvane.solenne.homeloom-client");
-        ASSERT_THAT(launch.extras, SizeIs(1));
-        parameters.push_back(launch.extras.at("server"));
-    }
-    EXPECT_THAT(parameters, ElementsAre("PROD@PROD", "STG@ACC", "ACC@DEV"));
-
-    desktop::launches::forget();
-    for (const auto& [iotCloud, uiMeta] : std::map<int, int>{{3, 1}, {1, 3}, {-1, 1}, {0, -1}}) {
-        EXPECT_THROW(servers.SetServerEnv(TesselHandler::GetInstance(), iotCloud, uiMeta), CException);
-    }
-    const std::vector<std::pair<const char*, const char*>> failures = {
-        {"app_control_create", "fail to create"},
-        {"app_control_set_app_id", "fail to set app id"},
-        {"app_control_add_extra_data", "fail to add data"},
-        {"app_control_send_launch_request", "fail to launch"}};
-    for (const auto& [function, words] : failures) {
-        desktop::failCalls(function, -1);
-        log.clear();
-        EXPECT_FALSE(servers.SetServerEnv(TesselHandler::GetInstance(), 0, 0));
-        EXPECT_THAT(Errors(), Contains(words));
-        desktop::passCalls();
-    }
-    EXPECT_THAT(desktop::launches::all(), IsEmpty());
 }
 
 TEST_F(HubRequester, AsksTheHostOfItsEnvironment) {

@@ -106,39 +106,6 @@ TEST_F(EnergyRequest, AnEventBringsOnlyTheSecondReport) {
     EXPECT_FALSE(desk.waitForNotify(kUpdated)->properties.flag("result"));
 }
 
-TEST_F(EnergyRequest, AnAnswerThatCannotBeReadIsAFailure) {
-    for (const std::string& text : std::vector<std::string>{
-             "no JSON", "", "{}", "[]", R"({"body":null})", R"({"body":{"deviceId":"washer"}})", R"({"body":"[]"})",
-             R"({"body":[]})", R"({"body":[{"consumpedEnergy":1},7,null,"x"]})",
-             R"({"body":[{"deviceId":"w","consumpedEnergy":"1"}]})",
-             R"({"body":[{"deviceId":"w","consumpedEnergy":99999999999}]})",
-             R"({"body":[{"deviceId":{},"consumpedEnergy":1}]})", std::string(100000, '['),
-             R"({"body":[{"deviceId":")" + std::string(10 << 20, 'x')}) {
-        desk.mark();
-        desk.agent.fault(kExecute, Fault::say(text));
-        const auto answer = Ask();
-        EXPECT_FALSE(answer->properties.flag("result")) << text.substr(0, 100);
-        EXPECT_THAT(DevicesOf(*answer), IsEmpty());
-        desk.settle();
-        EXPECT_EQ(desk.lines().size(), 1u) << "no second report: " << text.substr(0, 100);
-    }
-    EXPECT_EQ(desk.agent.callCount(kStatus), 0);
-    desk.agent.fault(kExecute,
-                     Fault::say(R"({"body":[{"deviceId":"washer"},{"deviceId":"oven","consumpedEnergy":2.9}]})"));
-    EXPECT_THAT(DevicesOf(*Ask()), UnorderedElementsAre("washer 0 false", "oven 2 false"));
-}
-
-TEST_F(EnergyRequest, ADeviceWithoutAReadableStatusSavesNothing) {
-    for (const Fault& fault : {Fault::fail(-5), Fault::say("no JSON"), Fault::say("[]")}) {
-        desk.mark();
-        desk.agent.fault(kStatus, fault);
-        Ask();
-        EXPECT_THAT(DevicesOf(*desk.waitForNotify(kUpdated)),
-                    UnorderedElementsAre("washer 9200 false", "dryer 15400 false", "aircon 61000 false",
-                                         "purifier 3100 false", "fridge 28300 false"));
-    }
-}
-
 TEST_F(EnergyRequest, LeavesTheRequestThreadFreeForTheNext) {
     desk.agent.fault(kStatus, Fault::never());
     Ask();

@@ -103,35 +103,6 @@ TEST_F(HomeServices, AChangeOfTheBlockedDevicesIsToldWhileItIsWatched) {
     EXPECT_THAT(change(), IsEmpty());
 }
 
-TEST_F(HomeServices, TheLockerSettingIsWhatThePlatformSays) {
-    const std::string get = "notify get_wifi_locker_user_setting result=";
-    const std::string set = "notify set_wifi_locker_user_setting result=";
-    const auto setSetting = [&] {
-        return Ask("set_wifi_locker_user_setting", {{"wifi_locker_user_setting_info_json", R"({"enabled":1})"}});
-    };
-    for (const auto& [text, answer] :
-         {std::pair(R"({"message":"SUCCESS","data":{"enabled":2}})", "true wifi_locker_user_setting_enabled=2"),
-          {R"({"message":"SUCCESS"})", "true wifi_locker_user_setting_enabled=0"},
-          {R"({"message":"SUCCESS","data":[]})", "true wifi_locker_user_setting_enabled=0"},
-          {R"({"message":"SUCCESS","data":{"enabled":"1"}})", "true wifi_locker_user_setting_enabled=0"},
-          {R"({"message":"SUCCESS","data":{"enabled":99999999999}})", "true wifi_locker_user_setting_enabled=0"},
-          {R"({"data":{"enabled":1}})", "false wifi_locker_user_setting_enabled=0"}}) {
-        desk.agent.fault("homeloom_core_get_wifilocker_user_setting", Fault::say(text));
-        EXPECT_EQ(Ask("get_wifi_locker_user_setting"), get + answer) << text;
-    }
-    EXPECT_EQ(setSetting(), set + "true");
-    for (const char* text : kNoSuccess) {
-        desk.agent.fault("homeloom_core_set_wifilocker_user_setting", Fault::say(text));
-        EXPECT_EQ(setSetting(), set + "false") << text;
-    }
-    for (const Fault& fault : {Fault::fail(-5), Fault::answer(-5)}) {
-        desk.agent.fault("homeloom_core_get_wifilocker_user_setting", fault);
-        desk.agent.fault("homeloom_core_set_wifilocker_user_setting", fault);
-        EXPECT_EQ(Ask("get_wifi_locker_user_setting"), get + "false wifi_locker_user_setting_enabled=0");
-        EXPECT_EQ(setSetting(), set + "false");
-    }
-}
-
 TEST_F(HomeServices, AUsageEventIsSentOnce) {
     const Desk::Fields event = {{"active_user_event_category", 3},
                                 {"active_user_event_action", 4},

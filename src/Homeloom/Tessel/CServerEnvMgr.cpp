@@ -38,11 +38,12 @@ using AppControl = std::unique_ptr<std::remove_pointer_t<app_control_h>, AppCont
 
 }  // namespace
 
-bool CServerEnvMgr::SetServerEnv(ITesselHandler& agent, int iotCloud, int uiMeta) {
+bool CServerEnvMgr::SetServerEnv(int iotCloud, int uiMeta) {
     int currentIotCloud = -1;
     int currentUiMeta = -1;
-    const bool isIotCloudKnown = agent.GetServerEnv(SERVER_TYPE_IOTCLOUD, currentIotCloud) == 0;
-    const bool isUiMetaKnown = agent.GetServerEnv(SERVER_TYPE_UIMETA, currentUiMeta) == 0;
+    ITesselHandler* const agent = _agent;
+    const bool isIotCloudKnown = agent != nullptr && agent->GetServerEnv(SERVER_TYPE_IOTCLOUD, currentIotCloud) == 0;
+    const bool isUiMetaKnown = agent != nullptr && agent->GetServerEnv(SERVER_TYPE_UIMETA, currentUiMeta) == 0;
     HL_LOGI("requested[iotCloud:%d, uiMeta:%d], tessel[iotCloud:%d, uiMeta:%d]", iotCloud, uiMeta, currentIotCloud,
             currentUiMeta);
     // A value that can't be read equals no request, not even one for the number that stands in its place.

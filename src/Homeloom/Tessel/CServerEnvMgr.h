@@ -1,6 +1,7 @@
 #ifndef HOMELOOM_HOMELOOM_TESSEL_CSERVERENVMGR_H
 #define HOMELOOM_HOMELOOM_TESSEL_CSERVERENVMGR_H
 
+#include <atomic>
 #include <string>
 
 #include "Common/CSingleton.h"
@@ -14,14 +15,21 @@ class ITesselHandler;
 /// thread.
 class CServerEnvMgr : public CSingleton<CServerEnvMgr>, public ServerSetting {
 public:
+    /// Who is asked for the environments that the agent has. The session names it before the first request, and null
+    /// before it goes away; without one nobody knows what the agent has.
+    void SetAgent(ITesselHandler* agent) { _agent = agent; }
+
     /// Asks the agent's application for other environments, in the agent's numbering: 0 staging, 1 production, 2
-    /// acceptance. True when it was asked, or when nothing would change. Throws std::out_of_range for another number.
-    bool SetServerEnv(ITesselHandler& agent, int iotCloud, int uiMeta);
+    /// acceptance. True when it was asked, or when nothing would change. Throws CException for another number.
+    bool SetServerEnv(int iotCloud, int uiMeta);
     /// Tells the agent's application what the setting says.
     void change_server_env();
 
     /// Launches the agent's application with "IOTCLOUD@UIMETA", the names of two environments.
     bool send_to_server_env_to_hl_client(const std::string& parameter);
+
+private:
+    std::atomic<ITesselHandler*> _agent{nullptr};
 };
 
 }  // namespace VMFramework::HomeLoom

@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include <homeloom_client.h>
 #include <homeloom_core.h>
 
 #include "Common/HLLog.h"
@@ -61,6 +62,11 @@ private:
     Record* _list = nullptr;
     int _count = 0;
 };
+
+/// The lists that the agent's callbacks hand over. Released by whoever drops them last: a job that is dropped, cleared
+/// or throws frees them too.
+using ClientDeviceList = OwnedRecords<homeloom_client_device_h, homeloom_client_device_destroy>;
+using ClientDeviceDetailList = OwnedRecords<homeloom_client_device_detail_h, homeloom_client_device_detail_destroy>;
 
 /// The kinds of reply that blocking calls wait for. `ret` is the agent's code.
 template <typename RecordType, int (*Destroy)(RecordType)>
