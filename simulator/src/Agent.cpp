@@ -93,6 +93,12 @@ void Agent::announceConnection(int state) {
     }
 }
 
+bool Agent::isConnected() const {
+    const Locked world;
+    return std::any_of(world->clients.begin(), world->clients.end(),
+                       [](const auto& client) { return client.second.state == Client::State::Connected; });
+}
+
 void Agent::setState(int state) {
     Locked()->state = state;
 }

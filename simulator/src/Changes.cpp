@@ -94,6 +94,24 @@ std::string valueOfType(const std::string& type, const std::string& text) {
     return canonical(text);
 }
 
+bool isOfType(const std::string& value, const std::string& type) {
+    return !valueOfType(type, value).empty();
+}
+
+std::string rangeOf(const std::string& type) {
+    if (type == "Boolean") {
+        return "true or false";
+    }
+    if (type == "Integer") {
+        const std::string limit = std::to_string(static_cast<long long>(largest));
+        return "a whole number from -" + limit + " to " + limit;
+    }
+    if (type == "Double" || type == "Float") {
+        return "a number";
+    }
+    return type == "Object" ? "a JSON object" : "any value";
+}
+
 bool capabilityOf(const std::string& uri, std::string& component, std::string& capability) {
     if (uri.compare(0, capabilityPrefix.size(), capabilityPrefix) != 0) {
         return false;

@@ -25,6 +25,7 @@ public:
     std::string place() const { return _place.empty() ? "document" : _place; }
     bool isMissing() const { return _value == nullptr; }
     bool isNull() const { return _value != nullptr && _value->is_null(); }
+    bool isText() const { return _value != nullptr && _value->is_string(); }
     bool isObject() const { return _value != nullptr && _value->is_object(); }
     /// Whether it's a whole number that an int can hold.
     bool isNumber() const;

@@ -23,6 +23,8 @@ const char* wanted(const Form& form) {
         case Kind::Id:
         case Kind::Word:
             return "a text";
+        case Kind::Scalar:
+            return "a text, a number, true or false";
         case Kind::Number:
             return "a whole number";
         case Kind::Flag:
@@ -45,6 +47,8 @@ bool isOfKind(const Node& node, const Form& form) {
         case Kind::Id:
         case Kind::Word:
             return node.value().is_string();
+        case Kind::Scalar:
+            return node.value().is_string() || node.value().is_number() || node.value().is_bool();
         case Kind::Number:
             return node.isNumber();
         case Kind::Flag:
@@ -170,6 +174,8 @@ json::object schemaOfKind(const Form& form) {
             return ofType("string");
         case Kind::Id:
             return {{"type", "string"}, {"minLength", 1}};
+        case Kind::Scalar:
+            return {{"type", {"string", "number", "boolean"}}};
         case Kind::Number:
             return {{"type", "integer"},
                     {"minimum", std::numeric_limits<int>::min()},

@@ -18,6 +18,7 @@ struct Form {
     enum class Kind {
         Any,
         Text,
+        Scalar,  // a text, a number, true or false
         Id,      // a text that isn't empty
         Number,  // a whole one, of 32 bits
         Flag,

@@ -93,6 +93,11 @@ json::object canvas(const Kind& kind) {
 Model generateModel(const Kind& kind, const std::string& vid) {
     Model model;
     model.vid = vid;
+    model.name = std::string("Made-up ") + kind.name;
+    model.types = {kind.type};
+    model.core.presentationId = vid;
+    model.core.manufacturerName = "Norvane";
+    model.core.icons = R"({"iconKey":")" + std::string(kind.name) + R"("})";
     model.uiMetadata = toText(uiMetadata(kind, vid));
     model.resources = {{kind.uri, {{kind.property, "String", quoted(kind.off)}}, false},
                        {kind.moreUri, {{"level", "Integer", "20"}}, false}};
@@ -121,21 +126,14 @@ Device generateDevice(const HomePlan& plan, const Home& home, int number) {
     const bool isServedByHub = number < plan.hubDevices;
     // Devices of the hub are lights: what they can do is a capability.
     const Kind& kind = isServedByHub ? kinds[1] : kinds[number % kindCount];
-    Device device;
+    Device device = newDevice(home.models.at(numbered(kind.name, number / kindCount % modelsOfKind)));
     device.id = numbered("device", number);
-    device.name = std::string("Made-up ") + kind.name;
     device.nick = std::string(kind.name) + " " + std::to_string(number);
-    device.vid = numbered(kind.name, number / kindCount % modelsOfKind);
-    device.types = {kind.type};
     const Location& location = home.locations[static_cast<std::size_t>(number % plan.locations)];
     device.location = location.id;
     if (!location.rooms.empty()) {
         device.room = location.rooms[static_cast<std::size_t>(number / plan.locations) % location.rooms.size()].id;
     }
-    device.resources = home.models.at(device.vid).resources;
-    device.core.presentationId = device.vid;
-    device.core.manufacturerName = "Norvane";
-    device.core.icons = R"({"iconKey":")" + std::string(kind.name) + R"("})";
     return device;
 }
 

@@ -4,6 +4,16 @@
 
 namespace simulator {
 
+Device newDevice(const Model& model) {
+    Device device;
+    device.name = model.name;
+    device.vid = model.vid;
+    device.types = model.types;
+    device.resources = model.resources;
+    device.core = model.core;
+    return device;
+}
+
 namespace {
 
 template <class Items>

@@ -187,7 +187,78 @@ Form makeHome() {
          may("blocked_devices", list("The ids of devices that nobody wants to be notified of", text()))});
 }
 
+/// What the plug-in reads as a text: also a number, true or false.
+Form scalar() {
+    return plain(Kind::Scalar, "");
+}
+
+Form oneOf(std::vector<std::string> words) {
+    Form form = plain(Kind::Word, "");
+    form.words = std::move(words);
+    return form;
+}
+
+Form metadataIcon() {
+    return object("", {must("mid", scalar())});
+}
+
+Form metadataLink() {
+    return object("", {must("href", scalar()), may("if", scalar()), may("rt", scalar())});
+}
+
+Form metadataAlternatives() {
+    return list("", object("", {must("key", scalar()), may("value", scalar()), may("type", scalar())}));
+}
+
+Form metadataRule() {
+    return object("", {must("href", scalar()), must("property", scalar()),
+                       must("operator", oneOf({"=", "!=", ">=", "startWith", "endWith", "contain", "notContain"})),
+                       must("operand", scalar()), may("type", scalar())});
+}
+
+Form metadataState() {
+    const Form argument = object("", {must("n", scalar()), must("href", scalar()), must("property", scalar()),
+                                      may("alternatives", metadataAlternatives())});
+    return object("", {may("name", scalar()), may("order", number()), may("emphasis", flag()), may("group", scalar()),
+                       may("type", scalar()), may("iconUrl", metadataIcon()),
+                       may("label", object("", {must("label", scalar()), may("arguments", list("", argument))})),
+                       may("visible", metadataRule())});
+}
+
+Form metadataAction() {
+    return object("", {may("order", number()), may("controlType", scalar()), must("link", metadataLink()),
+                       must("property", scalar()), may("alternatives", metadataAlternatives()), may("group", scalar()),
+                       may("iconUrl", metadataIcon()), may("visible", metadataRule())});
+}
+
+Form metadataResource() {
+    return object(
+        "", {may("controllable", flag()), may("order", number()), must("link", metadataLink()),
+             must("property", scalar()), may("controlType", scalar()), may("alternatives", metadataAlternatives()),
+             may("range", list("", number())), may("label", object("", {must("label", scalar())})),
+             may("emphasis", flag()), may("ruleEvent", flag()), may("ruleAction", flag())});
+}
+
+Form makeUiMetadata() {
+    const Form codes = list("", object("", {must("po", scalar()), must("label", scalar())}));
+    return object(
+        "",
+        {must("message", oneOf({"SUCCESS"})),
+         must("data", object("", {may("version", scalar()), may("vid", scalar()), may("iconUrl", metadataIcon()),
+                                  may("ms", list("", metadataState())), may("ma", list("", metadataAction())),
+                                  may("dpResources", list("", metadataResource())),
+                                  may("dpInfo", list("", object("", {may("os", scalar()), may("dpUri", scalar()),
+                                                                     may("serverDpUri", scalar())}))),
+                                  may("language",
+                                      list("", object("", {must("locale", scalar()), must("poCodes", codes)})))}))});
+}
+
 }  // namespace
+
+const Form& uiMetadataForm() {
+    static const Form form = makeUiMetadata();
+    return form;
+}
 
 const Form& modelForm() {
     static const Form form = makeModel();

@@ -9,6 +9,10 @@ namespace simulator {
 const Form& homeForm();
 const Form& modelForm();
 
+/// What of a UI metadata document the plug-in reads. It takes documents of other forms too, and skips what it can't
+/// read.
+const Form& uiMetadataForm();
+
 }  // namespace simulator
 
 #endif

@@ -1,5 +1,8 @@
 #include "simulator/HomeLoader.h"
 
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <fstream>
 #include <set>
 #include <sstream>
@@ -7,17 +10,22 @@
 #include "DocumentReader.h"
 #include "HomeForms.h"
 #include "HomeNames.h"
-#include "World.h"
+#include "ModelReader.h"
 
 namespace simulator {
 
 namespace {
 
 std::string readFile(const std::string& file) {
-    std::ifstream stream(file, std::ios::binary);
+    errno = 0;
+    const std::ifstream stream(file, std::ios::binary);
     std::ostringstream text;
-    if (!stream || !(text << stream.rdbuf())) {
-        throw HomeError(file, "file", "can't be read, or is empty");
+    text << stream.rdbuf();  // a folder opens, and fails here
+    if (!stream.is_open() || errno != 0) {
+        throw HomeError(file, "file", std::string("can't be read: ") + std::strerror(errno));
+    }
+    if (text.str().empty()) {
+        throw HomeError(file, "file", "is empty");
     }
     return text.str();
 }
@@ -27,174 +35,32 @@ std::string beside(const std::string& file, const std::string& name) {
     return slash == std::string::npos || name.compare(0, 1, "/") == 0 ? name : file.substr(0, slash + 1) + name;
 }
 
-// ---- Resources ----
-
-/// "value", or {"type": "Object", "value": {...}} where the type can't be seen from the value.
-Property readProperty(const std::string& name, const Node& node) {
-    if (!node.isObject()) {
-        return {name, typeOf(node.value()), node.document()};
-    }
-    const std::string type = node["type"].text();
-    const std::string value = valueOfType(type, node["value"].document());
-    if (value.empty()) {
-        node["value"].fail("expected a value of type " + type);
-    }
-    return {name, type, value};
-}
-
-/// Sets the resource's properties, adding those that it has not.
-void readResource(const std::string& uri, const Node& node, std::vector<Resource>& resources, bool osv) {
-    Resource* resource = nullptr;
-    for (Resource& present : resources) {
-        resource = present.uri == uri ? &present : resource;
-    }
-    if (resource == nullptr) {
-        resource = &resources.emplace_back();
-        resource->uri = uri;
-        resource->osv = osv;
-    }
-    for (const auto& [name, member] : node.members()) {
-        Property* present = nullptr;
-        for (Property& property : resource->properties) {
-            present = property.name == name ? &property : present;
-        }
-        if (present == nullptr) {
-            resource->properties.push_back(readProperty(name, member));
-            continue;
-        }
-        present->value = valueOfType(present->type, member.document());
-        if (present->value.empty()) {
-            member.fail("expected a value of type " + present->type);
-        }
-    }
-}
-
-void readResources(const Node& owner, std::vector<Resource>& resources) {
-    for (const char* member : {"resources", "osv_resources"}) {
-        for (const auto& [uri, resource] : owner[member].members()) {
-            readResource(uri, resource, resources, std::string(member) == "osv_resources");
-        }
-    }
-}
-
-/// {"/uri": {"property": value}} as changes; null is any value.
-std::vector<Change> readChanges(const Node& node, const std::vector<Resource>& resources) {
-    std::vector<Change> changes;
-    for (const auto& [uri, properties] : node.members()) {
-        const Resource* resource = nullptr;
-        for (const Resource& present : resources) {
-            resource = present.uri == uri ? &present : resource;
-        }
-        if (resource == nullptr) {
-            properties.fail("no such resource");
-        }
-        for (const auto& [name, value] : properties.members()) {
-            changes.push_back({uri, name, value.isNull() ? "" : value.document()});
-        }
-    }
-    return changes;
-}
-
-void checkTargets(const Node& node, const std::vector<Resource>& resources) {
-    for (const auto& [uri, properties] : node.members()) {
-        for (const Resource& resource : resources) {
-            for (const auto& [name, value] : properties.members()) {
-                if (resource.uri == uri && resource.find(name) == nullptr) {
-                    value.fail("no such property of the resource");
-                }
-            }
-        }
-    }
-}
-
-// ---- Models ----
-
-Reaction readReaction(const Node& node, const std::vector<Resource>& resources) {
-    const std::vector<Change> causes = readChanges(node["when"], resources);
-    if (causes.size() != 1) {
-        node["when"].fail("expected one property of one resource");
-    }
-    Reaction reaction;
-    reaction.uri = causes.front().uri;
-    reaction.property = causes.front().property;
-    reaction.value = causes.front().value;
-    reaction.changes = readChanges(node["set"], resources);
-    checkTargets(node["set"], resources);
-    reaction.afterMilliseconds = node["after_ms"].number(0);
-    reaction.status = node["status"].isMissing() ? -1 : node["status"].oneOf(kStatusNames);
-    return reaction;
-}
-
-Command readCommand(const Node& node, const std::vector<Resource>& resources) {
-    Command command;
-    command.component = node["component"].text("main");
-    command.capability = node["capability"].text();
-    command.command = node["command"].text();
-    command.changes = readChanges(node["set"], resources);
-    checkTargets(node["set"], resources);
-    return command;
-}
-
-void readCore(const Node& node, CoreRecord& core) {
-    core.type = node["type"].text(core.type);
-    core.presentationId = node["presentation"].text(core.presentationId);
-    core.manufacturerName = node["manufacturer"].text(core.manufacturerName);
-    core.details = node["details"].document(core.details);
-    core.icons = node["icons"].document(core.icons);
-    core.possibleIcons = node["possible_icons"].document(core.possibleIcons);
-    core.badgeIcons = node["badge_icons"].document(core.badgeIcons);
-}
-
-/// A model, and what its devices have before their own entries are read.
-struct ModelEntry {
-    Model model;
-    Device pattern;
-    std::string canvas;
-};
-
-/// Throws a HomeError that tells all mistakes.
-void check(const Node& node, const Form& form) {
-    std::vector<HomeMistake> mistakes = mistakesIn(node, form);
+/// Throws a HomeError that tells all mistakes, if there are any.
+void refuse(Mistakes mistakes) {
     if (!mistakes.empty()) {
         throw HomeError(std::move(mistakes));
     }
 }
 
-ModelEntry readModel(const Node& node) {
-    ModelEntry entry;
-    entry.model.vid = node["vid"].text();
-    entry.model.uiMetadata = node["ui_metadata"].document("");
-    entry.canvas = node["canvas"].document("");
-    readResources(node, entry.model.resources);
-    for (const Node& reaction : node["reactions"].elements()) {
-        entry.model.reactions.push_back(readReaction(reaction, entry.model.resources));
-    }
-    for (const Node& command : node["commands"].elements()) {
-        entry.model.commands.push_back(readCommand(command, entry.model.resources));
-    }
-    Device& pattern = entry.pattern;
-    pattern.vid = entry.model.vid;
-    pattern.name = node["name"].text("");
-    pattern.types = node["types"].texts();
-    pattern.resources = entry.model.resources;
-    pattern.core.presentationId = pattern.vid;
-    readCore(node["core"], pattern.core);
-    return entry;
+void join(Mistakes& mistakes, const Mistakes& others) {
+    mistakes.insert(mistakes.end(), others.begin(), others.end());
 }
-
-// ---- The home ----
 
 /// Reads a home document part by part; later parts check the ids that they name against the earlier ones.
 class HomeReader {
 public:
-    explicit HomeReader(const Node& document) : _document(document) {}
+    HomeReader(const Node& document, Mistakes& warnings) : _document(document), _warnings(warnings) {}
 
+    /// Throws a HomeError with all mistakes of the document's form, or else with all others.
     Home read() {
-        check(_document, homeForm());
+        refuse(mistakesIn(_document, homeForm()));
         _home.now = _document["now"].text(_home.now);
         readAccount(_document["account"]);
         for (const Node& location : _document["locations"].elements()) {
             readLocation(location);
+        }
+        if (_home.locations.empty()) {
+            note(_warnings, _document["locations"], "without a location a home is taken for one that can't be read");
         }
         for (const Node& model : _document["models"].elements()) {
             readModelEntry(model);
@@ -208,6 +74,7 @@ public:
         readHub(_document["hub"]);
         readMembers();
         readServices();
+        refuse(std::move(_mistakes));
         return std::move(_home);
     }
 
@@ -216,25 +83,19 @@ private:
     std::string newId(const Node& node, const char* kind) {
         const std::string id = node["id"].text();
         if (!_ids.insert(std::string(kind) + "/" + id).second) {
-            node["id"].fail(std::string("another ") + kind + " has the id \"" + id + "\"");
+            note(_mistakes, node["id"], std::string("another ") + kind + " has the id \"" + id + "\"");
         }
         return id;
     }
 
-    std::string knownLocation(const Node& node) {
+    bool isKnown(const char* kind, const std::string& id) const { return _ids.count(std::string(kind) + "/" + id) > 0; }
+
+    std::string knownId(const Node& node, const char* kind) {
         const std::string id = node.text();
-        if (_home.location(id) == nullptr) {
-            node.fail("no location has the id \"" + id + "\"");
+        if (!isKnown(kind, id)) {
+            note(_mistakes, node, std::string("no ") + kind + " has the id \"" + id + "\"");
         }
         return id;
-    }
-
-    const Device& knownDevice(const Node& node) {
-        const std::string id = node.text();
-        if (_ids.count("device/" + id) == 0) {
-            node.fail("no device has the id \"" + id + "\"");
-        }
-        return *_home.device(id);
     }
 
     void readAccount(const Node& node) {
@@ -260,51 +121,65 @@ private:
         _home.locations.push_back(std::move(location));
     }
 
-    void addModel(ModelEntry entry, const Node& place) {
-        const std::string vid = entry.model.vid;
-        if (!_ids.insert("model/" + vid).second) {
-            place.fail("another model has the vid \"" + vid + "\"");
+    void addModel(const Node& node) {
+        join(_warnings, skippedMetadata(node));
+        ModelDocument read = readModel(node, _mistakes);
+        const std::string vid = read.model.vid;
+        if (!_home.models.emplace(vid, read.model).second) {
+            note(_mistakes, node["vid"], "another model has the vid \"" + vid + "\"");
         }
-        if (!entry.canvas.empty()) {
-            _home.presentations[entry.pattern.core.presentationId] = entry.canvas;
+        if (!read.canvas.empty()) {
+            _home.presentations[read.model.core.presentationId] = std::move(read.canvas);
         }
-        _home.models[vid] = std::move(entry.model);
-        _patterns[vid] = std::move(entry.pattern);
     }
 
     void readModelEntry(const Node& node) {
         if (node.isObject()) {
-            addModel(readModel(node), node["vid"]);
+            addModel(node);
             return;
         }
-        const std::string file = beside(node.file(), node.text());
-        const Document document(readFile(file), file);
-        check(document.root(), modelForm());
-        addModel(readModel(document.root()), document.root()["vid"]);
+        try {
+            const std::string file = beside(node.file(), node.text());
+            const Document document(readFile(file), file);
+            refuse(mistakesIn(document.root(), modelForm()));
+            addModel(document.root());
+        } catch (const HomeError& error) {
+            join(_mistakes, error.mistakes());
+            _lacksModels = true;
+        }
     }
 
     void readDevice(const Node& node) {
+        Device device;
         const std::string vid = node["vid"].text();
-        const auto pattern = _patterns.find(vid);
-        if (pattern == _patterns.end()) {
-            node["vid"].fail("no model has the vid \"" + vid + "\"");
+        const Model* const model = _home.model(vid);
+        if (model != nullptr) {
+            device = newDevice(*model);
+        } else {
+            // Nothing that it has can be judged without its model.
+            _unclear.insert(node["id"].text());
+            if (!_lacksModels) {
+                note(_mistakes, node["vid"], "no model has the vid \"" + vid + "\"");
+            }
         }
-        Device device = pattern->second;
         device.id = newId(node, "device");
         device.name = node["name"].text(device.name);
         device.nick = node["nick"].text("");
         device.prefix = node["prefix"].text("");
+        if (device.nick.empty() && device.prefix.empty()) {
+            note(_warnings, node["nick"], "a device is shown by its nick, or else its prefix, and never by its name");
+        }
         device.status = node["status"].isMissing() ? Connected : node["status"].oneOf(kStatusNames);
         if (!node["types"].isMissing()) {
             device.types = node["types"].texts();
         }
-        if (device.types.empty()) {
-            node["types"].fail("expected the device's types, here or in its model");
+        if (device.types.empty() && model != nullptr) {
+            note(_mistakes, node["types"], "expected the device's types, here or in its model");
         }
-        device.location = knownLocation(node["location"]);
+        device.location = knownId(node["location"], "location");
         device.room = node["room"].text("");
         checkRoom(device, node["room"]);
-        readResources(node, device.resources);
+        readResources(node, device.resources, _mistakes);
         readCore(node["core"], device.core);
         device.energyThisMonth = node["energy_this_month"].number(-1);
         device.stream = node["stream"].text("");
@@ -312,20 +187,24 @@ private:
         _home.devices.push_back(std::move(device));
     }
 
-    void checkRoom(const Device& device, const Node& node) const {
-        bool isThere = device.room.empty();
-        for (const Room& room : _home.location(device.location)->rooms) {
-            isThere = isThere || room.id == device.room;
+    void checkRoom(const Device& device, const Node& node) {
+        const Location* const location = _home.location(device.location);
+        if (device.room.empty() || location == nullptr) {
+            return;
         }
-        if (!isThere) {
-            node.fail("location \"" + device.location + "\" has no room with the id \"" + device.room + "\"");
+        if (std::none_of(location->rooms.begin(), location->rooms.end(),
+                         [&device](const Room& room) { return room.id == device.room; })) {
+            note(_mistakes, node,
+                 "location \"" + device.location + "\" has no room with the id \"" + device.room + "\"");
         }
     }
 
     void readHub(const Node& node) {
-        _home.hub.deviceId = node["device"].isMissing() ? "" : knownDevice(node["device"]).id;
+        if (!node["device"].isMissing()) {
+            _home.hub.deviceId = knownId(node["device"], "device");
+        }
         for (const Node& served : node["serves"].elements()) {
-            _home.hub.serves.push_back(knownDevice(served).id);
+            _home.hub.serves.push_back(knownId(served, "device"));
         }
     }
 
@@ -334,11 +213,11 @@ private:
             readScene(scene);
         }
         for (const Node& routine : _document["routines"].elements()) {
-            _home.routines.push_back({newId(routine, "routine"), knownLocation(routine["location"]),
+            _home.routines.push_back({newId(routine, "routine"), knownId(routine["location"], "location"),
                                       routine["enabled"].flag(true), routine["document"].document()});
         }
         for (const Node& favorite : _document["favorites"].elements()) {
-            _home.favorites.push_back({newId(favorite, "favorite"), knownLocation(favorite["location"]),
+            _home.favorites.push_back({newId(favorite, "favorite"), knownId(favorite["location"], "location"),
                                        favorite["member"].text(), favorite["member_type"].text("DEVICE"),
                                        favorite["created"].text(_home.now), favorite["updated"].text(_home.now),
                                        favorite["order"].number(0)});
@@ -346,20 +225,22 @@ private:
         for (const Node& app : _document["installed_apps"].elements()) {
             _home.installedApps.push_back(
                 {newId(app, "installed app"), app["name"].text(), app["status"].text("AUTHORIZED"), app["app"].text(),
-                 knownLocation(app["location"]), app["ui"].document(""), app["dashboard"].document("")});
+                 knownId(app["location"], "location"), app["ui"].document(""), app["dashboard"].document("")});
         }
     }
 
     void readScene(const Node& node) {
         Scene scene;
         scene.id = newId(node, "scene");
-        scene.location = knownLocation(node["location"]);
+        scene.location = knownId(node["location"], "location");
         scene.document = node["document"].document();
         for (const Node& action : node["actions"].elements()) {
-            const Device& device = knownDevice(action["device"]);
-            checkTargets(action["set"], device.resources);
-            for (const Change& change : readChanges(action["set"], device.resources)) {
-                scene.actions.push_back({device.id, change});
+            const Device* const device = _home.device(knownId(action["device"], "device"));
+            if (device == nullptr || _unclear.count(device->id) > 0) {
+                continue;
+            }
+            for (const Change& change : readChanges(action["set"], device->resources, _mistakes)) {
+                scene.actions.push_back({device->id, change});
             }
         }
         _home.scenes.push_back(std::move(scene));
@@ -377,17 +258,20 @@ private:
                                      profile["app"].text(""), profile["locale"].text("")};
         _home.thirdPartyNotification = _document["third_party_notification"].flag(true);
         for (const Node& blocked : _document["blocked_devices"].elements()) {
-            _home.blockedDevices.push_back(knownDevice(blocked).id);
+            _home.blockedDevices.push_back(knownId(blocked, "device"));
         }
     }
 
     const Node& _document;
+    Mistakes& _warnings;
+    Mistakes _mistakes;
     Home _home;
-    std::map<std::string, Device> _patterns;  // by vid
-    std::set<std::string> _ids;               // "kind/id"
+    std::set<std::string> _ids;      // "kind/id"
+    std::set<std::string> _unclear;  // devices whose model isn't known
+    bool _lacksModels = false;       // a model file was refused, and with it a vid that isn't known
 };
 
-std::string textOf(const std::vector<HomeMistake>& mistakes) {
+std::string textOf(const Mistakes& mistakes) {
     std::string text;
     for (const HomeMistake& mistake : mistakes) {
         text += (text.empty() ? "" : "\n") + mistake.file + ": " + mistake.place + ": " + mistake.reason;
@@ -419,19 +303,27 @@ HomeError::HomeError(std::vector<HomeMistake> mistakes)
 HomeError::HomeError(const std::string& file, const std::string& place, const std::string& reason)
     : HomeError(std::vector<HomeMistake>{{file, place, reason}}) {}
 
-Home loadHome(const std::string& file) {
-    return parseHome(readFile(file), file);
+Home loadHome(const std::string& file, std::vector<HomeMistake>* warnings) {
+    return parseHome(readFile(file), file, warnings);
 }
 
-Home parseHome(std::string_view text, const std::string& name) {
+Home parseHome(std::string_view text, const std::string& name, std::vector<HomeMistake>* warnings) {
     const Document document(text, name);
-    return HomeReader(document.root()).read();
+    Mistakes found;
+    Home home = HomeReader(document.root(), found).read();
+    if (warnings != nullptr) {
+        *warnings = std::move(found);
+    }
+    return home;
 }
 
 Model loadModel(const std::string& file) {
     const Document document(readFile(file), file);
-    check(document.root(), modelForm());
-    return readModel(document.root()).model;
+    refuse(mistakesIn(document.root(), modelForm()));
+    Mistakes mistakes;
+    Model model = readModel(document.root(), mistakes).model;
+    refuse(std::move(mistakes));
+    return model;
 }
 
 }  // namespace simulator

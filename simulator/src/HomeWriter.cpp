@@ -69,9 +69,14 @@ public:
             _object[name] = flag;
         }
     }
-    /// Throws for a text that is no JSON: the document has no other place for it.
+    /// Throws for a text that is no JSON: the document has no other place for it. An empty one, where otherwise there
+    /// would be some, is null.
     void document(const char* name, const std::string& text, const std::string& otherwise = "") {
         if (text == otherwise) {
+            return;
+        }
+        if (text.empty()) {
+            _object[name] = nullptr;
             return;
         }
         json::error_code error;
@@ -181,9 +186,28 @@ json::object commandJson(const Command& command) {
     return members.take();
 }
 
+/// What the record doesn't have of the pattern.
+json::object coreJson(const CoreRecord& core, const CoreRecord& pattern, const std::string& place) {
+    Members members(place);
+    members.text("type", core.type, pattern.type);
+    members.text("presentation", core.presentationId, pattern.presentationId);
+    members.text("manufacturer", core.manufacturerName, pattern.manufacturerName);
+    members.document("details", core.details, pattern.details);
+    members.document("icons", core.icons, pattern.icons);
+    members.document("possible_icons", core.possibleIcons, pattern.possibleIcons);
+    members.document("badge_icons", core.badgeIcons, pattern.badgeIcons);
+    return members.take();
+}
+
 json::object modelJson(const Model& model) {
-    Members members("model " + model.vid);
+    const std::string place = "model " + model.vid;
+    CoreRecord pattern;
+    pattern.presentationId = model.vid;
+    Members members(place);
     members.always("vid", model.vid);
+    members.text("name", model.name);
+    members.texts("types", model.types);
+    members.branch("core", coreJson(model.core, pattern, place));
     members.document("ui_metadata", model.uiMetadata);
     writeResources(members, model.resources, {});
     members.branch("reactions", arrayOf(model.reactions, reactionJson));
@@ -199,20 +223,7 @@ std::vector<std::string> knownDevices(const std::vector<std::string>& ids, const
     return known;
 }
 
-/// The model gives a device its resources; all else of a device stands with it.
-json::object coreJson(const Device& device) {
-    const CoreRecord& core = device.core;
-    Members members("device " + device.id);
-    members.text("type", core.type, CoreRecord().type);
-    members.text("presentation", core.presentationId, device.vid);
-    members.text("manufacturer", core.manufacturerName);
-    members.document("details", core.details);
-    members.document("icons", core.icons);
-    members.document("possible_icons", core.possibleIcons);
-    members.document("badge_icons", core.badgeIcons);
-    return members.take();
-}
-
+/// What a device has beyond its model, or otherwise.
 json::object deviceJson(const Device& device, const Home& home) {
     const Model* const model = home.model(device.vid);
     if (model == nullptr) {
@@ -227,16 +238,18 @@ json::object deviceJson(const Device& device, const Home& home) {
     Members members("device " + device.id);
     members.always("id", device.id);
     members.always("vid", device.vid);
-    members.text("name", device.name);
+    members.text("name", device.name, model->name);
     members.text("nick", device.nick);
     members.text("prefix", device.prefix);
-    members.texts("types", device.types);
+    if (device.types != model->types) {
+        members.texts("types", device.types);
+    }
     if (device.status != Connected) {
         members.text("status", statusName(device.status));
     }
     members.always("location", device.location);
     members.text("room", device.room);
-    members.branch("core", coreJson(device));
+    members.branch("core", coreJson(device.core, model->core, "device " + device.id));
     members.number("energy_this_month", device.energyThisMonth, -1);
     members.text("stream", device.stream);
     members.texts("images", device.images);

@@ -65,7 +65,7 @@ TEST(Settings, AreTypedAndMayFail) {
 
 TEST(Settings, KeepsWhatIsToBeKept) {
     const std::string path = testing::TempDir() + "settings-" + std::to_string(getpid()) + ".json";
-    EXPECT_TRUE(settings::keepIn(path));
+    settings::keepIn(path);
     settings::setString(kLanguage, "ko_KR");
     settings::setInt("db/agree", 1);
     settings::setInt("db/gone", 1);
@@ -74,12 +74,13 @@ TEST(Settings, KeepsWhatIsToBeKept) {
     EXPECT_EQ(readFile(path), "{\"db/agree\":1,\"db/menu_widget/language\":\"ko_KR\"}\n");
     settings::reset();
     EXPECT_THAT(settings::keys(), testing::IsEmpty());
-    EXPECT_TRUE(settings::keepIn(path));
+    settings::keepIn(path);
     EXPECT_THAT(settings::keys(), ElementsAre("db/agree", kLanguage));
     for (const char* bad : {"no JSON", "[]", "{\"db/a\":[]}", "{\"memory/a\":1}", "{\"db/a\":3000000000}"}) {
         std::ofstream(path) << bad;
-        EXPECT_FALSE(settings::keepIn(path)) << bad;
+        EXPECT_THROW(settings::keepIn(path), std::runtime_error) << bad;
     }
+    EXPECT_THROW(settings::keepIn("no/such/folder"), std::runtime_error);
     std::remove(path.c_str());
 }
 

@@ -4,6 +4,8 @@
 
 #include <fstream>
 
+#include "support/Places.h"
+
 using simulator::Home;
 using simulator::HomeError;
 
@@ -83,7 +85,79 @@ TEST(HomeLoader, TellsFilePlaceAndReasonOfAMistake) {
             EXPECT_THAT(error.what(), ::testing::HasSubstr(message));
         }
     }
-    EXPECT_THROW(simulator::loadHome("no/such/home.json"), HomeError);
+    EXPECT_THROW(simulator::loadHome(::testing::TempDir()), HomeError) << "a folder";
+}
+
+TEST(HomeLoader, TellsAllMistakesAtOnceAndNoneThatFollowsFromAnother) {
+    const char* const text = R"({
+        "account": {"login_id": "a@home.example", "user_id": "u", "access_token": "t"},
+        "locations": [{"id": "l", "name": "L"}],
+        "models": [{"vid": "m", "types": ["oic.d.light"], "resources": {"/x": {"on": true}},
+            "reactions": [{"when": {"/y": {"on": true}}, "set": {"/z": {"on": true}, "/x": {"off": true}}}]}%],
+        "devices": [{"id": "d", "vid": "m", "location": "k", "room": "r", "resources": {"/x": {"on": 5}}},
+                    {"id": "e", "vid": "n", "location": "l"}],
+        "hub": {"device": "f"},
+        "scenes": [{"id": "s", "location": "l", "document": {}, "actions": [
+            {"device": "g", "set": {"/x": {"on": false}}}, {"device": "e", "set": {"/w": {"on": 1}}}]}]})";
+    const std::string others =
+        "h: models[0].reactions[0].when[\"/y\"]: no such resource\n"
+        "h: models[0].reactions[0].set[\"/x\"].off: no such property of the resource\n"
+        "h: models[0].reactions[0].set[\"/z\"]: no such resource\n";
+    const std::string behind =
+        "h: hub.device: no device has the id \"f\"\n"
+        "h: scenes[0].actions[0].device: no device has the id \"g\"";
+    const std::string device =
+        "h: devices[0].location: no location has the id \"k\"\n"
+        "h: devices[0].resources[\"/x\"].on: expected a value of type Boolean\n";
+    const struct {
+        const char* model;  // besides the one
+        std::string told;
+    } cases[] = {
+        {"", others + device + "h: devices[1].vid: no model has the vid \"n\"\n" + behind},
+        // Whether a model file that can't be read brings the vid isn't known.
+        {", \"gone.json\"", others + "gone.json: file: can't be read: No such file or directory\n" + device + behind},
+    };
+    for (const auto& [model, told] : cases) {
+        std::string document = text;
+        document.replace(document.find('%'), 1, model);
+        try {
+            simulator::parseHome(document, "h");
+            ADD_FAILURE() << "accepted";
+        } catch (const HomeError& error) {
+            EXPECT_EQ(error.what(), told);
+        }
+    }
+}
+
+TEST(HomeLoader, WarnsOfWhatWouldBeSkippedWithoutAWord) {
+    const struct {
+        std::string text;
+        const char* warning;  // null: none
+    } cases[] = {
+        {with("\"id\": \"d\"", "\"id\": \"d\", \"prefix\": \"D\""), nullptr},
+        {good, "h: devices[0].nick: a device is shown by its nick, or else its prefix, and never by its name"},
+        {with("\"vid\": \"m\",",
+              R"("vid": "m", "ui_metadata": {"message": "SUCCESS", "data": {"ms": [{"lable": {}}]}},)"),
+         "h: models[0].ui_metadata.data.ms[0].lable: unknown member; expected one of name, order"},
+        {with("\"vid\": \"m\",", R"("vid": "m", "ui_metadata": {"data": {}},)"),
+         "h: models[0].ui_metadata.message: expected a text, found nothing; the plug-in may skip it"},
+        {with("\"vid\": \"m\",", R"("vid": "m", "ui_metadata": {"message": "SUCCESS", "data": {"ma": [{"link": {
+             "href": "/x"}, "property": 5, "visible": {"href": "/x", "property": "p", "operand": 1, "operator": "=="}}]}},)"),
+         "h: models[0].ui_metadata.data.ma[0].visible.operator: expected one of =, !=, >=, startWith"},
+        {with("\"vid\": \"m\",", R"("vid": "m", "ui_metadata": {"message": "RESOURCE_NOT_FOUND_PATH"},)"),
+         "h: devices[0].nick: "},
+    };
+    for (const auto& [text, warning] : cases) {
+        std::vector<simulator::HomeMistake> warnings;
+        simulator::parseHome(text, "h", &warnings);
+        ASSERT_EQ(warnings.empty(), warning == nullptr) << text;
+        if (warning != nullptr) {
+            EXPECT_THAT(HomeError(warnings).what(), ::testing::StartsWith(warning));
+        }
+    }
+    std::vector<simulator::HomeMistake> warnings;
+    simulator::loadHome(homeloom::test::apartmentFile(), &warnings);
+    EXPECT_TRUE(warnings.empty()) << HomeError(warnings).what();
 }
 
 TEST(HomeLoader, NamesTheModelFileThatHoldsTheMistake) {

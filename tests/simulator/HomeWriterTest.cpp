@@ -24,8 +24,8 @@ SAME(Resource, uri, properties, osv)
 SAME(Change, uri, property, value)
 SAME(Reaction, uri, property, value, changes, after, status)
 SAME(Command, component, capability, command, changes)
-SAME(Model, vid, uiMetadata, resources, reactions, commands)
 SAME(CoreRecord, type, presentation, manufacturer, details, icons, possibleIcons, badgeIcons)
+SAME(Model, vid, name, types, core, uiMetadata, resources, reactions, commands)
 SAME(Device, id, name, nick, prefix, vid, types, status, location, room, resources, core, energy, stream, images)
 SAME(Room, id, name)
 SAME(Location, id, name, permission, ownerId, ownerName, rooms, migrated, migratedDate, migratedModel)
@@ -90,6 +90,10 @@ TEST_F(HomeAsItIs, IsWrittenAfterAllThatHappenedInIt) {
     odd.energyThisMonth = 0;
     odd.resources.push_back({"/odd", {{"whole", "Double", "5"}, {"shape", "Object", "{}"}}, true});
     agent.addDevice(odd);
+    simulator::Device bare = simulator::newDevice(agent.home().models.at("HL-OVEN-OV7"));
+    bare.id = "bare";
+    bare.location = "home";
+    agent.addDevice(bare);
     EXPECT_EQ(lostBySaving(agent.home()), "");
 
     // A scene loses the action of a device that has gone: nothing could come of it, and the document would be refused.

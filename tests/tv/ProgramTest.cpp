@@ -16,6 +16,8 @@
 
 using namespace homeloom::tv;
 using ::testing::_;
+using ::testing::AllOf;
+using ::testing::ContainsRegex;
 using ::testing::HasSubstr;
 using ::testing::Not;
 using VMFramework::json::JsonValue;
@@ -110,11 +112,10 @@ TEST(Program, ShowsTheHomeAndTakesCommandsFromAPipe) {
     EXPECT_THAT(result.output, HasSubstr("Home  (yours, OWNER)\n"));
     EXPECT_THAT(result.output, HasSubstr("Parents' House  (Jun's, MEMBER)\n"));
     EXPECT_THAT(result.output, HasSubstr("  Laundry Room\n"));
-    EXPECT_THAT(result.output, ::testing::ContainsRegex("    Washer +Ready +off +PlayPauseButton +washer.svg\n"));
-    EXPECT_THAT(result.output,
-                ::testing::ContainsRegex("    Air Conditioner +Cooling · 24°C +on, running +ToggleSwitch"));
-    EXPECT_THAT(saidBy(result, "device washer"), ::testing::ContainsRegex("state_text +Ready\n"));
-    EXPECT_THAT(saidBy(result, "scenes"), ::testing::ContainsRegex("good-night +Good Night +Home\n"));
+    EXPECT_THAT(result.output, ContainsRegex("    Washer +Ready +off +PlayPauseButton +washer.svg\n"));
+    EXPECT_THAT(result.output, ContainsRegex("    Air Conditioner +Cooling · 24°C +on, running +ToggleSwitch"));
+    EXPECT_THAT(saidBy(result, "device washer"), ContainsRegex("state_text +Ready\n"));
+    EXPECT_THAT(saidBy(result, "scenes"), ContainsRegex("good-night +Good Night +Home\n"));
     EXPECT_THAT(result.output, Not(HasSubstr("> rooms"))) << "nothing runs after quit";
     EXPECT_THAT(result.output, Not(HasSubstr("\033"))) << "no colours in a pipe";
 }
@@ -185,8 +186,13 @@ TEST(Program, PlaysTheOtherSide) {
         {"sim update start", _},
         {"request hl_create_room location_id=home room_name=Attic", HasSubstr("failed: no answer came")},
         {"sim update end", HasSubstr("home     34 devices")},
+        {"sim  update end", "The plug-in was connected already."},
         {"sim remove device washer-2", _},
-        {"scan", HasSubstr("home     33 devices")},
+        {"scan", AllOf(HasSubstr("home     33 devices"), HasSubstr("What has changed:\n  devices/washer-2  {"))},
+        {"sim remove device oven", _},
+        {"models", ContainsRegex("HL-OVEN-OV7 +Norvane Oven +oic.d.oven +0 devices\n")},
+        {"sim add device oven-2 HL-OVEN-OV7 kitchen", HasSubstr("home     33 devices")},
+        {"device oven-2", AllOf(ContainsRegex("icon_url +oven.svg"), ContainsRegex("type +oic.d.oven"))},
         {"setting memory/velmora/hl_dev_exist", HasSubstr("hl_dev_exist_true")},
         {"sim sign-in jun@home.example", HasSubstr("account  signed out\naccount  signed in")},
     });
@@ -234,6 +240,8 @@ TEST(Program, TellsWhyACommandFails) {
         {"sim agent broken",
          HasSubstr("failed: usage: sim agent connected|disconnected|rejected|io-error|updating|NUMBER")},
         {"sim set washer colour=red", HasSubstr("failed: washer has no property \"colour\"; it has:")},
+        {"sim set washer remainingMinutes=soon",
+         HasSubstr("takes no \"soon\" for x.com.norvane.da.remainingMinutes; it is of type Integer: a whole number")},
         {"sim fail homeloom_client_conect -1", HasSubstr("near: homeloom_client_connect")},
         {"request hl_get_property device_id=washer", HasSubstr("failed: there is no request hl_get_property")},
         {"request hl_execute_scene location_id=home scene_id=none", HasSubstr("failed: the plug-in could not do it")},
@@ -261,9 +269,11 @@ TEST(Program, RefusesWhatItCannotBeginWith) {
     const std::pair<std::vector<std::string>, std::string> cases[] = {
         {{"--home", noJson}, "homeloom-tv: " + noJson + ": line 2, column "},
         {{"--home", wrongType}, "homeloom-tv: " + wrongType + ": account: expected an object, found a number\n"},
-        {{"--home", "/nowhere.json"}, "homeloom-tv: /nowhere.json: "},
+        {{"--home", "/nowhere.json"}, "homeloom-tv: /nowhere.json: file: can't be read: No such file"},
+        {{"--home", folder.write("empty", "")}, "file: is empty\n"},
         {{"--script", "/nowhere"}, "homeloom-tv: there is no script /nowhere\n"},
-        {{"--settings", HOMELOOM_TV_PROGRAM}, "homeloom-tv: " HOMELOOM_TV_PROGRAM " holds no settings\n"},
+        {{"--settings", HOMELOOM_TV_PROGRAM}, "homeloom-tv: " HOMELOOM_TV_PROGRAM " holds no settings: "},
+        {{"--settings", "/nowhere/x"}, "/nowhere/x can't be written, so it can't keep the settings\n"},
         {{"--plugin", wrongType}, "homeloom-tv: the plug-in can't be loaded: "},
         {{"--generate", "0"}, "--generate"},
         {{"--settled"}, "--json"},
@@ -386,6 +396,24 @@ TEST(Program, ReplaysWhatItRecorded) {
 TEST(Program, BeginsWithAMadeUpHome) {
     const Steps steps{{"stats", HasSubstr("500 devices, 1 location")}};
     EXPECT_EQ(runSteps(steps, {"--generate", "500"}).status, 0);
+}
+
+TEST(Program, SaysThatAHomeIsEmpty) {
+    const Folder folder;
+    const std::string account = R"({"account": {"login_id": "a", "user_id": "u", "access_token": "t"})";
+    const std::string home = folder.write("home", account + R"(, "locations": [{"id": "l", "name": "L"}]})");
+    const Finished result =
+        runSteps({{"devices", "The home has no devices."},
+                  {"scenes", "The home has no scenes."},
+                  {"routines", "The home has no routines."},
+                  {"models", "The home has no models."},
+                  {"scan", "home     0 devices, 1 location, 0 scenes, 0 routines\nNothing has changed."},
+                  {"setting memory/velmora/hl_dev_exist", HasSubstr("hl_dev_exist_false")}},
+                 {"--home", home});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.output, HasSubstr("L  (yours)\nThe home has no devices.\nScenes\nThe home has no scenes.\n"));
+    EXPECT_THAT(run({"--home", folder.write("nowhere", account + "}"), "--exec", "stats"}).output,
+                HasSubstr("homeloom-tv: warning: " + home.substr(0, home.rfind('/'))));
 }
 
 }  // namespace

@@ -1,10 +1,7 @@
 #include "DeskSettings.h"
 
-#include <stdexcept>
-
 #include <VMFramework/JsonValue.h>
 #include <desktop/Settings.h>
-#include <fmt/format.h>
 #include <simulator/Home.h>
 
 namespace homeloom::tv {
@@ -18,8 +15,8 @@ void applyDeskSettings(const simulator::Account& account, const std::string& fil
     settings::setString("db/menu_widget/language", "en_US.utf8");
     settings::setString("db/comss/countrycode", "US");
     settings::setInt(kDisclaimerKey, 1);
-    if (!file.empty() && !settings::keepIn(file)) {
-        throw std::runtime_error(fmt::format("{} holds no settings", file));
+    if (!file.empty()) {
+        settings::keepIn(file);
     }
     if (disclaimer) {
         settings::setInt(kDisclaimerKey, *disclaimer ? 1 : 0);

@@ -118,10 +118,21 @@ void addCards(Table& table, const std::string& text) {
     }
 }
 
+/// A table, or in its place a word that there is nothing to show in it.
+void show(Output& out, const Table& table, const char* things) {
+    if (table.empty()) {
+        out.say(fmt::format("The home has no {}.", things));
+    }
+    out.say(table);
+}
+
 }  // namespace
 
 void showRooms(Output& out, const HomeView& home) {
     RoomsText(out, home).show();
+    if (home.devices().empty()) {
+        out.say("The home has no devices.");
+    }
 }
 
 void showDevices(Output& out, const HomeView& home) {
@@ -131,7 +142,7 @@ void showDevices(Output& out, const HomeView& home) {
         row.insert(row.begin(), {device.id, Tone::Plain});
         table.add(std::move(row));
     }
-    out.say(table);
+    show(out, table, "devices");
 }
 
 void showDevice(Output& out, const Device& device, bool whole) {
@@ -160,7 +171,7 @@ void showScenes(Output& out, const HomeView& home) {
     for (const auto& scene : home.scenes()) {
         table.add({scene.id, {scene.name, Tone::Strong}, locationName(home, scene.location)});
     }
-    out.say(table);
+    show(out, table, "scenes");
 }
 
 void showRoutines(Output& out, const HomeView& home) {
@@ -171,7 +182,7 @@ void showRoutines(Output& out, const HomeView& home) {
                    {routine.enabled ? "enabled" : "disabled", routine.enabled ? Tone::Good : Tone::Dim},
                    locationName(home, routine.location)});
     }
-    out.say(table);
+    show(out, table, "routines");
 }
 
 }  // namespace homeloom::tv

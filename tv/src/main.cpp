@@ -80,7 +80,12 @@ ChosenHome chooseHome(const Arguments& arguments, const std::string& document) {
         return {simulator::generateHome(arguments.generate), fmt::format("A home of {} devices", arguments.generate)};
     }
     const std::string file = arguments.home.empty() ? findApartment().string() : arguments.home;
-    return {simulator::loadHome(file), std::filesystem::path(file).filename().string()};
+    std::vector<simulator::HomeMistake> warnings;
+    ChosenHome chosen{simulator::loadHome(file, &warnings), std::filesystem::path(file).filename().string()};
+    for (const auto& warning : warnings) {
+        fmt::print(stderr, "homeloom-tv: warning: {}: {}: {}\n", warning.file, warning.place, warning.reason);
+    }
+    return chosen;
 }
 
 gboolean onInterrupt(gpointer inbox) {

@@ -47,6 +47,8 @@ public:
     /// Tells every client of a connection state by its number, which may be one that has no name. Nothing else changes.
     void announceConnection(int state);
     Connection connectOutcome() const;
+    /// Whether a client's connection stands.
+    bool isConnected() const;
     /// The agent's own state number. 1 at start; 2 means that it waits for its connection to the cloud.
     void setState(int state);
 

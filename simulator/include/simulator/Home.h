@@ -21,6 +21,11 @@ struct Property {
     std::string value;
 };
 
+/// Whether a property of that type takes the value, JSON text or plain.
+bool isOfType(const std::string& value, const std::string& type);
+/// What values of that type are, for people: "a whole number from ... to ...".
+std::string rangeOf(const std::string& type);
+
 /// A resource whose URI has the form "/capability/<capability>/<component>/0" (without a component it is "main") also
 /// is that capability's state: its properties are the capability's attributes. Changing one sends a device event.
 struct Resource {
@@ -56,15 +61,6 @@ struct Command {
     std::vector<Change> changes;
 };
 
-/// What all devices of one kind have in common.
-struct Model {
-    std::string vid;
-    std::string uiMetadata;           // document; empty: the cloud has none
-    std::vector<Resource> resources;  // as a new device has them
-    std::vector<Reaction> reactions;
-    std::vector<Command> commands;
-};
-
 /// The core family's view of a device.
 struct CoreRecord {
     std::string type = "OCF";
@@ -74,6 +70,18 @@ struct CoreRecord {
     std::string icons;          // document
     std::string possibleIcons;  // document
     std::string badgeIcons;     // document
+};
+
+/// What all devices of one kind have in common.
+struct Model {
+    std::string vid;
+    std::string name;                 // of devices that have none of their own
+    std::vector<std::string> types;   // likewise; may be empty
+    CoreRecord core;                  // as a new device has it
+    std::string uiMetadata;           // document; empty: the cloud has none
+    std::vector<Resource> resources;  // as a new device has them
+    std::vector<Reaction> reactions;
+    std::vector<Command> commands;
 };
 
 enum DeviceStatus { Connected = 0, Disconnected = 1, Inactive = 2, Hidden = 3 };
@@ -97,6 +105,9 @@ struct Device {
     const Resource* find(const std::string& uri) const;
     Resource* find(const std::string& uri);
 };
+
+/// A device as it comes from the factory: what its model says, and no more.
+Device newDevice(const Model& model);
 
 struct Room {
     std::string id;

@@ -29,10 +29,11 @@ private:
     std::vector<HomeMistake> _mistakes;
 };
 
-/// Reads a home document and the model files that it names. Throws HomeError.
-Home loadHome(const std::string& file);
+/// Reads a home document and the model files that it names. Throws HomeError. `warnings`, if not null, gets what loads
+/// but is hardly meant, as UI metadata that would be skipped.
+Home loadHome(const std::string& file, std::vector<HomeMistake>* warnings = nullptr);
 /// The same for a text; `name` stands for the file in messages, and files that it names are looked for beside `name`.
-Home parseHome(std::string_view text, const std::string& name = "home");
+Home parseHome(std::string_view text, const std::string& name = "home", std::vector<HomeMistake>* warnings = nullptr);
 /// Reads one model file (homes/models). Throws HomeError.
 Model loadModel(const std::string& file);
 

@@ -1,11 +1,14 @@
 #include <algorithm>
 
+#include <VMFramework/JsonValue.h>
 #include <fmt/format.h>
 
 #include "Command.h"
 #include "CommandError.h"
 #include "Desk.h"
 #include "DeviceNames.h"
+#include "Differences.h"
+#include "JsonOutput.h"
 #include "Lookups.h"
 #include "Output.h"
 #include "RequestTable.h"
@@ -15,6 +18,8 @@ namespace homeloom::tv {
 namespace {
 
 namespace framework = desktop::framework;
+
+using VMFramework::json::JsonValue;
 
 constexpr char kRaw[] = "--raw";
 
@@ -121,16 +126,34 @@ void request(Desk& desk, const Words& words) {
     awaitAnswer(desk, spec, id, arguments.text("device_id"));
 }
 
+JsonValue documentOf(const HomeView& home) {
+    return JsonValue::Create(jsonLine(home));
+}
+
+void sayChanges(Desk& desk, const JsonValue& before) {
+    const auto changes = differences(before, documentOf(desk.home()));
+    Table table(2);
+    for (const auto& change : changes) {
+        table.add({change.place.substr(change.place.find('/') + 1),
+                   change.before.value_or("(nothing)"),
+                   {"-> " + change.after.value_or("(nothing)"), Tone::Strong}});
+    }
+    desk.out().say(changes.empty() ? "Nothing has changed." : "What has changed:");
+    desk.out().say(table);
+}
+
 void scan(Desk& desk, const Words& words) {
     if (!words.empty()) {
         throw UsageError();
     }
     desk.pump();
+    const JsonValue before = documentOf(desk.home());
     framework::requestDeviceList();
     if (!desk.await([](const Report& report) { return report.kind == Report::Kind::DeviceList; })) {
         throw CommandError("no list came " + desk.silence());
     }
     desk.settle();
+    sayChanges(desk, before);
 }
 
 void search(Desk& desk, const Words& words) {
@@ -161,7 +184,12 @@ std::vector<Command> requestCommands() {
           "request --raw hl_get_property device_id=washer"},
          request,
          {Kind::Request}},
-        {"scan", "", "asks for the device list, as the home screen does when it opens", {"scan"}, scan, {}},
+        {"scan",
+         "",
+         "asks for the device list, as the home screen does when it opens, and tells what has changed",
+         {"scan"},
+         scan,
+         {}},
         {"search",
          "[stop]",
          "starts or stops the framework's search",

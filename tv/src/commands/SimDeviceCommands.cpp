@@ -54,6 +54,18 @@ simulator::Change findProperty(const simulator::Device& device, const std::strin
                                    found.empty() ? "no" : "more than one", wanted, fmt::join(all, "\n  ")));
 }
 
+[[noreturn]] void refuse(const simulator::Device& device, const std::vector<simulator::Change>& changes) {
+    for (const auto& change : changes) {
+        const auto* const resource = device.find(change.uri);
+        const auto* const property = resource == nullptr ? nullptr : resource->find(change.property);
+        if (property != nullptr && !simulator::isOfType(change.value, property->type)) {
+            throw CommandError(fmt::format("{} takes no \"{}\" for {}; it is of type {}: {}", device.id, change.value,
+                                           property->name, property->type, simulator::rangeOf(property->type)));
+        }
+    }
+    throw CommandError(fmt::format("{} has gone", device.id));
+}
+
 void set(Desk& desk, const Words& words) {
     std::size_t at = 0;
     const std::string id = deviceLookup(agent().home()).take(words, at);
@@ -75,7 +87,7 @@ void set(Desk& desk, const Words& words) {
     }
     desk.pump();
     if (!agent().set(id, changes)) {
-        throw CommandError(fmt::format("{} takes no such value", id));
+        refuse(device, changes);
     }
     desk.settleOrSay();
 }

@@ -55,19 +55,13 @@ void addDevice(const Words& words) {
         }
         throw CommandError(fmt::format("there is no model \"{}\"{}", words[2], nearHint(nearTo(words[2], vids))));
     }
-    simulator::Device device;
-    for (const auto& other : home.devices) {
-        if (other.vid == model->vid) {
-            device = other;  // name, types and records of its kind
-        }
+    if (model->types.empty()) {
+        throw CommandError(fmt::format("the model {} tells no types, and without them no device is shown", words[2]));
     }
+    simulator::Device device = simulator::newDevice(*model);
     device.id = words[1];
     device.nick = words[1];
-    device.vid = model->vid;
-    device.resources = model->resources;
-    device.status = simulator::Connected;
     device.location = home.locations.empty() ? "" : home.locations.front().id;
-    device.room.clear();
     if (words.size() > 3) {
         device.room = roomLookup(home).takeAll(words, 3);
         for (const auto& location : home.locations) {

@@ -83,7 +83,13 @@ void signIn(Desk& desk, const Words& words) {
 }
 
 // A connection that has come up shows by the account's state, which the plug-in tells anew each time.
-void awaitConnection(Desk& desk) {
+void awaitConnection(Desk& desk, bool wasConnected) {
+    if (wasConnected) {
+        if (desk.settle() == 0) {
+            desk.out().say("The plug-in was connected already.");
+        }
+        return;
+    }
     if (!desk.await([](const Report& report) { return report.name == "sign_in_state_changed"; }, kReconnectTime)) {
         desk.out().say("The plug-in has not connected again.");
     }
@@ -103,10 +109,11 @@ void connection(Desk& desk, const Words& words) {
         return;
     }
     desk.pump();
+    const bool wasConnected = agent().isConnected();
     agent().setConnectOutcome(found->second);
     agent().changeConnection(found->second);
     if (found->second == Agent::Connection::Connected) {
-        awaitConnection(desk);
+        awaitConnection(desk, wasConnected);
     } else {
         desk.settleOrSay();
     }
@@ -130,8 +137,9 @@ void update(Desk& desk, const Words& words) {
         simulator::ServiceManager::instance().startUpdate();
         desk.settleOrSay();
     } else {
+        const bool wasConnected = agent().isConnected();
         simulator::ServiceManager::instance().endUpdate();
-        awaitConnection(desk);
+        awaitConnection(desk, wasConnected);
     }
 }
 

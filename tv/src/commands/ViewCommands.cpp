@@ -2,6 +2,7 @@
 #include <fstream>
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <simulator/Agent.h>
 
 #include "Command.h"
@@ -157,6 +158,24 @@ void help(Desk& desk, const Words& words) {
     }
 }
 
+void models(Desk& desk, const Words& words) {
+    requireNothing(words);
+    const simulator::Home home = simulator::Agent::instance().home();
+    Table table;
+    for (const auto& [vid, model] : home.models) {
+        const auto count = std::count_if(home.devices.begin(), home.devices.end(),
+                                         [&vid = vid](const auto& device) { return device.vid == vid; });
+        table.add({vid,
+                   {model.name, Tone::Strong},
+                   fmt::format("{}", fmt::join(model.types, ", ")),
+                   counted(static_cast<std::size_t>(count), "device")});
+    }
+    if (table.empty()) {
+        desk.out().say("The home has no models.");
+    }
+    desk.out().say(table);
+}
+
 std::string memoryText() {
     std::ifstream file("/proc/self/status");
     for (std::string line; std::getline(file, line);) {
@@ -216,6 +235,12 @@ std::vector<Command> viewCommands() {
          {Kind::Device}},
         {"scenes", "", "lists the scenes", {"scenes"}, showing(showScenes), {}},
         {"routines", "", "lists the routines", {"routines"}, showing(showRoutines), {}},
+        {"models",
+         "",
+         "lists the device models of the home, from which \"sim add device\" makes new ones",
+         {"models"},
+         models,
+         {}},
         {"stats", "", "counts what was reported, called and held", {"stats"}, stats, {}},
     };
 }

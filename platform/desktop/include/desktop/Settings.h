@@ -19,9 +19,9 @@ void unset(const std::string& key);
 std::optional<Value> get(const std::string& key);
 std::vector<std::string> keys();
 
-/// Keeps the keys that begin with "db/" in this JSON file from now on, and reads what it holds. False if it is no such
-/// file, and nothing changes. An empty path stops it.
-bool keepIn(const std::string& path);
+/// Keeps the keys that begin with "db/" in this JSON file from now on, and reads what it holds. Throws
+/// std::runtime_error, with nothing changed, if it is no such file or can't be written. An empty path stops it.
+void keepIn(const std::string& path);
 
 /// Lets the coming operations of a kind on a key fail as if the store were broken, until told otherwise.
 enum class Operation { Get, Set, Notify };

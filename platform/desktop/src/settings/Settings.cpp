@@ -69,10 +69,10 @@ bool isKept(const std::string& key) {
     return key.compare(0, std::strlen(kKeptPrefix), kKeptPrefix) == 0;
 }
 
-// Called with the store's mutex held.
-void saveFile() {
+// Called with the store's mutex held. False if the file can't be written.
+bool saveFile() {
     if (store().file.empty()) {
-        return;
+        return true;
     }
     JsonValue document = JsonValue::CreateObject();
     for (const auto& [key, value] : store().values) {
@@ -87,9 +87,11 @@ void saveFile() {
     }
     std::ofstream out(store().file, std::ios::trunc);
     out << document.toString() << '\n';
+    out.flush();
     if (!out) {
         dlog_print(DLOG_ERROR, kLogTag, "settings could not be written to %s", store().file.c_str());
     }
+    return bool(out);
 }
 
 // Throws std::runtime_error for anything but an object of texts and whole numbers; a missing file is an empty one.
@@ -187,19 +189,22 @@ std::vector<std::string> keys() {
     return names;
 }
 
-bool keepIn(const std::string& path) {
-    std::map<std::string, Value> read;
+void keepIn(const std::string& path) {
+    std::map<std::string, Value> values;
     try {
-        read = readFile(path);
-    } catch (const std::runtime_error&) {
-        return false;
+        values = readFile(path);
+    } catch (const std::runtime_error& e) {
+        throw std::runtime_error(path + " holds no settings: " + e.what());
     }
     const std::lock_guard<std::mutex> lock(store().mutex);
-    store().file = path;
-    for (auto& [key, value] : read) {
-        store().values[key] = std::move(value);
+    values.insert(store().values.begin(), store().values.end());  // what was read goes before what is there
+    values.swap(store().values);
+    std::string previous = std::exchange(store().file, path);
+    if (!saveFile()) {
+        store().values.swap(values);
+        store().file = std::move(previous);
+        throw std::runtime_error(path + " can't be written, so it can't keep the settings");
     }
-    return true;
 }
 
 void fail(Operation operation, const std::string& key, bool fails) {
