@@ -13,17 +13,21 @@
 
 #include <httplib.h>
 #include <strings.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include "Certificates.h"
 #include "Endpoints.h"
+#include "simulator/ConnectionThreads.h"
 
 namespace simulator {
 
 namespace {
 
 // Requests at a time: those that wait on purpose, and plenty of others.
-constexpr std::size_t kConnections = 24;
+constexpr std::size_t kConnections = 256;
+// The library's own is so short that of eight requests at once some would be tried anew a second later.
+constexpr int kBacklog = 128;
 constexpr std::size_t kHugeBytes = std::size_t{32} << 20;
 constexpr std::size_t kBlockBytes = std::size_t{16} << 10;
 constexpr std::chrono::milliseconds kTrickle{20};
@@ -60,18 +64,11 @@ private:
     std::string _path;
 };
 
-/// Threads whose connections start with a clean slate: OpenSSL keeps the errors of one that failed for the next.
-class ConnectionThreads : public httplib::ThreadPool {
-public:
-    using ThreadPool::ThreadPool;
-
-    void enqueue(std::function<void()> connection) override {
-        ThreadPool::enqueue([connection = std::move(connection)] {
-            ERR_clear_error();
-            connection();
-        });
-    }
-};
+// OpenSSL keeps the errors of a connection that failed for the next one on the same thread.
+void serve(const ConnectionThreads::Connection& connection) {
+    ERR_clear_error();
+    connection();
+}
 
 WebRequest decoded(const httplib::Request& request) {
     return {request.method,
@@ -145,16 +142,19 @@ void Cloud::Server::start() {
             this);
         return true;
     });
-    http->new_task_queue = [] { return new ConnectionThreads(kConnections); };
+    http->new_task_queue = [] { return new ConnectionThreads(kConnections, "cloud", serve); };
     http->set_tcp_nodelay(true);
     const auto handler = [this](const httplib::Request& request, httplib::Response& response) {
         handle(request, response);
     };
     http->Get(".*", handler).Post(".*", handler).Put(".*", handler).Delete(".*", handler);
+    int socket = -1;
+    http->set_socket_options([&socket](int file) { socket = file; });
     const int bound = http->bind_to_any_port(kLoopback);
     if (bound <= 0) {
         throw std::runtime_error("the cloud finds no port on loopback");
     }
+    listen(socket, kBacklog);
     _http = std::move(http);
     _thread = std::thread([server = _http.get()] { server->listen_after_bind(); });
     // Before that a stop would go unheard.

@@ -13,16 +13,17 @@
 #include <thread>
 
 #include <VMFramework/JsonValue.h>
+#include <clock/Clock.h>
 #include <fmt/format.h>
 #include <httplib.h>
 
 #include "simulator/Cloud.h"
+#include "simulator/ConnectionThreads.h"
 
 #include "Catalogue.h"
 #include "Inbox.h"
 #include "Schemas.h"
 #include "door/CommandBody.h"
-#include "door/ConnectionThreads.h"
 #include "door/DoorOutput.h"
 #include "door/EventStream.h"
 #include "door/SimDocument.h"
@@ -137,7 +138,13 @@ Door::Impl::~Impl() {
 }
 
 void Door::Impl::setUpServer() {
-    _server.new_task_queue = [] { return new ConnectionThreads(kMostListeners + kOtherConnections); };
+    _server.new_task_queue = [] {
+        return new simulator::ConnectionThreads(kMostListeners + kOtherConnections, "door client",
+                                                [](const std::function<void()>& connection) {
+                                                    const clock::Exempt exempt;  // clients live in the machine's time
+                                                    connection();
+                                                });
+    };
     _server.set_tcp_nodelay(true);
     _server.set_keep_alive_max_count(kRequestsPerConnection);
     _server.set_write_timeout(kWriteLimit);
@@ -276,6 +283,7 @@ std::string Door::Impl::runCommand(const CommandBody& body) {
 
 std::string Door::Impl::open() {
     _thread = std::thread([this] {
+        const clock::Exempt exempt;
         pthread_setname_np(pthread_self(), "door accept");
         _server.listen_after_bind();
     });

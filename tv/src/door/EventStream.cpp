@@ -5,6 +5,7 @@
 #include <random>
 
 #include <VMFramework/JsonValue.h>
+#include <clock/Clock.h>
 #include <desktop/Framework.h>
 #include <fmt/format.h>
 #include <simulator/Agent.h>
@@ -85,6 +86,7 @@ void EventStream::push(Incoming incoming) {
 }
 
 void EventStream::run() {
+    const clock::Exempt exempt;
     pthread_setname_np(pthread_self(), "door events");
     std::unique_lock<std::mutex> incoming(_incomingMutex);
     while (!_ends) {

@@ -1,12 +1,15 @@
-#include "ConnectionThreads.h"
+#include "simulator/ConnectionThreads.h"
 
 #include <pthread.h>
 
 #include <utility>
 
-namespace homeloom::tv {
+namespace simulator {
 
-void ConnectionThreads::enqueue(std::function<void()> connection) {
+ConnectionThreads::ConnectionThreads(std::size_t limit, std::string name, std::function<void(const Connection&)> serve)
+    : _limit(limit), _name(std::move(name)), _serve(std::move(serve)) {}
+
+void ConnectionThreads::enqueue(Connection connection) {
     const std::lock_guard<std::mutex> lock(_mutex);
     _waiting.push_back(std::move(connection));
     if (_waiting.size() > _free && _threads.size() < _limit) {
@@ -27,7 +30,7 @@ void ConnectionThreads::shutdown() {
 }
 
 void ConnectionThreads::run() {
-    pthread_setname_np(pthread_self(), "door client");
+    pthread_setname_np(pthread_self(), _name.c_str());
     std::unique_lock<std::mutex> lock(_mutex);
     while (true) {
         ++_free;
@@ -36,12 +39,12 @@ void ConnectionThreads::run() {
         if (_waiting.empty()) {
             return;
         }
-        const std::function<void()> connection = std::move(_waiting.front());
+        const Connection connection = std::move(_waiting.front());
         _waiting.pop_front();
         lock.unlock();
-        connection();
+        _serve(connection);
         lock.lock();
     }
 }
 
-}  // namespace homeloom::tv
+}  // namespace simulator
