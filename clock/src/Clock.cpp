@@ -135,6 +135,12 @@ void advance(Duration duration) {
     }
 }
 
+Duration nextDeadline() {
+    const std::int64_t own = Waiters::nextDeadline();
+    const std::int64_t others = nextDeadlineOfFollowers();
+    return Duration(own < others ? own : others);
+}
+
 bool leapToNextDeadline(Duration end) {
     const Turn turn;
     return stands() && leap(end.count());

@@ -15,7 +15,7 @@ namespace homeloom::clock {
 
 namespace {
 
-constexpr int kMostExempt = 32;
+constexpr int kMostExempt = 256;
 
 std::uint32_t programsLock = 0;
 std::int32_t programs[kMostPrograms];

@@ -216,22 +216,31 @@ bool isAtRest() {
         return false;
     }
     isUnchanged = true;
-    return lookAtAll(isUnchanged) && isUnchanged;
+    // One that had registered but not yet fallen asleep when it was woken sleeps by now.
+    return lookAtAll(isUnchanged) && isUnchanged && !Waiters::wakeAgain();
+}
+
+WorkLimit::WorkLimit(std::chrono::nanoseconds limit) : _limit(limit.count()) {
+    restart();
+}
+
+void WorkLimit::restart() {
+    _start = machineTime(CLOCK_PROCESS_CPUTIME_ID);
+}
+
+bool WorkLimit::isReached() const {
+    return machineTime(CLOCK_PROCESS_CPUTIME_ID) - _start >= _limit;
 }
 
 bool waitForRest(std::chrono::nanoseconds limit) {
     constexpr std::int64_t kLongestNap = 1'000'000;
-    const std::int64_t end = machineTime(CLOCK_PROCESS_CPUTIME_ID) + limit.count();
-    for (std::int64_t length = 20'000; machineTime(CLOCK_PROCESS_CPUTIME_ID) < end;) {
+    const WorkLimit workLimit(limit);
+    for (std::int64_t length = 20'000; !workLimit.isReached();) {
         if (isAtRest()) {
-            // One that had registered but not yet fallen asleep when it was woken sleeps by now.
-            if (!Waiters::wakeAgain()) {
-                return true;
-            }
-        } else {
-            nap(length);
-            length = length * 2 < kLongestNap ? length * 2 : kLongestNap;
+            return true;
         }
+        nap(length);
+        length = length * 2 < kLongestNap ? length * 2 : kLongestNap;
     }
     return false;
 }

@@ -9,13 +9,40 @@
 
 namespace homeloom::clock {
 
+namespace {
+
+// Held while a turner turns, so that none does once a pause has begun.
+std::mutex pausing;
+int pauses = 0;
+
+bool leapUnlessPaused() {
+    const std::lock_guard<std::mutex> lock(pausing);
+    return pauses == 0 && leapToNextDeadline();
+}
+
+}  // namespace
+
+Turner::Pause::Pause() {
+    const std::lock_guard<std::mutex> lock(pausing);
+    ++pauses;
+}
+
+Turner::Pause::~Pause() {
+    const std::lock_guard<std::mutex> lock(pausing);
+    --pauses;
+}
+
 Turner::Turner() : _wasStanding(isStanding()) {
     stand();
     _thread = std::thread([this] { turn(); });
 }
 
 Turner::~Turner() {
-    _isOver = true;
+    {
+        const std::lock_guard<std::mutex> lock(_mutex);
+        _isOver = true;
+    }
+    _wake.notify_one();
     _thread.join();
     if (!_wasStanding) {
         run();
@@ -26,13 +53,20 @@ void Turner::turn() {
     constexpr std::chrono::microseconds kShortestNap{50};
     constexpr std::chrono::microseconds kLongestNap{2000};
     const Exempt exempt;
-    for (auto nap = kShortestNap; !_isOver;) {
+    auto nap = kShortestNap;
+    WorkLimit limit;
+    std::unique_lock<std::mutex> lock(_mutex);
+    while (!_isOver) {
+        lock.unlock();
         // A program that never rests, since somebody asks for the time again and again, needs it to go on all the more.
-        if (waitForRest() && !_isOver && !leapToNextDeadline()) {
-            std::this_thread::sleep_for(nap);
-            nap = std::min(2 * nap, kLongestNap);
-        } else {
+        const bool hasTurned = (isAtRest() || limit.isReached()) && leapUnlessPaused();
+        lock.lock();
+        if (hasTurned) {
             nap = kShortestNap;
+            limit.restart();
+        } else {
+            _wake.wait_for(lock, nap, [this] { return _isOver; });
+            nap = std::min(2 * nap, kLongestNap);
         }
     }
 }

@@ -8,6 +8,8 @@
 #include <optional>
 #include <stdexcept>
 
+#include <clock/Clock.h>
+
 #include "ControlLine.h"
 #include "HubControl.h"
 
@@ -97,6 +99,7 @@ JsonValue obey(HubControl& hub, const JsonValue& command) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    homeloom::clock::join();
     if (argc != 3) {
         std::fprintf(stderr, "usage: homeloom-hub-app SOCKET INFO-FILE; the desk TV starts it\n");
         return 2;

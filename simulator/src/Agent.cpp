@@ -10,6 +10,9 @@ namespace simulator {
 
 namespace {
 
+// The limit of a call whose caller waits for the answer: after that, nobody waits for one that was left out.
+constexpr std::chrono::seconds kLongestWait{30};
+
 /// The world, locked.
 class Locked {
 public:
@@ -430,9 +433,11 @@ Agent::Holdings Agent::holdings() const {
 
 bool Agent::isOwing() const {
     const auto& functions = allFunctions();
-    return !World::instance().thread.isEmpty() || holdings().pendingCalls > 0 ||
+    const auto dropped = Locked()->lastDropped;
+    return !World::instance().thread.isEmpty() ||
+           (dropped && std::chrono::steady_clock::now() - *dropped <= kLongestWait) ||
            std::any_of(functions.begin(), functions.end(),
-                       [](const auto& entry) { return entry.second.heldCallers() > 0; });
+                       [](const auto& entry) { return entry.second.lateCallers() > 0; });
 }
 
 // ---- Time ----

@@ -105,6 +105,7 @@ int Call::later(bool hasCallback, std::function<Answer(World&)> work,
     ++found->second.pendingCalls;
     const Fault fault = _fault ? Fault(*_fault) : Fault::answer(0);
     if (fault.kind == Fault::Kind::Never) {
+        world.lastDropped = std::chrono::steady_clock::now();
         return HOMELOOM_CLIENT_ERROR_NONE;
     }
     const auto prepare = [call = *this, code = fault.code, work = std::move(work),

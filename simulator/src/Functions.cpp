@@ -208,13 +208,13 @@ std::optional<Hit> Function::takeFault() {
 void Function::hold(const Hit& hit) {
     std::unique_lock<std::mutex> lock(_mutex);
     const auto isCleared = [&] { return _clearings != hit.clearings; };
-    ++_heldCallers;
     if (hit.kind == Fault::Kind::Late) {
+        ++_lateCallers;
         _released.wait_for(lock, hit.delay, [&] { return isCleared() || _hurries != hit.hurries; });
+        --_lateCallers;
     } else if (hit.kind == Fault::Kind::Never) {
         _released.wait(lock, isCleared);
     }
-    --_heldCallers;
 }
 
 std::optional<Hit> Function::enterHeld(std::vector<std::string> arguments) {

@@ -49,8 +49,8 @@ public:
     void mark(Trait trait) { _traits.fetch_or(trait, std::memory_order_relaxed); }
 
     int callCount() const { return _calls; }
-    /// Callers that a fault keeps waiting.
-    int heldCallers() const { return _heldCallers; }
+    /// Callers that a fault keeps waiting for a while.
+    int lateCallers() const { return _lateCallers; }
     Agent::Calls calls() const;
     void resetCalls();
 
@@ -59,7 +59,7 @@ private:
 
     const std::string _name;
     std::atomic<int> _calls{0};
-    std::atomic<int> _heldCallers{0};
+    std::atomic<int> _lateCallers{0};
     std::atomic<unsigned> _traits{0};
     std::atomic<bool> _isFaulty{false};
     mutable std::mutex _mutex;

@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -76,6 +77,7 @@ public:
     Home home;
     bool isSignedIn = true;
     int state = 1;
+    std::optional<std::chrono::steady_clock::time_point> lastDropped;  // when an answer was left out
     Agent::Connection connectOutcome = Agent::Connection::Connected;
     std::map<homeloom_client_h, Client> clients;
     std::vector<Agent::LaunchCondition> conditions;

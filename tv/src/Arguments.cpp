@@ -37,6 +37,7 @@ std::variant<Arguments, int> parseArguments(int argc, char** argv) {
     std::string level;
     std::string limit;
     std::string serve;
+    std::string time;
 
     CLI::App app("A desk TV: runs the HomeLoom plug-in with a simulated home behind it.", "homeloom-tv");
     app.set_version_flag("--version", std::string("homeloom-tv ") + HOMELOOM_VERSION);
@@ -68,6 +69,12 @@ std::variant<Arguments, int> parseArguments(int argc, char** argv) {
     app.add_option("--limit", limit, "How long a command waits for what it caused; 5s if not given")
         ->type_name("TIME")
         ->check(CLI::Validator(checkDuration, ""));
+    app.add_option(
+           "--time", time,
+           "auto: the clock stands still while anybody works and goes to the next deadline when all wait (if not "
+           "given, for --script, --exec and --replay without --serve); real: it goes as the machine's")
+        ->type_name("auto|real")
+        ->check(CLI::IsMember({"auto", "real"}));
     app.add_option("--log", level, "Write log lines from that level on to standard error")
         ->type_name("LEVEL")
         ->check(CLI::Validator(checkLevel, ""));
@@ -115,6 +122,8 @@ std::variant<Arguments, int> parseArguments(int argc, char** argv) {
     arguments.hub = hub == "on"            ? Arguments::Hub::On
                     : hub == "uninstalled" ? Arguments::Hub::Uninstalled
                                            : Arguments::Hub::Off;
+    const bool isBatch = !arguments.script.empty() || !arguments.commands.empty() || !arguments.replay.empty();
+    arguments.isTimeAuto = time.empty() ? isBatch && !arguments.serve : time == "auto";
     if (!limit.empty()) {
         arguments.limit = parseDuration(limit).value();
     }

@@ -34,6 +34,7 @@ struct Arguments {
     bool catalogue = false;
     std::string schema;
     std::chrono::milliseconds limit{5000};
+    bool isTimeAuto = false;  // whenever the desk rests while a command waits, time goes on to the next deadline
     std::optional<DoorAddress> serve;  // none: no door
     std::string token;                 // empty: none
     std::string record;                // file; empty: nothing is recorded

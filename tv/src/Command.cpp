@@ -1,8 +1,11 @@
 #include "Command.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
+#include <clock/Clock.h>
+#include <clock/Turner.h>
 #include <fmt/format.h>
 
 #include "CommandError.h"
@@ -21,7 +24,7 @@ std::vector<Command> makeTable() {
     std::vector<Command> table;
     for (const auto& family :
          {viewCommands, requestCommands, deskCommands, simDeviceCommands, simHomeCommands, simSessionCommands,
-          simFaultCommands, simWebCommands, simCloudCommands, simHubCommands}) {
+          simTimeCommands, simFaultCommands, simWebCommands, simCloudCommands, simHubCommands}) {
         std::vector<Command> commands = family();
         std::move(commands.begin(), commands.end(), std::back_inserter(table));
     }
@@ -112,6 +115,11 @@ void runCommand(Desk& desk, const std::string& line) {
     }
     std::size_t at = 0;
     const Command& command = findCommand(words, at);
+    // Where the command itself waits for others it must not wait for a clock that nobody turns.
+    std::optional<clock::Turner> turner;
+    if (clock::isStanding()) {
+        turner.emplace();
+    }
     try {
         command.run(desk, Words(words.begin() + static_cast<std::ptrdiff_t>(at), words.end()));
     } catch (const UsageError&) {

@@ -65,6 +65,7 @@ std::vector<Command> simHomeCommands();
 std::vector<Command> simDeviceCommands();
 std::vector<Command> simSessionCommands();
 std::vector<Command> simFaultCommands();
+std::vector<Command> simTimeCommands();
 std::vector<Command> simWebCommands();
 std::vector<Command> simCloudCommands();
 std::vector<Command> simHubCommands();

@@ -1,7 +1,12 @@
 #include "Desk.h"
 
 #include <algorithm>
+#include <optional>
 
+#include <clock/Clock.h>
+#include <clock/Rest.h>
+#include <clock/Turner.h>
+#include <desktop/Web.h>
 #include <fmt/format.h>
 #include <simulator/Agent.h>
 #include <simulator/Cloud.h>
@@ -15,30 +20,52 @@ namespace homeloom::tv {
 
 namespace {
 
+using std::chrono::microseconds;
 using std::chrono::milliseconds;
-using Clock = std::chrono::steady_clock;
 
-constexpr milliseconds kLookInterval{5};
-constexpr milliseconds kForever{24LL * 60 * 60 * 1000};
-// Rest after which all that was under way has come in.
-constexpr milliseconds kSettledRest{60};
-// Rest after which nobody will answer any more. Long enough for what waits for a timer or a socket.
-constexpr milliseconds kHopelessRest{1500};
+constexpr microseconds kShortestLook{50};
+constexpr microseconds kLongestLook{5000};
 
 bool seesNothing(const Report&) {
     return false;
 }
 
-// What agent, cloud or hub control application still owe: the program rests, and yet it will come.
+// Whether something may come although the program rests: agent, cloud or hub control application owe it.
 bool answersArePending() {
-    return simulator::Agent::instance().isOwing() || simulator::Cloud::instance().pendingRequests() > 0 ||
+    return simulator::Agent::instance().isOwing() || desktop::web::requestsUnderWay() > 0 ||
            simulator::HubApp::instance().isOwing();
+}
+
+/// Whether a web request is on its way through the network, where it can be while everybody sleeps. The network may
+/// also have lost it; so this is told for a moment only.
+class Network {
+public:
+    bool delivers() {
+        const clock::Exempt exempt;
+        const auto now = std::chrono::steady_clock::now();
+        if (desktop::web::requestsUnderWay() <= simulator::Cloud::instance().pendingRequests()) {
+            _since.reset();
+        } else if (!_since) {
+            _since = now;
+        }
+        return _since && now - *_since < kLongestDelivery;
+    }
+    void restart() { _since.reset(); }
+
+private:
+    static constexpr std::chrono::seconds kLongestDelivery{2};
+    std::optional<std::chrono::steady_clock::time_point> _since;
+};
+
+// In the machine's time: what comes may come while the clock stands.
+std::vector<ReportPtr> listen(Inbox& inbox, microseconds time) {
+    const clock::Exempt exempt;
+    return inbox.take(time);
 }
 
 }  // namespace
 
-Desk::Desk(Inbox& inbox, Output& out, milliseconds limit)
-    : _inbox(inbox), _out(out), _limit(limit), _idleness([&inbox] { return inbox.activity(); }) {}
+Desk::Desk(Inbox& inbox, Output& out, milliseconds limit) : _inbox(inbox), _out(out), _limit(limit) {}
 
 bool Desk::hasQuit() const {
     return _hasQuit || _inbox.isStopped();
@@ -64,31 +91,49 @@ std::size_t Desk::pump() {
     return show(_inbox.take(), seesNothing, seen);
 }
 
-Desk::Ending Desk::wait(const std::function<bool(const Report&)>& sees, milliseconds limit, milliseconds rest,
-                        bool pendingIsRest, std::size_t& count) {
-    const Clock::time_point start = Clock::now();
-    _idleness.restart();
+// While the clock stands, the waiting thread turns it: whenever all others rest, to the next deadline.
+Desk::Ending Desk::wait(const std::function<bool(const Report&)>& sees, milliseconds limit, Patience patience,
+                        std::size_t& count) {
+    const clock::Turner::Pause pause;
+    const clock::Duration end = clock::now() + limit;
+    clock::WorkLimit workLimit;
+    Network network;
+    microseconds look = kShortestLook;
     while (true) {
+        const std::uint64_t activity = _inbox.activity();
         bool seen = false;
-        count += show(_inbox.take(kLookInterval), sees, seen);
+        count += show(listen(_inbox, look), sees, seen);
         if (seen) {
             return Ending::Seen;
         }
         if (_inbox.isStopped() || _inbox.takeInterruption()) {
             throw CommandError("interrupted");
         }
-        if (Clock::now() - start >= limit) {
+        const bool isStanding = clock::isStanding();
+        const bool rests =
+            (clock::isAtRest() && _inbox.activity() == activity && !network.delivers()) || workLimit.isReached();
+        if (clock::now() >= end && (rests || !isStanding)) {
             return Ending::Limit;
         }
-        if (_idleness.restingFor() >= rest && (pendingIsRest || !answersArePending())) {
+        if (rests && (patience == Patience::Rest || (patience == Patience::Hope && !answersArePending()))) {
             return Ending::Rest;
         }
+        if (!rests || !isStanding) {
+            look = std::min(2 * look, kLongestLook);
+            continue;
+        }
+        if (!clock::leapToNextDeadline(end)) {
+            clock::advance(end - clock::now());
+        }
+        workLimit.restart();
+        network.restart();
+        look = kShortestLook;
     }
 }
 
 bool Desk::await(const std::function<bool(const Report&)>& sees) {
     std::size_t count = 0;
-    const Ending ending = wait(sees, _limit, kHopelessRest, false, count);
+    const Ending ending = wait(sees, _limit, Patience::Hope, count);
     // Not by what ended the wait: on a busy machine the limit may come before the rest.
     _silence = answersArePending() ? fmt::format("within {}", durationText(_limit))
                                    : "and nothing is under way that could bring it";
@@ -97,7 +142,7 @@ bool Desk::await(const std::function<bool(const Report&)>& sees) {
 
 bool Desk::await(const std::function<bool(const Report&)>& sees, milliseconds limit) {
     std::size_t count = 0;
-    return wait(sees, limit, kForever, true, count) == Ending::Seen;
+    return wait(sees, limit, Patience::Limit, count) == Ending::Seen;
 }
 
 std::size_t Desk::settle() {
@@ -106,7 +151,7 @@ std::size_t Desk::settle() {
 
 std::size_t Desk::settle(milliseconds limit) {
     std::size_t count = 0;
-    wait(seesNothing, limit, kSettledRest, true, count);
+    wait(seesNothing, limit, Patience::Rest, count);
     return count;
 }
 
@@ -118,7 +163,7 @@ void Desk::settleOrSay() {
 
 void Desk::watch(milliseconds duration) {
     std::size_t count = 0;
-    wait(seesNothing, duration, kForever, true, count);
+    wait(seesNothing, duration, Patience::Limit, count);
 }
 
 }  // namespace homeloom::tv

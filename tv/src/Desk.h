@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "HomeView.h"
-#include "Idleness.h"
 #include "Report.h"
 
 namespace homeloom::tv {
@@ -51,7 +50,7 @@ public:
     std::size_t settle(std::chrono::milliseconds limit);
     /// settle(), and a word if there was nothing.
     void settleOrSay();
-    /// Shows what comes in for that long.
+    /// Shows what comes in for that long, by the clock.
     void watch(std::chrono::milliseconds duration);
 
     void quit() { _hasQuit = true; }
@@ -59,16 +58,18 @@ public:
 
 private:
     enum class Ending { Seen, Rest, Limit };
+    // How long to wait when nothing comes: until the program rests, until nothing is left that could come, or to the
+    // end.
+    enum class Patience { Rest, Hope, Limit };
 
     std::size_t show(const std::vector<ReportPtr>& reports, const std::function<bool(const Report&)>& sees, bool& seen);
-    Ending wait(const std::function<bool(const Report&)>& sees, std::chrono::milliseconds limit,
-                std::chrono::milliseconds rest, bool pendingIsRest, std::size_t& count);
+    Ending wait(const std::function<bool(const Report&)>& sees, std::chrono::milliseconds limit, Patience patience,
+                std::size_t& count);
 
     Inbox& _inbox;
     Output& _out;
     std::chrono::milliseconds _limit;
     HomeView _home;
-    Idleness _idleness;
     int _loadStatus = -1;
     std::map<std::string, int> _reportCounts;
     std::string _silence;

@@ -29,7 +29,7 @@ Inbox::~Inbox() {
     close(_wakeupFile);
 }
 
-std::vector<ReportPtr> Inbox::take(std::chrono::milliseconds wait) {
+std::vector<ReportPtr> Inbox::take(std::chrono::microseconds wait) {
     std::unique_lock<std::mutex> lock(_mutex);
     _came.wait_for(lock, wait, [this] { return !_reports.empty() || _interrupted || _stopped; });
     return std::exchange(_reports, {});

@@ -26,7 +26,7 @@ public:
     Inbox& operator=(const Inbox&) = delete;
 
     /// The reports that came since the last call; waits that long for the first one, or for an interruption.
-    std::vector<ReportPtr> take(std::chrono::milliseconds wait = std::chrono::milliseconds(0));
+    std::vector<ReportPtr> take(std::chrono::microseconds wait = std::chrono::microseconds(0));
 
     /// Becomes readable when something came. takeWakeups() makes it unreadable again.
     int wakeupFile() const { return _wakeupFile; }

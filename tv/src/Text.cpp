@@ -303,13 +303,18 @@ std::vector<std::string> Table::lines(const Style& style) const {
     return lines;
 }
 
-std::optional<std::chrono::milliseconds> parseDuration(const std::string& text) {
+std::optional<std::chrono::milliseconds> parseDuration(const std::string& text, std::chrono::milliseconds longest) {
     char* end = nullptr;
     const double number = std::strtod(text.c_str(), &end);
     const std::string unit(end);
-    const double factor = unit.empty() || unit == "s" ? 1000 : unit == "ms" ? 1 : unit == "m" ? 60000 : 0;
-    constexpr double kLongest = 24.0 * 60 * 60 * 1000;
-    if (end == text.c_str() || factor == 0 || !(number >= 0) || number * factor > kLongest) {
+    const double factor = unit.empty() || unit == "s" ? 1000
+                          : unit == "ms"              ? 1
+                          : unit == "m"               ? 60000
+                          : unit == "h"               ? 3600000
+                          : unit == "d"               ? 24 * 3600000
+                                                      : 0;
+    if (end == text.c_str() || factor == 0 || !(number >= 0) ||
+        number * factor > static_cast<double>(longest.count())) {
         return std::nullopt;
     }
     return std::chrono::milliseconds(static_cast<long long>(number * factor));

@@ -78,8 +78,9 @@ private:
     std::vector<std::vector<Cell>> _rows;
 };
 
-/// "5", "1.5s", "500ms", "2m": a bare number means seconds. None for anything else.
-std::optional<std::chrono::milliseconds> parseDuration(const std::string& text);
+/// "5", "1.5s", "500ms", "2m", "3h", "7d": a bare number means seconds. None for anything else, and for what is longer.
+std::optional<std::chrono::milliseconds> parseDuration(const std::string& text,
+                                                       std::chrono::milliseconds longest = std::chrono::hours(24));
 std::string durationText(std::chrono::milliseconds duration);
 
 /// A whole number that fits an int.

@@ -12,6 +12,8 @@
 #include <thread>
 #include <variant>
 
+#include <clock/Clock.h>
+#include <clock/Turner.h>
 #include <desktop/Log.h>
 #include <fmt/format.h>
 #include <simulator/Agent.h>
@@ -132,8 +134,35 @@ std::unique_ptr<Door> makeDoor(const Arguments& arguments, Inbox& inbox, Output&
                                   inbox, out);
 }
 
+// The clock that nobody but the desk turns. While commands run, each has it turned itself; between them only what waits
+// for a person goes on.
+class DeskClock {
+public:
+    explicit DeskClock(bool isAuto) {
+        if (isAuto) {
+            homeloom::clock::stand();
+        }
+    }
+    // What the program ends with goes by the machine's time.
+    ~DeskClock() { homeloom::clock::run(); }
+    DeskClock(const DeskClock&) = delete;
+    DeskClock& operator=(const DeskClock&) = delete;
+
+    void turn() {
+        if (homeloom::clock::isStanding()) {
+            _turner.emplace();
+        }
+    }
+    void leaveToCommands() { _turner.reset(); }
+
+private:
+    std::optional<homeloom::clock::Turner> _turner;
+};
+
 int run(Arguments arguments) {
     Taping taping(arguments);
+    DeskClock deskClock(arguments.isTimeAuto);
+    deskClock.turn();
     ChosenHome chosen = chooseHome(arguments, taping.homeDocument());
     if (!arguments.script.empty() && !std::filesystem::is_regular_file(arguments.script)) {
         throw std::runtime_error(fmt::format("there is no script {}", arguments.script));
@@ -160,7 +189,9 @@ int run(Arguments arguments) {
     Desk desk(inbox, door ? door->output() : *out, arguments.limit);
     Console console(arguments, desk, inbox, door.get(), fmt::format("HomeLoom {}, {}", HOMELOOM_VERSION, chosen.title));
     plugin.start();
+    deskClock.leaveToCommands();
     const bool succeeded = taping.end(runConsole(console, inbox));
+    deskClock.turn();
     door.reset();
 
     const std::vector<std::string> left = plugin.unload();

@@ -32,6 +32,10 @@ void advance(Duration duration);
 /// nobody. To be called when the program rests (see Rest.h).
 bool leapToNextDeadline(Duration end = Duration::max());
 
+/// The next moment for which somebody waits; Duration::max() if nobody does. Those who were woken for theirs, and
+/// exempt threads, don't count.
+Duration nextDeadline();
+
 /// While it lives, the clock is for its thread the machine's: what this thread waits for ends in the machine's time,
 /// and the thread doesn't count when the program rests. For the one who turns.
 class Exempt {

@@ -1,7 +1,8 @@
 #ifndef HOMELOOM_CLOCK_TURNER_H
 #define HOMELOOM_CLOCK_TURNER_H
 
-#include <atomic>
+#include <condition_variable>
+#include <mutex>
 #include <thread>
 
 namespace homeloom::clock {
@@ -16,11 +17,22 @@ public:
     Turner(const Turner&) = delete;
     Turner& operator=(const Turner&) = delete;
 
+    /// While one lives, no turner turns the clock: its thread does, or wants it to stand.
+    class Pause {
+    public:
+        Pause();
+        ~Pause();
+        Pause(const Pause&) = delete;
+        Pause& operator=(const Pause&) = delete;
+    };
+
 private:
     void turn();
 
     const bool _wasStanding;
-    std::atomic<bool> _isOver{false};
+    std::mutex _mutex;
+    std::condition_variable _wake;
+    bool _isOver = false;
     std::thread _thread;
 };
 

@@ -177,8 +177,8 @@ public:
         int total() const { return clients + records + registrations + subscriptions + pendingCalls; }
     };
     Holdings holdings() const;
-    /// Whether something of the agent is still to come: an answer, what a device does later, a call that a fault holds
-    /// up.
+    /// Whether something of the agent is still to come: an answer, what a device does later, the end of a call that a
+    /// fault delays. Of an answer that a fault leaves out, as long as somebody may wait for it.
     bool isOwing() const;
 
     // ---- Time ----

@@ -34,6 +34,9 @@ const std::vector<std::string>& steps();
 /// The steps that fail now, sorted.
 std::vector<std::string> failingSteps();
 
+/// Requests that were sent and have not ended.
+int requestsUnderWay();
+
 /// How long a second of the requests' time limits lasts, so that nobody needs to wait them out.
 void setSecond(std::chrono::milliseconds duration);
 

@@ -246,6 +246,7 @@ bool KRCurlEasy::Handle::setSurroundings() {
 
 bool KRCurlEasy::Handle::send() {
     _exception = nullptr;
+    const web::UnderWay underWay;
     const bool isDone = curl_easy_perform(_curl.get()) == CURLE_OK;
     if (_exception) {
         std::rethrow_exception(std::exchange(_exception, nullptr));

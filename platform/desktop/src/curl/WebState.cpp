@@ -1,6 +1,7 @@
 #include "curl/WebState.h"
 
 #include <algorithm>
+#include <atomic>
 #include <map>
 #include <mutex>
 #include <stdexcept>
@@ -13,6 +14,7 @@ namespace homeloom::desktop::web {
 namespace {
 
 constexpr std::chrono::milliseconds kTrueSecond{1000};
+std::atomic<int> underWay{0};
 
 struct State {
     std::mutex mutex;
@@ -123,6 +125,18 @@ Surroundings surroundings() {
     found.caFile = state().caFile;
     found.millisecondsPerSecond = static_cast<long>(state().second.count());
     return found;
+}
+
+UnderWay::UnderWay() {
+    ++underWay;
+}
+
+UnderWay::~UnderWay() {
+    --underWay;
+}
+
+int requestsUnderWay() {
+    return underWay;
 }
 
 bool takeFailure(std::string_view step) {

@@ -15,6 +15,15 @@ struct Surroundings {
 };
 Surroundings surroundings();
 
+/// One request more is under way as long as this lives.
+class UnderWay {
+public:
+    UnderWay();
+    ~UnderWay();
+    UnderWay(const UnderWay&) = delete;
+    UnderWay& operator=(const UnderWay&) = delete;
+};
+
 /// Whether this step is to fail. Each step asks once, with its own name.
 bool takeFailure(std::string_view step);
 

@@ -1,9 +1,7 @@
 #include "Port.h"
 
-#include <glib-unix.h>
 #include <poll.h>
 #include <sys/socket.h>
-#include <sys/time.h>
 
 #include <cerrno>
 #include <utility>
@@ -14,7 +12,6 @@
 namespace {
 
 using Clock = std::chrono::steady_clock;
-using std::chrono::microseconds;
 using std::chrono::milliseconds;
 
 constexpr std::size_t kReadSize = 16 * 1024;
@@ -23,10 +20,7 @@ constexpr std::size_t kReadSize = 16 * 1024;
 
 using homeloom::desktop::rpc::timeLimit;
 
-// The descriptor blocks, so that waiting for an answer is one call of the system. All else says that it must not.
-rpc_port_s::rpc_port_s(Descriptor socket) : _socket(std::move(socket)) {
-    g_unix_set_fd_nonblocking(descriptor(), FALSE, nullptr);
-}
+rpc_port_s::rpc_port_s(Descriptor socket) : _socket(std::move(socket)) {}
 
 rpc_port_s::~rpc_port_s() = default;
 
@@ -53,10 +47,11 @@ rpc_port_s::ParcelPtr rpc_port_s::receive() {
     const std::lock_guard<std::mutex> lock(_readMutex);
     const auto end = Clock::now() + timeLimit();
     ParcelPtr parcel = cutParcel();
-    for (auto left = microseconds(timeLimit()); !parcel && left.count() > 0;
-         left = std::chrono::duration_cast<microseconds>(end - Clock::now())) {
-        setReadLimit(left);
-        if (read(0) == Came::End) {
+    for (auto left = milliseconds(timeLimit()); !parcel && left.count() > 0;
+         left = std::chrono::ceil<milliseconds>(end - Clock::now())) {
+        pollfd readable{descriptor(), POLLIN, 0};
+        poll(&readable, 1, static_cast<int>(left.count()));
+        if (read() == Came::End) {
             return nullptr;
         }
         parcel = cutParcel();
@@ -64,24 +59,12 @@ rpc_port_s::ParcelPtr rpc_port_s::receive() {
     return parcel;
 }
 
-void rpc_port_s::setReadLimit(microseconds limit) {
-    if (limit == _readLimit) {
-        return;
-    }
-    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(limit);
-    timeval time{};
-    time.tv_sec = static_cast<decltype(time.tv_sec)>(seconds.count());
-    time.tv_usec = static_cast<decltype(time.tv_usec)>((limit - seconds).count());
-    setsockopt(descriptor(), SOL_SOCKET, SO_RCVTIMEO, &time, sizeof time);
-    _readLimit = limit;
-}
-
 // Called with the mutex held.
-rpc_port_s::Came rpc_port_s::read(int flags) {
+rpc_port_s::Came rpc_port_s::read() {
     _in.erase(0, _cut);
     _cut = 0;
     char bytes[kReadSize];
-    const ssize_t size = recv(descriptor(), bytes, sizeof bytes, flags);
+    const ssize_t size = recv(descriptor(), bytes, sizeof bytes, MSG_DONTWAIT);
     if (size > 0) {
         _in.append(bytes, static_cast<std::size_t>(size));
         return Came::Something;
@@ -115,7 +98,7 @@ rpc_port_s::ParcelPtr rpc_port_s::cutParcel() {
 
 rpc_port_s::Came rpc_port_s::fill() {
     const std::lock_guard<std::mutex> lock(_readMutex);
-    return read(MSG_DONTWAIT);
+    return read();
 }
 
 rpc_port_s::ParcelPtr rpc_port_s::next() {

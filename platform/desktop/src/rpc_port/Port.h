@@ -48,17 +48,15 @@ public:
     void shutDown();
 
 private:
-    Came read(int flags);
+    Came read();
     ParcelPtr cutParcel();
-    void setReadLimit(std::chrono::microseconds limit);
 
     const Descriptor _socket;
     bool _isOffering = false;
     std::mutex _sendMutex;
     std::mutex _readMutex;
-    std::chrono::microseconds _readLimit{0};  // as the descriptor has it; 0 is none
-    std::string _in;                          // what came
-    std::size_t _cut = 0;                     // how much of it was cut into parcels
+    std::string _in;       // what came
+    std::size_t _cut = 0;  // how much of it was cut into parcels
     std::mutex _offerMutex;
     ParcelPtr _offered;
 };
