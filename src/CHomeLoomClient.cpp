@@ -7,6 +7,7 @@
 
 #include "Common/CException.h"
 #include "Common/CTransaction.h"
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
 #include "Helpers/CPropertyListHelper.h"
@@ -28,28 +29,23 @@ CHomeLoomClient::~CHomeLoomClient() = default;
 
 void CHomeLoomClient::Init() {
     HL_TRACE(this);
-    try {
+    LogThrown([&] {
         _MakePriorRequestHandlerMap();
         _MakeRequestHandlerMap();
         Initiate(TPL::CDirectInvoker::GetInstance());
         _ConnectHLClient();
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        throw;
-    }
+    });
 }
 
 void CHomeLoomClient::Termi() {
     HL_TRACE(this);
-    try {
+    Guarded([&] {
         _quit = true;
         _DisconnectHLClient();
         _priorDispatcher.Quit();
         _normalDispatcher.Quit();
         TerminateSync(TPL::CDirectInvoker::GetInstance());
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    });
 }
 
 void CHomeLoomClient::_Invoke(Task task) {
@@ -80,20 +76,12 @@ void CHomeLoomClient::GetDeviceList() {
 
 void CHomeLoomClient::_ConnectHLClient() {
     HL_TRACE(this);
-    try {
-        _client.Init();
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    Guarded([&] { _client.Init(); });
 }
 
 void CHomeLoomClient::_DisconnectHLClient() {
     HL_TRACE(this);
-    try {
-        _client.Deinit();
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    Guarded([&] { _client.Deinit(); });
 }
 
 void CHomeLoomClient::_RequestService(const std::shared_ptr<CTransaction>& transaction) {
@@ -149,19 +137,11 @@ void CHomeLoomClient::_StopSearch() {
 // controller's context and run it, while the scheduler holds the session's mutex and waits for the device handler's.
 void CHomeLoomClient::_GetDeviceList() {
     HL_TRACE(this);
-    try {
-        _normalDispatcher.EnqueueData([this] { _ScanDevices(); }, "GetDeviceList");
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    Guarded([&] { _normalDispatcher.EnqueueData([this] { _ScanDevices(); }, "GetDeviceList"); });
 }
 
 void CHomeLoomClient::_ScanDevices() {
-    try {
-        _client.StartScan();
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    Guarded([&] { _client.StartScan(); });
 }
 
 }  // namespace VMFramework::HomeLoom

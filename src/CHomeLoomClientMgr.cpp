@@ -2,9 +2,8 @@
 // each other.
 #include "CHomeLoomClientMgr.h"
 
-#include <exception>
-
 #include "CHomeLoomClient.h"
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 
 namespace VMFramework::HomeLoom {
@@ -20,57 +19,32 @@ CHomeLoomClientMgr::~CHomeLoomClientMgr() = default;
 
 void CHomeLoomClientMgr::Init() {
     HL_TRACE(this);
-    try {
-        _client->Init();
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        throw;
-    }
+    LogThrown([&] { _client->Init(); });
 }
 
 void CHomeLoomClientMgr::Termi() {
     HL_TRACE(this);
-    try {
-        _client->Termi();
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    Guarded([&] { _client->Termi(); });
 }
 
 void CHomeLoomClientMgr::Search() {
     HL_TRACE(this);
-    try {
-        _client->Search();
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    Guarded([&] { _client->Search(); });
 }
 
 void CHomeLoomClientMgr::StopSearch() {
     HL_TRACE(this);
-    try {
-        _client->StopSearch();
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    Guarded([&] { _client->StopSearch(); });
 }
 
 void CHomeLoomClientMgr::GetDeviceList() {
     HL_TRACE(this);
-    try {
-        _client->GetDeviceList();
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    Guarded([&] { _client->GetDeviceList(); });
 }
 
 void CHomeLoomClientMgr::RequestService(const std::shared_ptr<CTransaction>& transaction) {
     HL_TRACE(this);
-    try {
-        _client->RequestService(transaction);
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    Guarded([&] { _client->RequestService(transaction); });
 }
 
 }  // namespace VMFramework::HomeLoom

@@ -14,6 +14,7 @@
 
 #include <VMFramework/JsonValue.h>
 
+#include "Common/CText.h"
 #include "Common/DeviceInfoStructs.h"
 #include "Common/HLLog.h"
 
@@ -24,11 +25,6 @@ using json::JsonValue;
 namespace {
 
 constexpr char kCountryCodeKey[] = "db/comss/countrycode";
-
-struct FreeText {
-    void operator()(char* text) const noexcept { std::free(text); }
-};
-using OwnedText = std::unique_ptr<char, FreeText>;
 
 using AppTextFunction = int (*)(char** text);
 

@@ -6,6 +6,10 @@
 
 namespace VMFramework::HomeLoom {
 
+/// What a button says when nobody presses it, and how long a press shows until then.
+inline constexpr char kButtonReady[] = "Ready";
+inline constexpr unsigned kButtonStandbyMs = 1000;
+
 /// The cloud's own numbering; the number goes out as "cloud_device_status". The underlying type is fixed
 /// because the agent may tell a number that has no name here.
 enum DeviceStatus : int {

@@ -9,6 +9,7 @@
 #include "CHomeLoomClientMgr.h"
 #include "Common/CException.h"
 #include "Common/CTransaction.h"
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
 #include "Helpers/CEndpointHelper.h"
@@ -59,28 +60,23 @@ CServiceController::~CServiceController() = default;
 
 void CServiceController::Init() {
     HL_TRACE(this);
-    try {
+    LogThrown([&] {
         Initiate(TPL::CDirectInvoker::GetInstance());
         _ServiceHandlerCreate();
         // Subscribed before the callbacks are set: what the framework asks meanwhile finds no callback.
         _ServiceHandlerSubscribeService();
         _ServiceHandlerSetCallbacks();
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        throw;
-    }
+    });
 }
 
 void CServiceController::Termi() {
     HL_TRACE(this);
-    try {
+    Guarded([&] {
         // First the context, so that a callback that still arrives is refused.
         TerminateSync(TPL::CDirectInvoker::GetInstance());
         _ServiceHandlerUnsubscribeService();
         _ServiceHandlerDestroy();
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    });
 }
 
 void CServiceController::_Invoke(Task task) {
@@ -149,31 +145,27 @@ std::string CServiceController::GetPluginStatusString(PluginStatus status) {
 
 void CServiceController::_ServiceHandlerCreate() {
     HL_TRACE(this);
-    try {
+    Guarded([&] {
         _serviceHandler = vmf_service_handler_create(VmfString(kServiceHandlerName));
         if (_serviceHandler == nullptr) {
             throw CException("service_handler handle creation failed", kErrorFailed);
         }
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    });
 }
 
 void CServiceController::_ServiceHandlerSubscribeService() {
     HL_TRACE(this);
-    try {
+    Guarded([&] {
         ThrowUnlessZero(vmf_service_handler_subscribe_service(_serviceHandler, VmfString(kServiceName)),
                         "service_handler subscribe service failed");
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    });
 }
 
 // The framework's notions: active search is its search, search all its device list request, passive search its
 // listening.
 void CServiceController::_ServiceHandlerSetCallbacks() {
     HL_TRACE(this);
-    try {
+    Guarded([&] {
         ThrowUnlessZero(vmf_service_handler_set_request_service_callback(_serviceHandler, _OnRequestService, this),
                         "set service property cb failed ");
         ThrowUnlessZero(vmf_service_handler_set_active_search_callback(_serviceHandler, _OnStartSearch, this),
@@ -188,34 +180,27 @@ void CServiceController::_ServiceHandlerSetCallbacks() {
                         "set listen stop cb failed ");
         ThrowUnlessZero(vmf_service_handler_set_add_device_callback(_serviceHandler, _OnAddDevice, this),
                         "add devie cb failed ");
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    });
 }
 
 void CServiceController::_ServiceHandlerUnsubscribeService() {
     HL_TRACE(this);
-    try {
+    Guarded([&] {
         ThrowUnlessZero(vmf_service_handler_unsubscribe_service(_serviceHandler, VmfString(kServiceName)),
                         "service_handler unsubscribe service failed");
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    });
 }
 
 void CServiceController::_ServiceHandlerDestroy() {
     HL_TRACE(this);
-    try {
-        ThrowUnlessZero(vmf_service_handler_destroy(_serviceHandler), "vmf_service_handler_destroy failed");
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    Guarded(
+        [&] { ThrowUnlessZero(vmf_service_handler_destroy(_serviceHandler), "vmf_service_handler_destroy failed"); });
 }
 
 void CServiceController::_RequestService(const std::shared_ptr<IPropertyListHelper>& list,
                                          vmf_transaction_h transaction) {
     HL_TRACE(this);
-    try {
+    Guarded([&] {
         // They run on whatever thread answers, past the context: the controller outlives every transaction's user.
         auto notifyHandler = [this, transaction](const std::shared_ptr<IPropertyListHelper>& answer) {
             _NotifyService(answer, transaction);
@@ -224,36 +209,22 @@ void CServiceController::_RequestService(const std::shared_ptr<IPropertyListHelp
             _RequestResult(answer, transaction);
         };
         CHomeLoomClientMgr::GetInstance().RequestService(CTransaction::Create(list, notifyHandler, resultHandler));
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    });
 }
 
 void CServiceController::_Search(vmf_service_handler_h, const std::string&) {
     HL_TRACE(this);
-    try {
-        CHomeLoomClientMgr::GetInstance().Search();
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    Guarded([&] { CHomeLoomClientMgr::GetInstance().Search(); });
 }
 
 void CServiceController::_StopSearch() {
     HL_TRACE(this);
-    try {
-        CHomeLoomClientMgr::GetInstance().StopSearch();
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    Guarded([&] { CHomeLoomClientMgr::GetInstance().StopSearch(); });
 }
 
 void CServiceController::_GetDeviceList(vmf_service_handler_h, const std::string&) {
     HL_TRACE(this);
-    try {
-        CHomeLoomClientMgr::GetInstance().GetDeviceList();
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    Guarded([&] { CHomeLoomClientMgr::GetInstance().GetDeviceList(); });
 }
 
 void CServiceController::_NotifyService(const std::shared_ptr<IPropertyListHelper>& list,
@@ -294,23 +265,19 @@ void CServiceController::_ReportServiceNotify(const std::shared_ptr<IPropertyLis
 
 void CServiceController::_ReportDeviceList(const std::shared_ptr<IEndpointListHelper>& list) {
     HL_TRACE(this);
-    try {
+    Guarded([&] {
         // The text is that of the found device; it stands in the log for both.
         ThrowUnlessZero(vmf_service_handler_report_device_list(_serviceHandler, list->GetHandle()),
                         "service_handler_report_device_found failed");
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    });
 }
 
 void CServiceController::_ReportDeviceFound(const std::shared_ptr<IEndpointHelper>& endpoint) {
     HL_TRACE(this);
-    try {
+    Guarded([&] {
         ThrowUnlessZero(vmf_service_handler_report_device_found(_serviceHandler, endpoint->GetHandle()),
                         "service_handler_report_device_found failed");
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    });
 }
 
 void CServiceController::_ReportPluginStatus(PluginStatus status) {

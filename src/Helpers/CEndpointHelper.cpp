@@ -2,6 +2,7 @@
 #include "Helpers/CEndpointHelper.h"
 
 #include "Common/CException.h"
+#include "Common/CText.h"
 #include "Common/HLLog.h"
 
 namespace VMFramework::HomeLoom {
@@ -13,10 +14,6 @@ std::shared_ptr<IEndpointHelper> MakeHelper(vmf_endpoint_h endpoint, bool owning
         throw CException("endpoint_h is invalid", kErrorInvalidHandle);
     }
     return std::make_shared<CEndpointHelper>(endpoint, owning);
-}
-
-std::string TextOf(const char* text) {
-    return text != nullptr ? text : "";
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 
 #include "Common/CException.h"
 #include "Common/CHLUtil.h"
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
 #include "Common/WayOut.h"
@@ -50,6 +51,14 @@ static_assert(kSseMask == 0x49907);
 // The agent's own state number for "still waiting for the cloud".
 constexpr int kAgentStateWaiting = 2;
 
+// The device handler ends its own two threads here; the others' loops run on the scheduler, which is joined after this.
+void QuitHandler(DeviceHandler& handler) {
+    handler.Deinit();
+}
+void QuitHandler(Handler& handler) {
+    handler.Quit();
+}
+
 }  // namespace
 
 HomeloomClient::HomeloomClient(ITesselHandler& agent)
@@ -72,39 +81,15 @@ HomeloomClient::HomeloomClient(ITesselHandler& agent)
 HomeloomClient::~HomeloomClient() {
     _isTerminating = true;
     CServerEnvMgr::GetInstance().SetAgent(nullptr);
-    _wifiLockerHandler.reset();
-    _lifeHandler.Reset();
-    _coreDeviceHandler.Reset();
-    _deviceHandler.Reset();
-    _externalServiceHandler.reset();
-    _activeUserEventHandler.reset();
-    _locationHandler.Reset();
-    _irHandler.reset();
-    _routineHandler.Reset();
-    _sceneHandler.Reset();
-    _favoriteHandler.reset();
-    _hubHandler.reset();
 }
 
 void HomeloomClient::makeReplaceableHandlers() {
-    if (!_deviceHandler.Get()) {
-        _deviceHandler.Set(std::make_shared<DeviceHandler>(_agent));
-    }
-    if (!_coreDeviceHandler.Get()) {
-        _coreDeviceHandler.Set(std::make_shared<CoreDeviceHandler>(_agent));
-    }
-    if (!_routineHandler.Get()) {
-        _routineHandler.Set(std::make_shared<RoutineHandler>(_agent));
-    }
-    if (!_sceneHandler.Get()) {
-        _sceneHandler.Set(std::make_shared<SceneHandler>(_agent));
-    }
-    if (!_locationHandler.Get()) {
-        _locationHandler.Set(std::make_shared<LocationHandler>(_agent));
-    }
-    if (!_lifeHandler.Get()) {
-        _lifeHandler.Set(std::make_shared<LifeHandler>(_agent));
-    }
+    forEachReplaceable([this](auto& slot) {
+        using Kind = typename std::decay_t<decltype(slot)>::Handler;
+        if (!slot.Get()) {
+            slot.Set(std::make_shared<Kind>(_agent));
+        }
+    });
 }
 
 void HomeloomClient::Init() {
@@ -203,26 +188,12 @@ void HomeloomClient::deinitClient() {
     }
 }
 
-// The device handler ends its own two threads here; the others' loops run on the scheduler, which is joined after this.
 void HomeloomClient::quitHandlers() {
-    if (const auto device = _deviceHandler.Get()) {
-        device->Deinit();
-    }
-    if (const auto core = _coreDeviceHandler.Get()) {
-        core->Quit();
-    }
-    if (const auto routine = _routineHandler.Get()) {
-        routine->Quit();
-    }
-    if (const auto scene = _sceneHandler.Get()) {
-        scene->Quit();
-    }
-    if (const auto location = _locationHandler.Get()) {
-        location->Quit();
-    }
-    if (const auto life = _lifeHandler.Get()) {
-        life->Quit();
-    }
+    forEachReplaceable([](auto& slot) {
+        if (const auto handler = slot.Get()) {
+            QuitHandler(*handler);
+        }
+    });
 }
 
 // ---- Connection ----
@@ -386,14 +357,12 @@ void HomeloomClient::disclaimerAgreeChanged(keynode_t* node, void* userData) {
     if (node == nullptr || userData == nullptr) {
         return;
     }
-    try {
+    Guarded([&] {
         const char* name = vconf_keynode_get_name(node);
         if (name != nullptr && std::strcmp(name, kDisclaimerKey) == 0) {
             static_cast<HomeloomClient*>(userData)->checkDisclaimerAgree();
         }
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    });
 }
 
 void HomeloomClient::setDisclaimerAgreeChangedCallback() {
@@ -582,7 +551,7 @@ void HomeloomClient::updateAccessToken(bool isSignedIn) {
         HL_LOGI("NOT signed in state!");
         return;
     }
-    try {
+    Guarded([&] {
         _agent.StoreSigninInfo();
         std::string token;
         _agent.GetAccessToken(token);
@@ -592,9 +561,7 @@ void HomeloomClient::updateAccessToken(bool isSignedIn) {
         const std::lock_guard<std::recursive_mutex> lock(_sessionMutex);
         const std::lock_guard<std::mutex> account(_accountMutex);
         _accessToken = std::move(token);
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    });
 }
 
 std::string HomeloomClient::GetAccessToken() const {
@@ -674,11 +641,7 @@ void HomeloomClient::AddJobToScheduler(std::function<void()> job, const std::str
 }
 
 void HomeloomClient::clearJobFromScheduler() {
-    try {
-        SGTMsgDispatcher::GetInstance().ClearData();
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    Guarded([&] { SGTMsgDispatcher::GetInstance().ClearData(); });
 }
 
 // ---- The handlers' ways back ----

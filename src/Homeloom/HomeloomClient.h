@@ -304,9 +304,19 @@ private:
     bool isSkippedWithoutAgent() const;
     /// Null, and logged, for a device that is none.
     std::shared_ptr<CameraDevice> findCamera(const std::string& deviceId) const;
-    /// Logs when there is none: a request that arrives during an update of the agent ends without an answer.
-    template <typename Handler>
-    static std::shared_ptr<Handler> handlerOf(const HandlerSlot<Handler>& slot);
+    /// Hands a request that is not refused to the handler's method. Logs when there is no handler: a request that
+    /// arrives during an update of the agent ends without an answer.
+    template <typename Handler, typename Method, typename... Args>
+    static void forward(bool isRefused, const HandlerSlot<Handler>& slot, Method method, const Args&... args);
+    /// Hands a request to the camera. Where none has that id, the answer is 'failure', with the id.
+    template <typename Param, typename Call>
+    void askCamera(Param failure, const std::string& deviceId, const Call& call);
+    /// Calls an operation of the agent's key-value store and answers with what it tells.
+    template <typename Param, typename Operation, typename... Args>
+    void askLocksmith(const Transaction& transaction, Operation operation, const Args&... args);
+    /// Calls the function with each slot whose handler an update of the agent replaces, the devices' first.
+    template <typename Function>
+    void forEachReplaceable(const Function& function);
     /// The device, if it is one of that class.
     template <typename Kind>
     std::shared_ptr<Kind> findDeviceOf(const std::string& deviceId) const;
@@ -335,6 +345,15 @@ private:
     // between may still wait in the scheduler afterwards.
     std::atomic<bool> _isConnectionWanted{false};
 
+    mutable std::recursive_mutex _sessionMutex;
+    RetryCounter _retryCounter;
+    CTesselUpdateChecker _updateChecker;
+    // Outermost: start, and what an update of the agent does, one at a time. Teardown sets the latch and passes the
+    // mutex once; from then on an update does nothing.
+    std::mutex _lifecycleMutex;
+    std::atomic<bool> _isLifecycleOver{false};
+
+    // The handlers stand last and so go first, while all that they come back to is still there.
     Canvas _canvas;
     std::unique_ptr<CHubHandler> _hubHandler;
     std::unique_ptr<FavoriteHandler> _favoriteHandler;
@@ -348,24 +367,28 @@ private:
     HandlerSlot<CoreDeviceHandler> _coreDeviceHandler;
     HandlerSlot<LifeHandler> _lifeHandler;
     std::shared_ptr<WifiLockerHandler> _wifiLockerHandler;
-
-    CTesselUpdateChecker _updateChecker;
-    // Outermost: start, and what an update of the agent does, one at a time. Teardown sets the latch and passes the
-    // mutex once; from then on an update does nothing.
-    std::mutex _lifecycleMutex;
-    std::atomic<bool> _isLifecycleOver{false};
-
-    mutable std::recursive_mutex _sessionMutex;
-    RetryCounter _retryCounter;
 };
 
-template <typename Handler>
-std::shared_ptr<Handler> HomeloomClient::handlerOf(const HandlerSlot<Handler>& slot) {
-    auto handler = slot.Get();
-    if (!handler) {
+template <typename Handler, typename Method, typename... Args>
+void HomeloomClient::forward(bool isRefused, const HandlerSlot<Handler>& slot, Method method, const Args&... args) {
+    if (isRefused) {
+        return;
+    }
+    if (const auto handler = slot.Get()) {
+        (*handler.*method)(args...);
+    } else {
         HL_LOGE("handler is gone, the request ends here");
     }
-    return handler;
+}
+
+template <typename Function>
+void HomeloomClient::forEachReplaceable(const Function& function) {
+    function(_deviceHandler);
+    function(_coreDeviceHandler);
+    function(_routineHandler);
+    function(_sceneHandler);
+    function(_locationHandler);
+    function(_lifeHandler);
 }
 
 }  // namespace VMFramework::HomeLoom

@@ -12,6 +12,7 @@
 
 #include "Common/CException.h"
 #include "Common/CHLUtil.h"
+#include "Common/CText.h"
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
 #include "Common/WayOut.h"
@@ -31,9 +32,6 @@
 namespace VMFramework::HomeLoom {
 
 namespace {
-
-constexpr char kButtonReady[] = "Ready";
-constexpr unsigned kButtonStandbyMs = 1000;
 
 std::vector<std::string> DeviceIds(ITesselHandler& agent, const ClientDeviceList& list) {
     std::vector<std::string> ids;
@@ -67,9 +65,8 @@ void HomeloomClient::_HomeLoomCoreSSEChanged(homeloom_core_sse_e type, long long
     if (session == nullptr || session->_isTerminating) {
         return;
     }
-    session->AddJobToScheduler(
-        [session, type, text = std::string(json != nullptr ? json : "")] { session->handleSseEvent(type, text); },
-        "_HomeLoomCoreSSEChanged");
+    session->AddJobToScheduler([session, type, text = TextOf(json)] { session->handleSseEvent(type, text); },
+                               "_HomeLoomCoreSSEChanged");
 } catch (const std::exception& e) {
     HL_LOG_EXCEPTION(e);
 }

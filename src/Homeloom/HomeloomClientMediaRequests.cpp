@@ -37,68 +37,56 @@ std::shared_ptr<Kind> HomeloomClient::findDeviceOf(const std::string& deviceId) 
     return devices ? std::dynamic_pointer_cast<Kind>(devices->FindDevice(deviceId)) : nullptr;
 }
 
-void HomeloomClient::GetAvpCameraUrl(const Transaction& transaction, const std::string& deviceId) {
-    requireClientAvailable();
-    const std::string accessToken = GetAccessToken();
+template <typename Param, typename Call>
+void HomeloomClient::askCamera(Param failure, const std::string& deviceId, const Call& call) {
     if (const auto camera = findCamera(deviceId)) {
-        tryGetMetadata(vidOf(*camera));
-        camera->GetAvpUrl(transaction, camera, accessToken);
+        call(camera);
         return;
     }
-    GetAvpCameraUrlParam param(transaction);
-    param.deviceId = deviceId;
-    param.accessToken = accessToken;
-    Reporter::Report(param);
+    failure.deviceId = deviceId;
+    Reporter::Report(failure);
+}
+
+void HomeloomClient::GetAvpCameraUrl(const Transaction& transaction, const std::string& deviceId) {
+    requireClientAvailable();
+    GetAvpCameraUrlParam failure(transaction);
+    failure.accessToken = GetAccessToken();
+    askCamera(failure, deviceId, [&](const auto& camera) {
+        tryGetMetadata(vidOf(*camera));
+        camera->GetAvpUrl(transaction, camera, failure.accessToken);
+    });
 }
 
 void HomeloomClient::GetNoneAvpCameraUrl(const Transaction& transaction, const std::string& deviceId) {
     requireClientAvailable();
-    if (const auto camera = findCamera(deviceId)) {
+    askCamera(GetNoneAvpCameraUrlParam(transaction), deviceId, [&](const auto& camera) {
         tryGetMetadata(vidOf(*camera));
         camera->GetNoneAvpUrl(transaction, camera);
-        return;
-    }
-    GetNoneAvpCameraUrlParam param(transaction);
-    param.deviceId = deviceId;
-    Reporter::Report(param);
+    });
 }
 
 void HomeloomClient::GetRingDoorBellUrl(const Transaction& transaction, const std::string& deviceId) {
     requireClientAvailable();
-    if (const auto camera = findCamera(deviceId)) {
+    askCamera(GetRingDoorbellUrlParam(transaction), deviceId, [&](const auto& camera) {
         // This one takes the list and group callbacks away until they are next registered.
         deregisterOCFCallback();
         tryGetMetadata(vidOf(*camera));
         camera->GetRingDoorBellUrl(transaction);
-        return;
-    }
-    GetRingDoorbellUrlParam param(transaction);
-    param.deviceId = deviceId;
-    Reporter::Report(param);
+    });
 }
 
 void HomeloomClient::SetCameraNotification(const Transaction& transaction, const std::string& deviceId, int type) {
     requireClientAvailable();
-    if (const auto camera = findCamera(deviceId)) {
-        camera->SetCameraNotification(transaction, type);
-        return;
-    }
-    SetCameraNotificationTypeParam param(transaction);
-    param.deviceId = deviceId;
-    param.cameraNotificationType = type;
-    Reporter::Report(param);
+    SetCameraNotificationTypeParam failure(transaction);
+    failure.cameraNotificationType = type;
+    askCamera(failure, deviceId, [&](const auto& camera) { camera->SetCameraNotification(transaction, type); });
 }
 
 void HomeloomClient::UnsetCameraNotification(const Transaction& transaction, const std::string& deviceId, int type) {
     requireClientAvailable();
-    if (const auto camera = findCamera(deviceId)) {
-        camera->UnsetCameraNotification(transaction, type);
-        return;
-    }
-    UnsetCameraNotificationTypeParam param(transaction);
-    param.deviceId = deviceId;
-    param.cameraNotificationType = type;
-    Reporter::Report(param);
+    UnsetCameraNotificationTypeParam failure(transaction);
+    failure.cameraNotificationType = type;
+    askCamera(failure, deviceId, [&](const auto& camera) { camera->UnsetCameraNotification(transaction, type); });
 }
 
 // The next two do not ask whether a user is signed in: without one there is no device.
@@ -106,24 +94,15 @@ void HomeloomClient::UnsetCameraNotification(const Transaction& transaction, con
 void HomeloomClient::RequestExecuteCommand(const Transaction& transaction, const std::string& deviceId,
                                            const std::string& component, const std::string& capability,
                                            const std::string& command, const std::string& argument) {
-    if (const auto camera = findCamera(deviceId)) {
+    askCamera(ExecuteCommandParam(transaction), deviceId, [&](const auto& camera) {
         camera->RequestExecuteCommand(transaction, component, capability, command, argument);
-        return;
-    }
-    ExecuteCommandParam param(transaction);
-    param.deviceId = deviceId;
-    Reporter::Report(param);
+    });
 }
 
 void HomeloomClient::RequestGetStatusOfCapability(const Transaction& transaction, const std::string& deviceId,
                                                   const std::string& component, const std::string& capability) {
-    if (const auto camera = findCamera(deviceId)) {
-        camera->RequestGetStatusOfCapability(transaction, component, capability);
-        return;
-    }
-    GetCapabilityStatusParam param(transaction);
-    param.deviceId = deviceId;
-    Reporter::Report(param);
+    askCamera(GetCapabilityStatusParam(transaction), deviceId,
+              [&](const auto& camera) { camera->RequestGetStatusOfCapability(transaction, component, capability); });
 }
 
 void HomeloomClient::GetRefrigeratorInnerviewUrl(const Transaction& transaction, const std::string& deviceId) {

@@ -8,6 +8,7 @@
 #include <VMFramework/JsonValue.h>
 
 #include "Common/CReporter.h"
+#include "Common/CText.h"
 #include "Common/CTransaction.h"
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
@@ -38,10 +39,6 @@ struct PendingAction {
     HomeloomClient* session;
     std::shared_ptr<CTransaction> transaction;
 };
-
-std::string TextOf(const char* text) {
-    return text != nullptr ? text : "";
-}
 
 }  // namespace
 
@@ -282,54 +279,31 @@ void HomeloomClient::DeleteDevice(const Transaction& transaction, const std::sha
 }
 
 void HomeloomClient::GetDeviceIcons(const Transaction& transaction, const std::string& deviceId) {
-    if (isRefusedWithoutAgent()) {
-        return;
-    }
-    if (const auto devices = handlerOf(_deviceHandler)) {
-        devices->GetDeviceIcons(transaction, deviceId);
-    }
+    forward(isRefusedWithoutAgent(), _deviceHandler, &DeviceHandler::GetDeviceIcons, transaction, deviceId);
 }
 
 // ---- Rooms ----
 
 void HomeloomClient::CreateRoom(const Transaction& transaction, const std::string& locationId,
                                 const std::string& roomName) {
-    if (isSkippedWithoutAgent()) {
-        return;
-    }
-    if (const auto locations = handlerOf(_locationHandler)) {
-        locations->CreateRoom(transaction, locationId, roomName);
-    }
+    forward(isSkippedWithoutAgent(), _locationHandler, &LocationHandler::CreateRoom, transaction, locationId, roomName);
 }
 
 void HomeloomClient::RemoveRoom(const Transaction& transaction, const std::string& locationId,
                                 const std::string& roomId) {
-    if (isSkippedWithoutAgent()) {
-        return;
-    }
-    if (const auto locations = handlerOf(_locationHandler)) {
-        locations->RemoveRoom(transaction, locationId, roomId);
-    }
+    forward(isSkippedWithoutAgent(), _locationHandler, &LocationHandler::RemoveRoom, transaction, locationId, roomId);
 }
 
 void HomeloomClient::ChangeRoomName(const Transaction& transaction, const std::string& locationId,
                                     const std::string& roomId, const std::string& roomName) {
-    if (isSkippedWithoutAgent()) {
-        return;
-    }
-    if (const auto locations = handlerOf(_locationHandler)) {
-        locations->ChangeRoomName(transaction, locationId, roomId, roomName);
-    }
+    forward(isSkippedWithoutAgent(), _locationHandler, &LocationHandler::ChangeRoomName, transaction, locationId,
+            roomId, roomName);
 }
 
 void HomeloomClient::MoveDevices(const Transaction& transaction, int count, const std::string& deviceIds,
                                  const std::string& locationId, const std::string& roomId) {
-    if (isSkippedWithoutAgent()) {
-        return;
-    }
-    if (const auto locations = handlerOf(_locationHandler)) {
-        locations->MoveDevices(transaction, deviceIds, count, locationId, roomId);
-    }
+    forward(isSkippedWithoutAgent(), _locationHandler, &LocationHandler::MoveDevices, transaction, deviceIds, count,
+            locationId, roomId);
 }
 
 // ---- Favorites ----
@@ -366,61 +340,33 @@ void HomeloomClient::UpdateFavoriteMigrationStatus(const Transaction& transactio
 
 void HomeloomClient::ExecuteScene(const Transaction& transaction, const std::string& locationId,
                                   const std::string& sceneId) {
-    if (isRefusedWithoutAgent()) {
-        return;
-    }
-    if (const auto scenes = handlerOf(_sceneHandler)) {
-        scenes->ExecuteScene(transaction, locationId, sceneId);
-    }
+    forward(isRefusedWithoutAgent(), _sceneHandler, &SceneHandler::ExecuteScene, transaction, locationId, sceneId);
 }
 
 void HomeloomClient::CreateScene(const Transaction& transaction, const std::string& locationId,
                                  const std::string& sceneJson) {
-    if (isRefusedWithoutAgent()) {
-        return;
-    }
-    if (const auto scenes = handlerOf(_sceneHandler)) {
-        scenes->CreateScene(transaction, locationId, sceneJson);
-    }
+    forward(isRefusedWithoutAgent(), _sceneHandler, &SceneHandler::CreateScene, transaction, locationId, sceneJson);
 }
 
 void HomeloomClient::UpdateScene(const Transaction& transaction, const std::string& locationId,
                                  const std::string& sceneId, const std::string& sceneJson) {
-    if (isRefusedWithoutAgent()) {
-        return;
-    }
-    if (const auto scenes = handlerOf(_sceneHandler)) {
-        scenes->UpdateScene(transaction, locationId, sceneId, sceneJson);
-    }
+    forward(isRefusedWithoutAgent(), _sceneHandler, &SceneHandler::UpdateScene, transaction, locationId, sceneId,
+            sceneJson);
 }
 
 void HomeloomClient::DeleteScene(const Transaction& transaction, const std::string& locationId,
                                  const std::string& sceneId) {
-    if (isRefusedWithoutAgent()) {
-        return;
-    }
-    if (const auto scenes = handlerOf(_sceneHandler)) {
-        scenes->DeleteScene(transaction, locationId, sceneId);
-    }
+    forward(isRefusedWithoutAgent(), _sceneHandler, &SceneHandler::DeleteScene, transaction, locationId, sceneId);
 }
 
 void HomeloomClient::GetSceneIconInfo(const Transaction& transaction) {
-    if (isRefusedWithoutAgent()) {
-        return;
-    }
-    if (const auto scenes = handlerOf(_sceneHandler)) {
-        scenes->GetSceneIconInfo(transaction);
-    }
+    forward(isRefusedWithoutAgent(), _sceneHandler, &SceneHandler::GetSceneIconInfo, transaction);
 }
 
 void HomeloomClient::UpdateRoutineStatus(const Transaction& transaction, const std::string& locationId,
                                          const std::string& routineId, bool enable) {
-    if (isRefusedWithoutAgent()) {
-        return;
-    }
-    if (const auto routines = handlerOf(_routineHandler)) {
-        routines->UpdateRoutineStatus(transaction, locationId, routineId, enable);
-    }
+    forward(isRefusedWithoutAgent(), _routineHandler, &RoutineHandler::UpdateRoutineStatus, transaction, locationId,
+            routineId, enable);
 }
 
 // ---- Hub ----
@@ -467,42 +413,31 @@ void HomeloomClient::SendActiveUserEvent(const Transaction& transaction, int cat
     _activeUserEventHandler->SendActiveUserEvent(transaction, category, action, label, metadata);
 }
 
+template <typename Param, typename Operation, typename... Args>
+void HomeloomClient::askLocksmith(const Transaction& transaction, Operation operation, const Args&... args) {
+    if (isHomeLoomClientAvailable()) {
+        Param param(transaction);
+        param.result = (_agent.*operation)(args..., param.locksmithInfoJson) == 0;
+        Reporter::Report(param);
+    }
+}
+
 void HomeloomClient::CreateLocksmithKeyValue(const Transaction& transaction, const std::string& key,
                                              const std::string& value) {
-    if (!isHomeLoomClientAvailable()) {
-        return;
-    }
-    CreateLocksmithKeyValueParam param(transaction);
-    param.result = _agent.CreateLocksmithKeyValue(key, value, param.locksmithInfoJson) == 0;
-    Reporter::Report(param);
+    askLocksmith<CreateLocksmithKeyValueParam>(transaction, &ITesselHandler::CreateLocksmithKeyValue, key, value);
 }
 
 void HomeloomClient::GetLocksmithKeyValue(const Transaction& transaction, const std::string& key) {
-    if (!isHomeLoomClientAvailable()) {
-        return;
-    }
-    GetLocksmithKeyValueParam param(transaction);
-    param.result = _agent.GetLocksmithKeyValue(key, param.locksmithInfoJson) == 0;
-    Reporter::Report(param);
+    askLocksmith<GetLocksmithKeyValueParam>(transaction, &ITesselHandler::GetLocksmithKeyValue, key);
 }
 
 void HomeloomClient::UpdateLocksmithKeyValue(const Transaction& transaction, const std::string& key,
                                              const std::string& value) {
-    if (!isHomeLoomClientAvailable()) {
-        return;
-    }
-    UpdateLocksmithKeyValueParam param(transaction);
-    param.result = _agent.UpdateLocksmithKeyValue(key, value, param.locksmithInfoJson) == 0;
-    Reporter::Report(param);
+    askLocksmith<UpdateLocksmithKeyValueParam>(transaction, &ITesselHandler::UpdateLocksmithKeyValue, key, value);
 }
 
 void HomeloomClient::DeleteLocksmithKeyValue(const Transaction& transaction, const std::string& key) {
-    if (!isHomeLoomClientAvailable()) {
-        return;
-    }
-    DeleteLocksmithKeyValueParam param(transaction);
-    param.result = _agent.DeleteLocksmithKeyValue(key, param.locksmithInfoJson) == 0;
-    Reporter::Report(param);
+    askLocksmith<DeleteLocksmithKeyValueParam>(transaction, &ITesselHandler::DeleteLocksmithKeyValue, key);
 }
 
 void HomeloomClient::GetAccessTokenUid(const Transaction& transaction) {

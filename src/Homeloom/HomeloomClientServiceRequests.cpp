@@ -43,15 +43,11 @@ void HomeloomClient::GetThridPartyNotificationStatus(const Transaction& transact
 }
 
 void HomeloomClient::GetInstalledServiceAppInfo(const Transaction& transaction, const std::string& locationId) {
-    if (const auto life = handlerOf(_lifeHandler)) {
-        life->GetInstalledServiceAppInfo(transaction, locationId);
-    }
+    forward(false, _lifeHandler, &LifeHandler::GetInstalledServiceAppInfo, transaction, locationId);
 }
 
 void HomeloomClient::GetEnergyInfo(const Transaction& transaction, const std::string& installedAppId) {
-    if (const auto life = handlerOf(_lifeHandler)) {
-        life->GetEnergyInfo(transaction, installedAppId);
-    }
+    forward(false, _lifeHandler, &LifeHandler::GetEnergyInfo, transaction, installedAppId);
 }
 
 void HomeloomClient::GetWifiLockerUserSetting(const Transaction& transaction) {

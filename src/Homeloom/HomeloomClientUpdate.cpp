@@ -67,14 +67,9 @@ void HomeloomClient::deinitClientByAgentUpdate() {
         if (const auto device = _deviceHandler.Get()) {
             device->ClearTimers();
         }
-        _deviceHandler.Reset();
-        _coreDeviceHandler.Reset();
-        _routineHandler.Reset();
-        _sceneHandler.Reset();
         // The group callback is the location handler's; without the handler nobody takes it back.
         _agent.UnsetGroupListUpdatedCb();
-        _locationHandler.Reset();
-        _lifeHandler.Reset();
+        forEachReplaceable([](auto& slot) { slot.Reset(); });
         _retryCounter.Reset();
         setIsAgentConnected(false);
         unsetDisclaimerAgreeChangedCallback();

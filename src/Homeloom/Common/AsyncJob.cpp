@@ -2,14 +2,14 @@
 #include "Homeloom/Common/AsyncJob.h"
 
 #include <cxxabi.h>
-#include <cstdlib>
+
+#include "Common/CText.h"
 
 namespace VMFramework::HomeLoom {
 
 std::string AsyncJobName(const std::type_info& param) {
     int status = 0;
-    const std::unique_ptr<char, decltype(&std::free)> readable(
-        abi::__cxa_demangle(param.name(), nullptr, nullptr, &status), &std::free);
+    const OwnedText readable(abi::__cxa_demangle(param.name(), nullptr, nullptr, &status));
     const std::string name = readable ? readable.get() : param.name();
     // npos + 1 is 0: a name without namespaces stays whole.
     return name.substr(name.rfind(':') + 1);

@@ -8,10 +8,12 @@
 namespace VMFramework::HomeLoom {
 
 /// Holds a handler that can be taken away while others work in it. Whoever uses it copies the pointer and so keeps the
-/// handler for as long as it works in it; whoever finds none logs that and ends.
+/// handler for as long as it works in it. A caller that gets null logs it and returns.
 template <typename T>
 class HandlerSlot {
 public:
+    using Handler = T;
+
     HandlerSlot() = default;
     explicit HandlerSlot(std::shared_ptr<T> handler) : _handler(std::move(handler)) {}
 

@@ -1,13 +1,13 @@
 // Holds the devices of the signed-in user, and starts and ends the work on them.
 #include "Homeloom/Devices/DeviceHandler.h"
 
-#include <cstdlib>
 #include <exception>
 
 #include <VMFramework/JsonValue.h>
 #include <vconf.h>
 
 #include "Common/CHLUtil.h"
+#include "Common/CText.h"
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
 #include "Homeloom/Common/CallbackTokens.h"
@@ -291,7 +291,7 @@ std::string DeviceHandler::getMyTvId() const {
             return _myTvId;
         }
     }
-    const std::unique_ptr<char, decltype(&std::free)> text(vconf_get_str(Names::VCONF_SIGNUP_INFO), &std::free);
+    const OwnedText text(vconf_get_str(Names::VCONF_SIGNUP_INFO));
     if (!text || *text == '\0') {
         HL_LOGE("signup info empty!");
         return "";

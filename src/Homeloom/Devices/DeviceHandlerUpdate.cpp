@@ -7,6 +7,7 @@
 
 #include "Common/CException.h"
 #include "Common/CHLUtil.h"
+#include "Common/CText.h"
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
 #include "Common/WayOut.h"
@@ -21,8 +22,6 @@ namespace VMFramework::HomeLoom {
 
 namespace {
 
-constexpr unsigned kButtonStandbyMs = 1000;
-constexpr char kButtonReady[] = "Ready";
 // Not the "access_token" of the reports: the screens read this key in state updates.
 constexpr char kStateAccessToken[] = "accesstoken";
 
@@ -31,10 +30,6 @@ struct AttributeRequest {
     std::weak_ptr<DeviceHandler> handler;
     std::string deviceId;
 };
-
-std::string copyOf(const char* text) {
-    return text != nullptr ? text : "";
-}
 
 }  // namespace
 
@@ -126,8 +121,8 @@ void DeviceHandler::_HomeLoomClientGetDeviceRemoteAttributes(int result, const c
             return;
         }
         handler->AddJobToStatusScheduler(
-            [self = handler.get(), id = request->deviceId, uriText = copyOf(uri), rep = copyOf(attributes),
-             dataType = copyOf(resDataType)] {
+            [self = handler.get(), id = request->deviceId, uriText = TextOf(uri), rep = TextOf(attributes),
+             dataType = TextOf(resDataType)] {
                 HL_LOGI(
                     "_HomeLoomClientGetDeviceRemoteAttributes(): Device Id: %s  URI: %s, Attributes: %s, "
                     "Res_data_type: %s",
@@ -149,14 +144,14 @@ void DeviceHandler::_HomeLoomClientSubscribeChanged(const char* deviceId, const 
         if (!handler) {
             return;
         }
-        std::string id = copyOf(deviceId);
+        std::string id = TextOf(deviceId);
         if (handler->isHubConnectedDevice(id)) {
             HL_LOGI("This device id : %s is local hub connected device, do not proceed here", id.c_str());
             return;
         }
         handler->AddJobToScheduler(
-            [weak = std::weak_ptr<DeviceHandler>(handler), id = std::move(id), uriText = copyOf(uri),
-             rep = copyOf(rcsRep), dataType = copyOf(resDataType), errorCode = copyOf(ocfErrorCode)] {
+            [weak = std::weak_ptr<DeviceHandler>(handler), id = std::move(id), uriText = TextOf(uri),
+             rep = TextOf(rcsRep), dataType = TextOf(resDataType), errorCode = TextOf(ocfErrorCode)] {
                 const auto self = weak.lock();
                 if (!self) {
                     return;

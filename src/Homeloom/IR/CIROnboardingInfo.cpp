@@ -11,6 +11,7 @@
 #include <VMFramework/JsonValue.h>
 
 #include "Common/CException.h"
+#include "Common/CText.h"
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
 #include "Helpers/CPropertyListHelper.h"
@@ -296,8 +297,7 @@ JsonValue CIrOnboardingInfo::generateIrMetadata() {
 }
 
 std::string CIrOnboardingInfo::getKeyMap(const std::string& codeset) {
-    const std::unique_ptr<char, decltype(&std::free)> keyMap(qsp_get_supported_keymap_hcodeset(codeset.c_str()),
-                                                             &std::free);
+    const OwnedText keyMap(qsp_get_supported_keymap_hcodeset(codeset.c_str()));
     if (!keyMap) {
         throw CException("qsp_get_supported_keymap_hcodeset returned NULL!!", kErrorNoPlatformData);
     }

@@ -321,25 +321,23 @@ void HubIPCProxy::StartOnboarding(const std::shared_ptr<CTransaction>& transacti
     }
 }
 
-void HubIPCProxy::StopOnboarding(const std::shared_ptr<CTransaction>& transaction) {
-    StopHubOnboardingParam param(transaction);
-    if (isHubIPCConnected(param) && callHub([](IHubControl& hub) { hub.StopOnboarding(MakeDelegate()); })) {
+void HubIPCProxy::ask(ReportParam&& param, void (IHubControl::*method)(std::unique_ptr<proxy::OnEvent>),
+                      const Log::Place& caller) {
+    if (isHubIPCConnected(param) && callHub([method](IHubControl& hub) { (hub.*method)(MakeDelegate()); }, caller)) {
         Reporter::Report(param);
     }
+}
+
+void HubIPCProxy::StopOnboarding(const std::shared_ptr<CTransaction>& transaction) {
+    ask(StopHubOnboardingParam(transaction), &IHubControl::StopOnboarding);
 }
 
 void HubIPCProxy::ResetHub(const std::shared_ptr<CTransaction>& transaction) {
-    ResetHubParam param(transaction);
-    if (isHubIPCConnected(param) && callHub([](IHubControl& hub) { hub.ResetHub(MakeDelegate()); })) {
-        Reporter::Report(param);
-    }
+    ask(ResetHubParam(transaction), &IHubControl::ResetHub);
 }
 
 void HubIPCProxy::ResetDongle(const std::shared_ptr<CTransaction>& transaction) {
-    ResetDongleParam param(transaction);
-    if (isHubIPCConnected(param) && callHub([](IHubControl& hub) { hub.ResetDongle(MakeDelegate()); })) {
-        Reporter::Report(param);
-    }
+    ask(ResetDongleParam(transaction), &IHubControl::ResetDongle);
 }
 
 void HubIPCProxy::GetHubInfo(const std::shared_ptr<CTransaction>& transaction) {

@@ -78,6 +78,10 @@ private:
     bool callHub(const Call& call, const Log::Place& caller = HL_CALLER);
     /// Answers the request when it is false.
     bool isHubIPCConnected(ReportParam& param) const;
+    /// A request that needs no argument, answered once the application has taken it.
+    void ask(ReportParam&& param,
+             void (IHubControl::*method)(std::unique_ptr<rpc_port::IPCProxyBase::proxy::OnEvent> callback),
+             const Log::Place& caller = HL_CALLER);
     std::string getHubInfo();
     void saveHubInfo(const std::string& info);
     static void sendHubInfo(const std::shared_ptr<CTransaction>& transaction, const std::string& info);

@@ -6,10 +6,11 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <optional>
 #include <utility>
+
+#include "Common/CText.h"
 
 // The generated code of all proxies logs in this form, under a tag of its own and without the trace sink.
 #define IPC_LOGE(message, ...) IPC_LOGE_AT(__func__, __LINE__, message, ##__VA_ARGS__)
@@ -55,7 +56,7 @@ std::optional<std::string> ReadText(rpc_port_parcel_h parcel) {
     if (rpc_port_parcel_read_string(parcel, &value) != RPC_PORT_ERROR_NONE) {
         return std::nullopt;
     }
-    const std::unique_ptr<char, decltype(&std::free)> owner(value, std::free);
+    const VMFramework::HomeLoom::OwnedText owner(value);
     return std::string(value);
 }
 

@@ -4,7 +4,6 @@
 #include <system_info.h>
 #include <system_settings.h>
 
-#include <cstdlib>
 #include <ctime>
 #include <exception>
 #include <iomanip>
@@ -21,6 +20,7 @@
 #include "Common/CException.h"
 #include "Common/CHLUtil.h"
 #include "Common/CReporter.h"
+#include "Common/CText.h"
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
 #include "Homeloom/Life/Energy.h"
@@ -43,8 +43,8 @@ struct Platform {
 };
 
 std::string Take(int result, char* text) {
-    const std::unique_ptr<char, decltype(&std::free)> owner(text, &std::free);
-    return result == 0 && text != nullptr ? text : "";
+    const OwnedText owner(text);
+    return result == 0 ? TextOf(owner) : std::string();
 }
 
 Platform ReadPlatform() {

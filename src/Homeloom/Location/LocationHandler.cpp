@@ -2,6 +2,7 @@
 #include "Homeloom/Location/LocationHandler.h"
 
 #include <algorithm>
+#include <exception>
 
 #include <VMFramework/JsonValue.h>
 
@@ -113,35 +114,29 @@ void* LocationHandler::getToken() {
     return _token;
 }
 
-void LocationHandler::AddJobToScheduler(std::function<void()> job, const std::string& name) {
-    SGTMsgDispatcher::GetInstance().EnqueueData(std::move(job), name);
-}
-
 // ---- Change of the groups ----
 
 // On the agent's thread. The list stays the agent's and is not read: everything is read anew.
 void LocationHandler::_HomeLoomClientLocationListUpdated(int notiType, int groupType, homeloom_client_group_h*,
-                                                         int count, const char*, void* userData) {
-    try {
-        HL_LOGI("location noti_type: %d, location type: %d, location size: %d", notiType, groupType, count);
-        if (notiType == 0) {
-            HL_LOGI("skip group noti_type_default");
-            return;
-        }
-        if (userData == nullptr) {
-            return;
-        }
-        AddJobToScheduler(
-            [userData] {
-                HL_LOGI("location list updated");
-                if (const auto self = CallbackTokens::Find<LocationHandler>(userData)) {
-                    self->handleLocationListUpdated();
-                }
-            },
-            "_HomeLoomClientLocationListUpdated");
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
+                                                         int count, const char*, void* userData) try {
+    HL_LOGI("location noti_type: %d, location type: %d, location size: %d", notiType, groupType, count);
+    if (notiType == 0) {
+        HL_LOGI("skip group noti_type_default");
+        return;
     }
+    if (userData == nullptr) {
+        return;
+    }
+    EnqueueOnScheduler(
+        [userData] {
+            HL_LOGI("location list updated");
+            if (const auto self = CallbackTokens::Find<LocationHandler>(userData)) {
+                self->handleLocationListUpdated();
+            }
+        },
+        "_HomeLoomClientLocationListUpdated");
+} catch (const std::exception& e) {
+    HL_LOG_EXCEPTION(e);
 }
 
 void LocationHandler::handleLocationListUpdated() {
@@ -157,7 +152,7 @@ void LocationHandler::handleLocationListUpdated() {
 // On the main loop. Leaves the spent id to the next clean-up.
 void LocationHandler::_LocationTimerCallback(void* token) {
     HL_LOGI("_LocationTimerCallback() start");
-    AddJobToScheduler(
+    EnqueueOnScheduler(
         [token] {
             if (const auto self = CallbackTokens::Find<LocationHandler>(token)) {
                 self->reloadDevices();

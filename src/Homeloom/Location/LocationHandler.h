@@ -75,7 +75,6 @@ private:
                                                    int count, const char* id, void* userData);
     static void _HomeLoomClientMoveDevicesCompleted(int error, void* userData);
     static void _LocationTimerCallback(void* token);
-    static void AddJobToScheduler(std::function<void()> job, const std::string& name);
 
     void handleLocationListUpdated();
     void reloadDevices();

@@ -7,6 +7,7 @@
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
 #include "Homeloom/Common/CallbackTokens.h"
+#include "Homeloom/Common/MsgDispatcher.h"
 #include "Homeloom/Common/UserTransactionData.h"
 #include "Homeloom/Location/LocationHandler.h"
 #include "Homeloom/Tessel/ITesselHandler.h"
@@ -43,14 +44,20 @@ std::string TextOfReply(const std::string& response, const char* member) {
     }
 }
 
-std::string getCreatedRoomId(const std::string& response) {
-    return TextOfReply(response, "roomId");
-}
-
 std::string getChangedRoomName(const std::string& response) {
     std::string name = TextOfReply(response, "name");
     HL_LOGI("changed_room_name : %s", name.c_str());
     return name;
+}
+
+RoomUpdatedParam MakeAnswer(const std::shared_ptr<CTransaction>& transaction, int ret, const char* name,
+                            const char* resultKey, const std::string& locationId) {
+    RoomUpdatedParam param(transaction);
+    param.result = ret == HOMELOOM_CLIENT_ERROR_NONE;
+    param.property_result = name;
+    param.result_key = resultKey;
+    param.locationId = locationId;
+    return param;
 }
 
 void ReportMove(const std::shared_ptr<CTransaction>& transaction, bool result, const std::string& deviceIds,
@@ -74,12 +81,8 @@ void LocationHandler::CreateRoom(const std::shared_ptr<CTransaction>& transactio
     const int ret = _agent.CreateCoreRoom(locationId, roomName, response, errorMessage);
     LogReply(ret, errorMessage, response);
 
-    RoomUpdatedParam param(transaction);
-    param.result = ret == HOMELOOM_CLIENT_ERROR_NONE;
-    param.property_result = Names::HL_CREATE_ROOM_RESULT;
-    param.result_key = Names::CREATE_ROOM_RESULT;
-    param.locationId = locationId;
-    param.roomId = getCreatedRoomId(response);
+    auto param = MakeAnswer(transaction, ret, Names::HL_CREATE_ROOM_RESULT, Names::CREATE_ROOM_RESULT, locationId);
+    param.roomId = TextOfReply(response, "roomId");
     Reporter::Report(param);
 }
 
@@ -93,11 +96,7 @@ void LocationHandler::RemoveRoom(const std::shared_ptr<CTransaction>& transactio
     const int ret = _agent.DeleteCoreRoom(locationId, roomId, response, errorMessage);
     LogReply(ret, errorMessage, response);
 
-    RoomUpdatedParam param(transaction);
-    param.result = ret == HOMELOOM_CLIENT_ERROR_NONE;
-    param.property_result = Names::HL_REMOVE_ROOM_RESULT;
-    param.result_key = Names::REMOVE_ROOM_RESULT;
-    param.locationId = locationId;
+    auto param = MakeAnswer(transaction, ret, Names::HL_REMOVE_ROOM_RESULT, Names::REMOVE_ROOM_RESULT, locationId);
     param.roomId = roomId;
     Reporter::Report(param);
 }
@@ -113,11 +112,8 @@ void LocationHandler::ChangeRoomName(const std::shared_ptr<CTransaction>& transa
     const int ret = _agent.ChangeCoreRoomName(locationId, roomId, roomName, response, errorMessage);
     LogReply(ret, errorMessage, response);
 
-    RoomUpdatedParam param(transaction);
-    param.result = ret == HOMELOOM_CLIENT_ERROR_NONE;
-    param.property_result = Names::HL_CHANGE_ROOM_NAME_RESULT;
-    param.result_key = Names::CHANGE_ROOM_NAME_RESULT;
-    param.locationId = locationId;
+    auto param =
+        MakeAnswer(transaction, ret, Names::HL_CHANGE_ROOM_NAME_RESULT, Names::CHANGE_ROOM_NAME_RESULT, locationId);
     param.roomId = roomId;
     param.roomName = getChangedRoomName(response);
     Reporter::Report(param);
@@ -143,25 +139,23 @@ void LocationHandler::MoveDevices(const std::shared_ptr<CTransaction>& transacti
 }
 
 // On the agent's thread.
-void LocationHandler::_HomeLoomClientMoveDevicesCompleted(int error, void* userData) {
-    try {
-        const auto record = CallbackTokens::Take<UserTransactionDataWithExtra>(userData);
-        if (!record) {
-            HL_LOGE("a move that nobody waits for is completed, result : %d", error);
-            return;
-        }
-        AddJobToScheduler(
-            [error, record] {
-                HL_LOGI("_HomeLoomClientMoveDevicesCompleted(): result : %d, devices_info : %s", error,
-                        record->extra.c_str());
-                const auto info = json::JsonValue::Create(record->extra);
-                ReportMove(record->transaction, error == HOMELOOM_CLIENT_ERROR_NONE, info[Names::DEV_IDS].asString(),
-                           info[Names::DEVICES_SIZE].asInt());
-            },
-            "_HomeLoomClientMoveDevicesCompleted");
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
+void LocationHandler::_HomeLoomClientMoveDevicesCompleted(int error, void* userData) try {
+    const auto record = CallbackTokens::Take<UserTransactionDataWithExtra>(userData);
+    if (!record) {
+        HL_LOGE("a move that nobody waits for is completed, result : %d", error);
+        return;
     }
+    EnqueueOnScheduler(
+        [error, record] {
+            HL_LOGI("_HomeLoomClientMoveDevicesCompleted(): result : %d, devices_info : %s", error,
+                    record->extra.c_str());
+            const auto info = json::JsonValue::Create(record->extra);
+            ReportMove(record->transaction, error == HOMELOOM_CLIENT_ERROR_NONE, info[Names::DEV_IDS].asString(),
+                       info[Names::DEVICES_SIZE].asInt());
+        },
+        "_HomeLoomClientMoveDevicesCompleted");
+} catch (const std::exception& e) {
+    HL_LOG_EXCEPTION(e);
 }
 
 }  // namespace VMFramework::HomeLoom

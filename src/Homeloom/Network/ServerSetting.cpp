@@ -2,15 +2,14 @@
 #include "Homeloom/Network/ServerSetting.h"
 
 #include <array>
-#include <cstdlib>
 #include <exception>
-#include <memory>
 #include <stdexcept>
 
 #include <VMFramework/JsonValue.h>
 #include <vconf.h>
 
 #include "Common/CException.h"
+#include "Common/CText.h"
 #include "Common/HLLog.h"
 
 namespace VMFramework::HomeLoom {
@@ -55,7 +54,7 @@ e_server_env_ ServerSetting::get_server_env(e_server_type_ type) {
 }
 
 std::string ServerSetting::get_server_setting() {
-    const std::unique_ptr<char, void (*)(void*)> setting(vconf_get_str(kServerEnvKey), std::free);
+    const OwnedText setting(vconf_get_str(kServerEnvKey));
     if (!setting) {
         throw std::runtime_error("Can't get Server Setting vconf");
     }

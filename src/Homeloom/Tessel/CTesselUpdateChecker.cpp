@@ -1,9 +1,9 @@
 // Hears from the service manager when the agent goes away for an update and when it is back.
 #include "Homeloom/Tessel/CTesselUpdateChecker.h"
 
-#include <exception>
 #include <utility>
 
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 
 namespace VMFramework::HomeLoom {
@@ -26,11 +26,7 @@ void CTesselUpdateChecker::_AgentUpdateStatusCb(norvane_svcmgr_update_status_e s
     if (userData == nullptr) {
         return;
     }
-    try {
-        static_cast<CTesselUpdateChecker*>(userData)->_HandleAgentUpdateStatusChanged(status);
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    Guarded([&] { static_cast<CTesselUpdateChecker*>(userData)->_HandleAgentUpdateStatusChanged(status); });
 }
 
 void CTesselUpdateChecker::_HandleAgentUpdateStatusChanged(norvane_svcmgr_update_status_e status) {

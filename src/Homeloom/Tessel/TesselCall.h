@@ -1,13 +1,12 @@
 #ifndef HOMELOOM_HOMELOOM_TESSEL_TESSELCALL_H
 #define HOMELOOM_HOMELOOM_TESSEL_TESSELCALL_H
 
-#include <cstdlib>
 #include <initializer_list>
-#include <memory>
 #include <mutex>
 #include <string>
 #include <utility>
 
+#include "Common/CText.h"
 #include "Common/HLLog.h"
 #include "Homeloom/Common/AsyncJob.h"
 #include "Homeloom/Tessel/TesselHandler.h"
@@ -51,10 +50,8 @@ T ToAgent(T value) {
     return value;
 }
 
-/// A text that the agent handed out for us to free.
-using AgentText = std::unique_ptr<char, decltype(&std::free)>;
 inline void TakeText(char* text, std::string& out) {
-    const AgentText owner(text, &std::free);
+    const OwnedText owner(text);
     if (text != nullptr) {
         out = text;
     }

@@ -110,7 +110,7 @@ int TesselHandler::ChangeDeviceName(const std::string& deviceId, const std::stri
     char* resultJson = nullptr;
     const int ret = _Call({{deviceId, "device_id is empty"}, {name, "device_name is empty"}},
                           homeloom_core_change_device_name, deviceId, name, &resultJson);
-    const AgentText owner(resultJson, &std::free);
+    const OwnedText owner(resultJson);
     if (resultJson == nullptr) {
         HL_LOGE("result json value is null ret : %d, device_id : %s, device_name : %s", ret, deviceId.c_str(),
                 name.c_str());

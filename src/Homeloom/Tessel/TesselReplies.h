@@ -9,14 +9,11 @@
 #include <homeloom_client.h>
 #include <homeloom_core.h>
 
+#include "Common/CText.h"
 #include "Common/HLLog.h"
 #include "Homeloom/Common/AsyncJob.h"
 
 namespace VMFramework::HomeLoom {
-
-inline std::string TextOf(const char* text) {
-    return text != nullptr ? text : "";
-}
 
 /// Destroys a list as the agent hands it out. A count below zero is a lie that makes the list suspect: it is left
 /// alone.
@@ -128,125 +125,51 @@ void DeliverText(int error, const char* errorMessage, const char* resultJson, vo
 
 // ---- One reply and one callback for each blocking operation ----
 
-struct GetLocationListParam : ListReply<homeloom_core_location_h, homeloom_core_location_destroy> {
-    using ListReply::ListReply;
-};
-constexpr homeloom_core_location_list_cb _CoreLocationListCb = DeliverList<GetLocationListParam>;
+// Each reply is a type of its own: AsyncJob names the call in the log after it.
+#define HL_LIST_REPLY(Param, record, callback)                                               \
+    struct Param : ListReply<homeloom_core_##record##_h, homeloom_core_##record##_destroy> { \
+        using ListReply::ListReply;                                                          \
+    };                                                                                       \
+    constexpr homeloom_core_##record##_list_cb callback = DeliverList<Param>
+#define HL_RECORD_REPLY(Param, record, callback)                                               \
+    struct Param : RecordReply<homeloom_core_##record##_h, homeloom_core_##record##_destroy> { \
+        using RecordReply::RecordReply;                                                        \
+    };                                                                                         \
+    constexpr homeloom_core_##record##_cb callback = DeliverRecord<Param>
+#define HL_TEXT_REPLY(Param, callback) \
+    struct Param : TextReply {         \
+        using TextReply::TextReply;    \
+    };                                 \
+    constexpr homeloom_core_json_cb callback = DeliverText<Param>
 
-struct GetCoreDeviceListParam : ListReply<homeloom_core_device_h, homeloom_core_device_destroy> {
-    using ListReply::ListReply;
-};
-constexpr homeloom_core_device_list_cb _CoreDeviceListCb = DeliverList<GetCoreDeviceListParam>;
+HL_LIST_REPLY(GetLocationListParam, location, _CoreLocationListCb);
+HL_LIST_REPLY(GetCoreDeviceListParam, device, _CoreDeviceListCb);
+HL_LIST_REPLY(GetSceneListParam, scene, _CoreSceneListCb);
+HL_LIST_REPLY(GetRoutineListParam, rule, _CoreRoutineListCb);
+HL_LIST_REPLY(GetFavoriteListParam, favorite, _CoreFavoriteListCb);
+HL_LIST_REPLY(GetInstalledAppListParam, installed_app, _CoreInstalledAppListCb);
+HL_RECORD_REPLY(GetSceneParam, scene, _CoreSceneCb);
+HL_RECORD_REPLY(GetRoutineParam, rule, _CoreRoutineCb);
+HL_TEXT_REPLY(GetLocationUsers, _CoreGetLocationUsersCb);
+HL_TEXT_REPLY(GetAllLocationUsers, _CoreGetAllLocationUsersCb);
+HL_TEXT_REPLY(CreateCoreRoomParam, _CoreCreateRoomCb);
+HL_TEXT_REPLY(ChangeCoreRoomNameParam, _CoreChangeRoomNameCb);
+HL_TEXT_REPLY(DeleteCoreRoomParam, _CoreDeleteRoomCb);
+HL_TEXT_REPLY(GetCoreDeviceJsonParam, _CoreDeviceJsonCb);
+HL_TEXT_REPLY(GetCoreDeviceListJsonParam, _CoreDeviceListJsonCb);
+HL_TEXT_REPLY(ExecuteCoreSceneParam, _CoreExecuteSceneCb);
+HL_TEXT_REPLY(CreateCoreSceneParam, _CoreCreateSceneCb);
+HL_TEXT_REPLY(UpdateCoreSceneParam, _CoreUpdateSceneCb);
+HL_TEXT_REPLY(DeleteCoreSceneParam, _CoreDeleteSceneCb);
+HL_TEXT_REPLY(GetCoreSceneIconListParam, _CoreSceneIconListCb);
+HL_TEXT_REPLY(UpdateCoreRoutineStatusParam, _CoreRoutineStatusCb);
+HL_TEXT_REPLY(GetInstalledAppDashboardJsonParam, _CoreInstalledAppDashboardJsonCb);
+HL_TEXT_REPLY(GetCatalogAppListParam, _CoreGetCatalogAppListCb);
+HL_TEXT_REPLY(SetCoreNotificationProfileParam, _CoreSetNotificationProfileCb);
 
-struct GetSceneListParam : ListReply<homeloom_core_scene_h, homeloom_core_scene_destroy> {
-    using ListReply::ListReply;
-};
-constexpr homeloom_core_scene_list_cb _CoreSceneListCb = DeliverList<GetSceneListParam>;
-
-struct GetRoutineListParam : ListReply<homeloom_core_rule_h, homeloom_core_rule_destroy> {
-    using ListReply::ListReply;
-};
-constexpr homeloom_core_rule_list_cb _CoreRoutineListCb = DeliverList<GetRoutineListParam>;
-
-struct GetFavoriteListParam : ListReply<homeloom_core_favorite_h, homeloom_core_favorite_destroy> {
-    using ListReply::ListReply;
-};
-constexpr homeloom_core_favorite_list_cb _CoreFavoriteListCb = DeliverList<GetFavoriteListParam>;
-
-struct GetInstalledAppListParam : ListReply<homeloom_core_installed_app_h, homeloom_core_installed_app_destroy> {
-    using ListReply::ListReply;
-};
-constexpr homeloom_core_installed_app_list_cb _CoreInstalledAppListCb = DeliverList<GetInstalledAppListParam>;
-
-struct GetSceneParam : RecordReply<homeloom_core_scene_h, homeloom_core_scene_destroy> {
-    using RecordReply::RecordReply;
-};
-constexpr homeloom_core_scene_cb _CoreSceneCb = DeliverRecord<GetSceneParam>;
-
-struct GetRoutineParam : RecordReply<homeloom_core_rule_h, homeloom_core_rule_destroy> {
-    using RecordReply::RecordReply;
-};
-constexpr homeloom_core_rule_cb _CoreRoutineCb = DeliverRecord<GetRoutineParam>;
-
-struct GetLocationUsers : TextReply {
-    using TextReply::TextReply;
-};
-constexpr homeloom_core_json_cb _CoreGetLocationUsersCb = DeliverText<GetLocationUsers>;
-
-struct GetAllLocationUsers : TextReply {
-    using TextReply::TextReply;
-};
-constexpr homeloom_core_json_cb _CoreGetAllLocationUsersCb = DeliverText<GetAllLocationUsers>;
-
-struct CreateCoreRoomParam : TextReply {
-    using TextReply::TextReply;
-};
-constexpr homeloom_core_json_cb _CoreCreateRoomCb = DeliverText<CreateCoreRoomParam>;
-
-struct ChangeCoreRoomNameParam : TextReply {
-    using TextReply::TextReply;
-};
-constexpr homeloom_core_json_cb _CoreChangeRoomNameCb = DeliverText<ChangeCoreRoomNameParam>;
-
-struct DeleteCoreRoomParam : TextReply {
-    using TextReply::TextReply;
-};
-constexpr homeloom_core_json_cb _CoreDeleteRoomCb = DeliverText<DeleteCoreRoomParam>;
-
-struct GetCoreDeviceJsonParam : TextReply {
-    using TextReply::TextReply;
-};
-constexpr homeloom_core_json_cb _CoreDeviceJsonCb = DeliverText<GetCoreDeviceJsonParam>;
-
-struct GetCoreDeviceListJsonParam : TextReply {
-    using TextReply::TextReply;
-};
-constexpr homeloom_core_json_cb _CoreDeviceListJsonCb = DeliverText<GetCoreDeviceListJsonParam>;
-
-struct ExecuteCoreSceneParam : TextReply {
-    using TextReply::TextReply;
-};
-constexpr homeloom_core_json_cb _CoreExecuteSceneCb = DeliverText<ExecuteCoreSceneParam>;
-
-struct CreateCoreSceneParam : TextReply {
-    using TextReply::TextReply;
-};
-constexpr homeloom_core_json_cb _CoreCreateSceneCb = DeliverText<CreateCoreSceneParam>;
-
-struct UpdateCoreSceneParam : TextReply {
-    using TextReply::TextReply;
-};
-constexpr homeloom_core_json_cb _CoreUpdateSceneCb = DeliverText<UpdateCoreSceneParam>;
-
-struct DeleteCoreSceneParam : TextReply {
-    using TextReply::TextReply;
-};
-constexpr homeloom_core_json_cb _CoreDeleteSceneCb = DeliverText<DeleteCoreSceneParam>;
-
-struct GetCoreSceneIconListParam : TextReply {
-    using TextReply::TextReply;
-};
-constexpr homeloom_core_json_cb _CoreSceneIconListCb = DeliverText<GetCoreSceneIconListParam>;
-
-struct UpdateCoreRoutineStatusParam : TextReply {
-    using TextReply::TextReply;
-};
-constexpr homeloom_core_json_cb _CoreRoutineStatusCb = DeliverText<UpdateCoreRoutineStatusParam>;
-
-struct GetInstalledAppDashboardJsonParam : TextReply {
-    using TextReply::TextReply;
-};
-constexpr homeloom_core_json_cb _CoreInstalledAppDashboardJsonCb = DeliverText<GetInstalledAppDashboardJsonParam>;
-
-struct GetCatalogAppListParam : TextReply {
-    using TextReply::TextReply;
-};
-constexpr homeloom_core_json_cb _CoreGetCatalogAppListCb = DeliverText<GetCatalogAppListParam>;
-
-struct SetCoreNotificationProfileParam : TextReply {
-    using TextReply::TextReply;
-};
-constexpr homeloom_core_json_cb _CoreSetNotificationProfileCb = DeliverText<SetCoreNotificationProfileParam>;
+#undef HL_TEXT_REPLY
+#undef HL_RECORD_REPLY
+#undef HL_LIST_REPLY
 
 struct GetCoreNotificationProfileParam {
     GetCoreNotificationProfileParam() = default;

@@ -9,6 +9,7 @@
 #include <VMFramework/JsonValue.h>
 
 #include "Common/CException.h"
+#include "Common/CText.h"
 #include "Common/HLLog.h"
 #include "Homeloom/Devices/Device.h"
 
@@ -61,7 +62,7 @@ void Metadata::initMaps() {
 }
 
 void Metadata::getLocaleCode() {
-    const std::unique_ptr<char, void (*)(void*)> language(vconf_get_str(kLanguageKey), std::free);
+    const OwnedText language(vconf_get_str(kLanguageKey));
     const char* locale_code = kDefaultLocaleCode;
     if (language) {
         const auto found = _localeMap.find(language.get());

@@ -7,6 +7,7 @@
 #include <VMFramework/JsonValue.h>
 
 #include "Common/CReporter.h"
+#include "Common/CText.h"
 #include "Common/HLLog.h"
 #include "Homeloom/Common/AgentResponse.h"
 #include "Homeloom/Common/CallbackTokens.h"
@@ -17,10 +18,6 @@
 namespace VMFramework::HomeLoom {
 
 namespace {
-
-const char* TextOf(const char* text) {
-    return text != nullptr ? text : "";
-}
 
 std::shared_ptr<UserTransactionData> TakeRequest(void* userData) {
     if (userData == nullptr) {
@@ -67,34 +64,38 @@ void WifiLockerHandler::SetWifiLockerUserSetting(const std::shared_ptr<CTransact
 }
 
 void WifiLockerHandler::_HomeLoomCoreGetWifiLockerUserSetting(int error, const char* errorMessage, const char* response,
-                                                              void* userData) {
+                                                              void* userData) try {
     HL_LOGI("_HomeLoomCoreGetWifiLockerUserSetting result : %d, error_message : %s, response : %s", error,
-            TextOf(errorMessage), TextOf(response));
+            TextOf(errorMessage).c_str(), TextOf(response).c_str());
     const auto request = TakeRequest(userData);
     if (!request) {
         return;
     }
     EnqueueOnScheduler(
-        [transaction = request->transaction, text = std::string(TextOf(response))] {
+        [transaction = request->transaction, text = TextOf(response)] {
             const bool isSuccess = GetResponseMessage(text) == kResponseSuccess;
             ReportSetting(transaction, isSuccess, isSuccess ? getEnabledValue(text) : 0);
         },
         "_HomeLoomCoreGetWifiLockerUserSetting");
+} catch (const std::exception& e) {
+    HL_LOG_EXCEPTION(e);
 }
 
 void WifiLockerHandler::_HomeLoomCoreSetWifiLockerUserSetting(int error, const char* errorMessage, const char* response,
-                                                              void* userData) {
+                                                              void* userData) try {
     HL_LOGI("_HomeLoomCoreSetWifiLockerUserSetting result : %d, error_message : %s, response : %s", error,
-            TextOf(errorMessage), TextOf(response));
+            TextOf(errorMessage).c_str(), TextOf(response).c_str());
     const auto request = TakeRequest(userData);
     if (!request) {
         return;
     }
     EnqueueOnScheduler(
-        [transaction = request->transaction, text = std::string(TextOf(response))] {
+        [transaction = request->transaction, text = TextOf(response)] {
             ReportSet(transaction, GetResponseMessage(text) == kResponseSuccess);
         },
         "_HomeLoomCoreSetWifiLockerUserSetting");
+} catch (const std::exception& e) {
+    HL_LOG_EXCEPTION(e);
 }
 
 int WifiLockerHandler::getEnabledValue(const std::string& response) {
