@@ -1,4 +1,4 @@
-// Starts and stops the plug-in, and keeps what a report throws away from whoever reports.
+// Starts and stops the plug-in. A report that fails is logged here and never throws at its caller.
 #include "CPluginMgr.h"
 
 #include "CHomeLoomClientMgr.h"

@@ -94,7 +94,7 @@ void HomeloomClient::makeReplaceableHandlers() {
 
 void HomeloomClient::Init() {
     CHLUtil::PrintTimeStamp("PLUGIN LOADING REQUEST");
-    const std::lock_guard<std::mutex> lifecycle(_lifecycleMutex);
+    const MutexLock lifecycle(_lifecycleMutex);
     initClient();
 }
 
@@ -150,7 +150,7 @@ void HomeloomClient::deinitClient() {
         _isLifecycleOver = true;
         {
             // An update of the agent that is being handled just now comes to its end first.
-            const std::lock_guard<std::mutex> barrier(_lifecycleMutex);
+            const MutexLock barrier(_lifecycleMutex);
         }
         _isTerminating = true;
         _agent.Quit();
@@ -206,7 +206,7 @@ void HomeloomClient::connectClient() {
     }
     int result = 0;
     {
-        const std::lock_guard<std::mutex> gate(_connectGate);
+        const MutexLock gate(_connectGate);
         if (_isTerminating) {
             HL_LOGI("terminating routine is progressing or done");
             return;
@@ -232,7 +232,7 @@ void HomeloomClient::connectClient() {
 
 // Only the facade's handle goes: the session counts as connected until the agent says otherwise.
 void HomeloomClient::disconnectClient() {
-    const std::lock_guard<std::mutex> gate(_connectGate);
+    const MutexLock gate(_connectGate);
     _isConnectionWanted = false;
     const int result = _agent.Disconnect();
     HL_LOGI("homeloom_client_disconnect() ret : %d", result);
@@ -242,7 +242,7 @@ void HomeloomClient::disconnectClient() {
 
 void HomeloomClient::startConnectionRetryTimer() {
     {
-        const std::lock_guard<std::mutex> lock(_retryTimerMutex);
+        const MutexLock lock(_retryTimerMutex);
         if (_isTerminating) {
             HL_LOGI("terminating routine is progressing or done");
             return;
@@ -268,7 +268,7 @@ void HomeloomClient::startConnectionRetryTimer() {
 }
 
 void HomeloomClient::stopConnectionRetryTimer() {
-    const std::lock_guard<std::mutex> lock(_retryTimerMutex);
+    const MutexLock lock(_retryTimerMutex);
     if (std::exchange(_connectTimerId, 0U) == 0) {
         HL_LOGI("no timer handle. do nothing");
         return;
@@ -546,7 +546,7 @@ void HomeloomClient::updateAccessToken(bool isSignedIn) {
     }
     if (!isSignedIn) {
         const std::lock_guard<std::recursive_mutex> lock(_sessionMutex);
-        const std::lock_guard<std::mutex> account(_accountMutex);
+        const MutexLock account(_accountMutex);
         _accessToken.clear();
         HL_LOGI("NOT signed in state!");
         return;
@@ -559,20 +559,20 @@ void HomeloomClient::updateAccessToken(bool isSignedIn) {
             throw CException("access token is empty!", kErrorNoData);
         }
         const std::lock_guard<std::recursive_mutex> lock(_sessionMutex);
-        const std::lock_guard<std::mutex> account(_accountMutex);
+        const MutexLock account(_accountMutex);
         _accessToken = std::move(token);
     });
 }
 
 std::string HomeloomClient::GetAccessToken() const {
-    const std::lock_guard<std::mutex> account(_accountMutex);
+    const MutexLock account(_accountMutex);
     return _accessToken;
 }
 
 void HomeloomClient::setCurrentLoginId() {
     std::string loginId;
     _agent.GetLoginID(loginId);
-    const std::lock_guard<std::mutex> account(_accountMutex);
+    const MutexLock account(_accountMutex);
     _loginId = std::move(loginId);
 }
 
@@ -580,7 +580,7 @@ void HomeloomClient::setCurrentLoginId() {
 bool HomeloomClient::isLoginIdChanged() {
     std::string loginId;
     _agent.GetLoginID(loginId);
-    const std::lock_guard<std::mutex> account(_accountMutex);
+    const MutexLock account(_accountMutex);
     if (loginId.empty() || _loginId.empty() || loginId == _loginId) {
         return false;
     }

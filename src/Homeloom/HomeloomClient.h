@@ -14,6 +14,7 @@
 #include <vconf.h>
 
 #include "Common/HLLog.h"
+#include "Common/Mutex.h"
 #include "Homeloom/Canvas/Canvas.h"
 #include "Homeloom/Common/HandlerSlot.h"
 #include "Homeloom/Common/MainLoopTimer.h"
@@ -70,33 +71,14 @@ public:
     void Init();
     void Deinit();
 
-    bool isClientAvailable() const;
-    bool isHomeLoomClientAvailable() const;
-    bool getIsAgentConnected() const;
-    std::string GetAccessToken() const;
-
-    // Connector
-    bool processGetDevicesInfo() override;
-    void processOnProfileUpdateEvent(UpdateList reason) override;
-    std::string processGetFavorites(const std::string& locationId) override;
-    std::unordered_map<std::string, core_location_info_struct> processGetLocations() override;
-    std::string processGetAccessToken() override;
-    bool processIsLocalHubConnectedDevice(const std::string& deviceId) override;
-    std::string processGetParentIdOfIRDevice(const std::string& deviceJson) override;
-
     // ---- Device list ----
 
     /// What the framework's device list request does: the whole list if there is none yet, otherwise fresh texts.
     void StartScan();
-    bool GetDevicesInfo();
     /// Refreshes one device's values; the answer is a state notification. False if they can't be asked for.
     bool GetProperty(const std::string& deviceId);
-    bool GetProperty(const std::shared_ptr<Device>& device);
     /// Tells other processes, by a setting, whether there is anything to show.
     void SetCostEfficiency();
-    void OnProfileUpdateEvent(UpdateList reason);
-    void OnMetadataUpdateEvent();
-    bool NeedHubReset();
 
     // ---- Requests. A guard that refuses leaves the request without an answer; everything else answers through
     // Reporter ----
@@ -181,6 +163,20 @@ public:
 private:
     // ---- Session (HomeloomClient.cpp) ----
 
+    bool isClientAvailable() const;
+    bool isHomeLoomClientAvailable() const;
+    bool getIsAgentConnected() const;
+    std::string GetAccessToken() const;
+
+    // Connector
+    bool processGetDevicesInfo() override;
+    void processOnProfileUpdateEvent(UpdateList reason) override;
+    std::string processGetFavorites(const std::string& locationId) override;
+    std::unordered_map<std::string, core_location_info_struct> processGetLocations() override;
+    std::string processGetAccessToken() override;
+    bool processIsLocalHubConnectedDevice(const std::string& deviceId) override;
+    std::string processGetParentIdOfIRDevice(const std::string& deviceJson) override;
+
     void initClient();
     void deinitClient();
     void makeReplaceableHandlers();
@@ -239,6 +235,11 @@ private:
 
     // ---- Device list (HomeloomClientDeviceList.cpp) ----
 
+    bool GetDevicesInfo();
+    bool GetProperty(const std::shared_ptr<Device>& device);
+    void OnProfileUpdateEvent(UpdateList reason);
+    void OnMetadataUpdateEvent();
+    bool NeedHubReset();
     /// Takes over the session's lock, and gives it up when the devices are there: the cloud may be asked then.
     void buildNewDeviceMap(std::unique_lock<std::recursive_mutex> sessionLock);
     void buildDeviceDetailList(homeloom_client_device_detail_h* list, int count);
@@ -332,26 +333,27 @@ private:
     // The user has withdrawn the disclaimer: the subscriptions went with the agent's handle, the devices stayed.
     std::atomic<bool> _isHomeStale{false};
 
-    mutable std::mutex _accountMutex;  // a leaf: guards the next two
-    std::string _accessToken;
-    std::string _loginId;
+    mutable Mutex _accountMutex;  // a leaf
+    std::string _accessToken GUARDED_BY(_accountMutex);
+    std::string _loginId GUARDED_BY(_accountMutex);
 
-    mutable std::mutex _retryTimerMutex;  // a leaf: guards the timer's id and its arming
-    unsigned _connectTimerId = 0;
-    MainLoopTimer _connectTimer;
+    // Outermost: start, and what an update of the agent does, one at a time. Teardown sets the latch and passes the
+    // mutex once; from then on an update does nothing.
+    Mutex _lifecycleMutex;
+    std::atomic<bool> _isLifecycleOver{false};
+    // Between the lifecycle's and the gate. Recursive, so that no compiler checks it.
+    mutable std::recursive_mutex _sessionMutex;
     // Held around {still wanted? connect}: once teardown has disconnected, no timer and no setting connects again.
-    std::mutex _connectGate;
+    Mutex _connectGate ACQUIRED_AFTER(_lifecycleMutex);
+    mutable Mutex _retryTimerMutex ACQUIRED_AFTER(_connectGate);  // a leaf: also over the timer's arming
+    unsigned _connectTimerId GUARDED_BY(_retryTimerMutex) = 0;
+    MainLoopTimer _connectTimer;
     // From asking for a connection to letting go of it. Written under the gate. What was told of a connection in
     // between may still wait in the scheduler afterwards.
     std::atomic<bool> _isConnectionWanted{false};
 
-    mutable std::recursive_mutex _sessionMutex;
     RetryCounter _retryCounter;
     CTesselUpdateChecker _updateChecker;
-    // Outermost: start, and what an update of the agent does, one at a time. Teardown sets the latch and passes the
-    // mutex once; from then on an update does nothing.
-    std::mutex _lifecycleMutex;
-    std::atomic<bool> _isLifecycleOver{false};
 
     // The handlers stand last and so go first, while all that they come back to is still there.
     Canvas _canvas;

@@ -36,7 +36,7 @@ void HomeloomClient::unsetAgentStatusUpdateCallback() {
 }
 
 void HomeloomClient::agentChangedCb(_EReqType type) {
-    const std::lock_guard<std::mutex> lifecycle(_lifecycleMutex);
+    const MutexLock lifecycle(_lifecycleMutex);
     if (_isLifecycleOver) {
         return;
     }
@@ -50,7 +50,7 @@ void HomeloomClient::agentChangedCb(_EReqType type) {
 }
 
 // Unlike deinitClient: the handlers are given up, to be made anew; the scheduler is paused and not ended; the watch for
-// updates stays. Whoever still works in a handler keeps it until done.
+// updates stays. A caller that is still in a handler keeps it alive.
 void HomeloomClient::deinitClientByAgentUpdate() {
     try {
         HL_LOGI("deinitClientByAgentUpdate Start");

@@ -89,7 +89,7 @@ struct MainLoopTimer::Run {
     GSource* const source;  // owned
 };
 
-std::mutex MainLoopTimer::runsMutex;
+Mutex MainLoopTimer::runsMutex;
 MainLoopTimer::Runs MainLoopTimer::runs;
 
 MainLoopTimer::MainLoopTimer() : _id(++lastId) {}
@@ -101,13 +101,13 @@ MainLoopTimer::~MainLoopTimer() {
 unsigned MainLoopTimer::Start(unsigned milliseconds, std::function<void()> callback) {
     auto run = std::make_shared<Run>(_id, milliseconds, std::move(callback));
     {
-        const std::lock_guard<std::mutex> lock(runsMutex);
+        const MutexLock lock(runsMutex);
         runs.erase(std::remove_if(runs.begin(), runs.end(), [](const auto& old) { return old->isReleased(); }),
                    runs.end());
         runs.push_back(run);
     }
     std::function<void()> dropped;  // destroyed after the lock is released
-    const std::lock_guard<std::mutex> lock(_mutex);
+    const MutexLock lock(_mutex);
     if (_run) {
         dropped = _run->disarm();
     }
@@ -118,7 +118,7 @@ unsigned MainLoopTimer::Start(unsigned milliseconds, std::function<void()> callb
 void MainLoopTimer::Disarm() {
     std::shared_ptr<Run> run;
     {
-        const std::lock_guard<std::mutex> lock(_mutex);
+        const MutexLock lock(_mutex);
         run.swap(_run);
     }
     if (run) {
@@ -130,7 +130,7 @@ void MainLoopTimer::Cancel() {
     Disarm();
     Runs own;
     {
-        const std::lock_guard<std::mutex> lock(runsMutex);
+        const MutexLock lock(runsMutex);
         std::copy_if(runs.begin(), runs.end(), std::back_inserter(own),
                      [this](const auto& run) { return run->owner == _id; });
     }
@@ -140,7 +140,7 @@ void MainLoopTimer::Cancel() {
 void MainLoopTimer::WaitForCallbacks() {
     Runs all;
     {
-        const std::lock_guard<std::mutex> lock(runsMutex);
+        const MutexLock lock(runsMutex);
         all = runs;
     }
     waitFor(all);

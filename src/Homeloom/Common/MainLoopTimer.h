@@ -3,8 +3,9 @@
 
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <vector>
+
+#include "Common/Mutex.h"
 
 namespace VMFramework::HomeLoom {
 
@@ -41,12 +42,12 @@ private:
     static void waitFor(const Runs& runs);
 
     // Every run until GLib has let go of it. Outlives the singletons that have timers.
-    static std::mutex runsMutex;
-    static Runs runs;
+    static Mutex runsMutex;
+    static Runs runs GUARDED_BY(runsMutex);
 
     const unsigned long _id;
-    std::mutex _mutex;
-    std::shared_ptr<Run> _run;  // the last one that was started, unless disarmed
+    Mutex _mutex;
+    std::shared_ptr<Run> _run GUARDED_BY(_mutex);  // the last one that was started, unless disarmed
 };
 
 }  // namespace VMFramework::HomeLoom

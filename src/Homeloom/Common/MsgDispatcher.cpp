@@ -27,27 +27,27 @@ void MsgDispatcher::MsgQueue::Push(const Msg& msg) {
 }
 
 void MsgDispatcher::MsgQueue::Push(Msg&& msg) {
-    const std::lock_guard<std::mutex> lock(_mutex);
+    const MutexLock lock(_mutex);
     _queue.push_back(std::move(msg));
 }
 
 void MsgDispatcher::MsgQueue::Pop() {
-    const std::lock_guard<std::mutex> lock(_mutex);
+    const MutexLock lock(_mutex);
     _queue.pop_front();
 }
 
 MsgDispatcher::Msg& MsgDispatcher::MsgQueue::Front() {
-    const std::lock_guard<std::mutex> lock(_mutex);
+    const MutexLock lock(_mutex);
     return _queue.front();
 }
 
 std::size_t MsgDispatcher::MsgQueue::Size() const {
-    const std::lock_guard<std::mutex> lock(_mutex);
+    const MutexLock lock(_mutex);
     return _queue.size();
 }
 
 bool MsgDispatcher::MsgQueue::IsEmpty() const {
-    const std::lock_guard<std::mutex> lock(_mutex);
+    const MutexLock lock(_mutex);
     return _queue.empty();
 }
 
@@ -60,20 +60,20 @@ void MsgDispatcher::MsgQueue::ClearIfPaused() {
 }
 
 void MsgDispatcher::MsgQueue::Pause() {
-    const std::lock_guard<std::mutex> lock(_mutex);
+    const MutexLock lock(_mutex);
     _paused = true;
 }
 
 void MsgDispatcher::MsgQueue::Resume() {
     std::deque<Msg> dropped;  // destroyed after the lock is released
-    const std::lock_guard<std::mutex> lock(_mutex);
+    const MutexLock lock(_mutex);
     if (std::exchange(_paused, false)) {
         dropped.swap(_queue);
     }
 }
 
 bool MsgDispatcher::MsgQueue::IsPaused() const {
-    const std::lock_guard<std::mutex> lock(_mutex);
+    const MutexLock lock(_mutex);
     return _paused;
 }
 
@@ -81,7 +81,7 @@ void MsgDispatcher::MsgQueue::clear(bool onlyIfPaused) {
     HL_LOGI("[%s] Clear Enter", _name.c_str());
     std::deque<Msg> dropped;
     {
-        const std::lock_guard<std::mutex> lock(_mutex);
+        const MutexLock lock(_mutex);
         if (_paused || !onlyIfPaused) {
             dropped.swap(_queue);
         }
@@ -94,7 +94,7 @@ void MsgDispatcher::MsgQueue::clear(bool onlyIfPaused) {
 void MsgDispatcher::MsgQueue::RunFirstJob() {
     Msg msg;
     {
-        const std::lock_guard<std::mutex> lock(_mutex);
+        const MutexLock lock(_mutex);
         if (_queue.empty() || _paused) {
             return;
         }

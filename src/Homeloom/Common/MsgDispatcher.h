@@ -11,6 +11,7 @@
 #include <thread>
 
 #include "Common/CSingleton.h"
+#include "Common/Mutex.h"
 
 namespace VMFramework::HomeLoom {
 
@@ -31,9 +32,12 @@ public:
         MsgQueue();
         explicit MsgQueue(const std::string& name);
 
+        // Part of the interface; no caller in the plug-in.
         void Push(const Msg& msg);
         void Push(Msg&& msg);
+        // Part of the interface; no caller in the plug-in.
         void Pop();
+        // Part of the interface; no caller in the plug-in.
         Msg& Front();
         std::size_t Size() const;
         bool IsEmpty() const;
@@ -51,9 +55,9 @@ public:
     private:
         void clear(bool onlyIfPaused);
 
-        mutable std::mutex _mutex;
-        std::deque<Msg> _queue;
-        bool _paused = false;
+        mutable Mutex _mutex;
+        std::deque<Msg> _queue GUARDED_BY(_mutex);
+        bool _paused GUARDED_BY(_mutex) = false;
         const std::string _name;
     };
 
@@ -74,6 +78,7 @@ public:
     /// Waits for the running job, without a limit, and ends the thread; queued jobs never run. Not to be called
     /// from a job of this dispatcher. A dispatcher is not restarted.
     void Quit();
+    // Part of the interface; no caller in the plug-in.
     bool isEmptyQueue() const;
 
 private:

@@ -56,7 +56,7 @@ core_device_icon_info parsingIconInfo(const std::string& text) {
 CoreDeviceHandler::CoreDeviceHandler(ITesselHandler& agent) : Handler("CoreDeviceHandler"), _agent(agent) {}
 
 void CoreDeviceHandler::SetParentDeviceIdGetter(std::function<std::string(const std::string&)> getter) {
-    std::lock_guard<std::mutex> lock(_mutex);
+    const MutexLock lock(_mutex);
     _getParentDeviceId.swap(getter);
 }
 
@@ -125,14 +125,14 @@ void CoreDeviceHandler::BuildCoreDeviceList() {
             i, info.device_id.c_str(), info.device_name.c_str(), info.presentation_id.c_str(),
             info.manufacturer_name.c_str(), info.device_type.c_str(), info.location_id.c_str(), info.room_id.c_str(),
             info.network_type.c_str());
-        std::lock_guard<std::mutex> lock(_mutex);
+        const MutexLock lock(_mutex);
         _coreDeviceMap[info.device_id] = std::move(info);
         return true;
     });
 }
 
 std::unordered_map<std::string, core_device_info> CoreDeviceHandler::GetCoreDeviceInfo() const {
-    std::lock_guard<std::mutex> lock(_mutex);
+    const MutexLock lock(_mutex);
     return _coreDeviceMap;
 }
 
@@ -140,7 +140,7 @@ std::string CoreDeviceHandler::GetCoreDeviceNetworkType(const std::string& id) c
     if (id.empty()) {
         throw CException("device id empty!", kErrorEmptyArgument);
     }
-    std::lock_guard<std::mutex> lock(_mutex);
+    const MutexLock lock(_mutex);
     const auto found = _coreDeviceMap.find(id);
     return found != _coreDeviceMap.end() ? found->second.network_type : "";
 }
@@ -149,7 +149,7 @@ std::string CoreDeviceHandler::GetCoreDeviceType(const std::string& id) const {
     if (id.empty()) {
         throw CException("device id empty!", kErrorEmptyArgument);
     }
-    std::lock_guard<std::mutex> lock(_mutex);
+    const MutexLock lock(_mutex);
     const auto found = _coreDeviceMap.find(id);
     return found != _coreDeviceMap.end() ? found->second.device_type : "";
 }
@@ -203,7 +203,7 @@ std::unordered_map<std::string, core_device_type_info> CoreDeviceHandler::GetCor
 std::string CoreDeviceHandler::getParentDeviceId(const std::string& details) const {
     std::function<std::string(const std::string&)> getter;
     {
-        std::lock_guard<std::mutex> lock(_mutex);
+        const MutexLock lock(_mutex);
         getter = _getParentDeviceId;
     }
     try {

@@ -2,13 +2,13 @@
 #define HOMELOOM_HOMELOOM_COREDEVICES_COREDEVICEHANDLER_H
 
 #include <functional>
-#include <mutex>
 #include <string>
 #include <unordered_map>
 
 #include <homeloom_core.h>
 
 #include "Common/HLLog.h"
+#include "Common/Mutex.h"
 #include "Homeloom/Common/Handler.h"
 
 namespace VMFramework::HomeLoom {
@@ -73,9 +73,9 @@ private:
               const std::function<bool(int i, homeloom_core_device_h device)>& read);
     std::string getParentDeviceId(const std::string& details) const;
 
-    mutable std::mutex _mutex;  // a leaf: guards all that follows
-    std::function<std::string(const std::string&)> _getParentDeviceId;
-    std::unordered_map<std::string, core_device_info> _coreDeviceMap;
+    mutable Mutex _mutex;  // a leaf
+    std::function<std::string(const std::string&)> _getParentDeviceId GUARDED_BY(_mutex);
+    std::unordered_map<std::string, core_device_info> _coreDeviceMap GUARDED_BY(_mutex);
     ITesselHandler& _agent;
 };
 

@@ -32,12 +32,12 @@ void CHubHandler::CreateLocalHubDevicesSet() {
         HL_LOGI("local hub device : %s", id.c_str());
     }
     std::unordered_set<std::string> fresh(ids.begin(), ids.end());
-    const std::lock_guard<std::mutex> lock(_mutex);
+    const MutexLock lock(_mutex);
     _localHubDevices.swap(fresh);
 }
 
 bool CHubHandler::IsLocalHubConnectedDevice(const std::string& deviceId) const {
-    const std::lock_guard<std::mutex> lock(_mutex);
+    const MutexLock lock(_mutex);
     return _localHubDevices.find(deviceId) != _localHubDevices.end();
 }
 

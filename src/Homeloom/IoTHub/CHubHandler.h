@@ -2,9 +2,10 @@
 #define HOMELOOM_HOMELOOM_IOTHUB_CHUBHANDLER_H
 
 #include <memory>
-#include <mutex>
 #include <string>
 #include <unordered_set>
+
+#include "Common/Mutex.h"
 
 namespace VMFramework::HomeLoom {
 
@@ -49,8 +50,8 @@ public:
                                 const std::string& hubId);
 
 private:
-    mutable std::mutex _mutex;  // a leaf
-    std::unordered_set<std::string> _localHubDevices;
+    mutable Mutex _mutex;  // a leaf
+    std::unordered_set<std::string> _localHubDevices GUARDED_BY(_mutex);
     ITesselHandler& _agent;
 };
 

@@ -97,7 +97,7 @@ void HubIPCProxy::Start() {
         return;
     }
     {
-        const std::lock_guard<std::mutex> lock(_retryMutex);
+        const MutexLock lock(_retryMutex);
         _isStarted = true;
     }
     setPackageManagerEvent();
@@ -113,7 +113,7 @@ void HubIPCProxy::Stop() {
     HL_LOGI("Stop START");
     {
         // Before the timer goes: a rejection that comes just now must not arm it again.
-        const std::lock_guard<std::mutex> lock(_retryMutex);
+        const MutexLock lock(_retryMutex);
         _isStarted = false;
     }
     stopHubConnectionTimer();
@@ -122,7 +122,7 @@ void HubIPCProxy::Stop() {
     HandleDisconnectedHub();
     std::unique_ptr<IHubControl> ended;
     {
-        const std::lock_guard<std::shared_mutex> lock(_hubControlMutex);
+        const Locked<SharedMutex> lock(_hubControlMutex);
         ended = std::move(_hubControl);
     }
     // Waits for the listener or a delegate that is running: not under the lock, which that one may want.
@@ -151,7 +151,7 @@ bool HubIPCProxy::isInstalledHubApp() {
 }
 
 bool HubIPCProxy::makeHubControl() {
-    const std::lock_guard<std::shared_mutex> lock(_hubControlMutex);
+    const Locked<SharedMutex> lock(_hubControlMutex);
     if (_hubControl) {
         return true;
     }
@@ -225,7 +225,7 @@ void HubIPCProxy::SetHubControlEnable(bool isConnected) {
 }
 
 void HubIPCProxy::HandleHubConnection() {
-    const std::lock_guard<std::mutex> lock(_retryMutex);
+    const MutexLock lock(_retryMutex);
     if (!_isStarted) {
         return;
     }
@@ -255,7 +255,7 @@ void HubIPCProxy::onHubConnectionTimerCallback() {
 }
 
 void HubIPCProxy::stopHubConnectionTimer() {
-    const std::lock_guard<std::mutex> lock(_retryMutex);
+    const MutexLock lock(_retryMutex);
     _timerId = 0;
     _timer.Disarm();
 }
@@ -269,7 +269,7 @@ void HubIPCProxy::HandleDisconnectedHub() {
 }
 
 void HubIPCProxy::resetRetries() {
-    const std::lock_guard<std::mutex> lock(_retryMutex);
+    const MutexLock lock(_retryMutex);
     _connectionInterval = kConnectionIntervalMs;
     _retryCount = 0;
 }
@@ -277,7 +277,7 @@ void HubIPCProxy::resetRetries() {
 template <typename Call>
 bool HubIPCProxy::callHub(const Call& call, const Log::Place& caller) {
     try {
-        const std::shared_lock<std::shared_mutex> lock(_hubControlMutex);
+        const SharedLock lock(_hubControlMutex);
         if (!_hubControl) {
             return false;
         }
@@ -391,18 +391,18 @@ void HubIPCProxy::GetAndSaveHubInfo() {
 }
 
 void HubIPCProxy::setIds(const std::string& loginId, const std::string& hubDeviceId) {
-    const std::lock_guard<std::mutex> lock(_idMutex);
+    const MutexLock lock(_idMutex);
     _loginIdHubOnboarded = loginId;
     _hubDeviceId = hubDeviceId;
 }
 
 std::string HubIPCProxy::GetLoginIDHubOnboarded() const {
-    const std::lock_guard<std::mutex> lock(_idMutex);
+    const MutexLock lock(_idMutex);
     return _loginIdHubOnboarded;
 }
 
 std::string HubIPCProxy::GetHubDeviceID() const {
-    const std::lock_guard<std::mutex> lock(_idMutex);
+    const MutexLock lock(_idMutex);
     return _hubDeviceId;
 }
 

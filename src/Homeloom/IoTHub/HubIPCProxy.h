@@ -5,12 +5,11 @@
 
 #include <atomic>
 #include <memory>
-#include <mutex>
-#include <shared_mutex>
 #include <string>
 
 #include "Common/CSingleton.h"
 #include "Common/HLLog.h"
+#include "Common/Mutex.h"
 #include "Homeloom/Common/MainLoopTimer.h"
 #include "Homeloom/IoTHub/HUBEventListener.h"
 
@@ -94,24 +93,24 @@ private:
     static void onHubAgentInstallStarted();
     void onHubDongleStatusChanged(const std::string& data);
 
-    // Shared over each call, so that Stop() takes it away from under nobody; never held over a report. A call for the
+    // Shared over each call, so that Stop() cannot free it while in use; never held over a report. A call for the
     // hub info may keep Stop() waiting, for as long as the IPC lets an answer be late.
-    std::shared_mutex _hubControlMutex;
+    SharedMutex _hubControlMutex;
     HUBEventListener _listener;
-    std::unique_ptr<IHubControl> _hubControl;
+    std::unique_ptr<IHubControl> _hubControl GUARDED_BY(_hubControlMutex);
     std::atomic<bool> _isConnected{false};
 
-    mutable std::mutex _idMutex;  // a leaf: guards the next two
-    std::string _hubDeviceId;
-    std::string _loginIdHubOnboarded;
+    mutable Mutex _idMutex;  // a leaf
+    std::string _hubDeviceId GUARDED_BY(_idMutex);
+    std::string _loginIdHubOnboarded GUARDED_BY(_idMutex);
 
     package_manager_h _packageManager = nullptr;  // touched by Start() and Stop() only
 
-    mutable std::mutex _retryMutex;  // a leaf: guards all that follows
-    bool _isStarted = false;
-    unsigned _timerId = 0;  // stays when the timer's callback reconnects
-    int _connectionInterval = kConnectionIntervalMs;
-    int _retryCount = 0;
+    mutable Mutex _retryMutex;  // a leaf: also over the timer's arming
+    bool _isStarted GUARDED_BY(_retryMutex) = false;
+    unsigned _timerId GUARDED_BY(_retryMutex) = 0;  // stays when the timer's callback reconnects
+    int _connectionInterval GUARDED_BY(_retryMutex) = kConnectionIntervalMs;
+    int _retryCount GUARDED_BY(_retryMutex) = 0;
 
     MainLoopTimer _timer;
 

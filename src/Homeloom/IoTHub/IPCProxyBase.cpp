@@ -199,7 +199,7 @@ void IHubControl::OnDisconnectedCB(const char*, const char*, void* userData) {
         self._port = nullptr;
         self._callbackPort = nullptr;
         self._abandonedAnswers = 0;
-        const std::lock_guard<std::mutex> delegatesLock(self._delegatesMutex);
+        const VMFramework::HomeLoom::MutexLock delegatesLock(self._delegatesMutex);
         dropped.swap(self._delegates);
     }
     dropped.clear();  // without a lock
@@ -244,7 +244,7 @@ void IHubControl::CallWithDelegate(const Parcel& call, std::unique_ptr<OnEvent> 
     CheckConnection(operation, line);
     {
         // Before the send: the first event may come before it returns.
-        const std::lock_guard<std::mutex> delegatesLock(_delegatesMutex);
+        const VMFramework::HomeLoom::MutexLock delegatesLock(_delegatesMutex);
         _delegates.push_back(std::move(callback));
     }
     Send(call, operation, line);
@@ -348,7 +348,7 @@ void IHubControl::ProcessReceivedEvent(const Parcel& parcel) {
     }
     std::shared_ptr<CallbackBase> delegate;
     {
-        const std::lock_guard<std::mutex> lock(_delegatesMutex);
+        const VMFramework::HomeLoom::MutexLock lock(_delegatesMutex);
         const auto found = std::find_if(_delegates.begin(), _delegates.end(), [&](const auto& kept) {
             return kept->GetId() == fields.id && kept->GetSeqId() == fields.sequence;
         });
@@ -359,14 +359,14 @@ void IHubControl::ProcessReceivedEvent(const Parcel& parcel) {
     }
     delegate->OnReceivedEvent(parcel.Handle());
     if (delegate->IsOnce()) {
-        const std::lock_guard<std::mutex> lock(_delegatesMutex);
+        const VMFramework::HomeLoom::MutexLock lock(_delegatesMutex);
         _delegates.remove(delegate);
     }
 }
 
 void IHubControl::DisposeCallback(const std::string& tag) {
     std::list<std::shared_ptr<CallbackBase>> disposed;
-    const std::lock_guard<std::mutex> lock(_delegatesMutex);
+    const VMFramework::HomeLoom::MutexLock lock(_delegatesMutex);
     const auto found = std::find_if(_delegates.begin(), _delegates.end(),
                                     [&](const auto& delegate) { return delegate->GetTag() == tag; });
     if (found != _delegates.end()) {

@@ -9,10 +9,12 @@
 #include <mutex>
 #include <string>
 
+#include "Common/Mutex.h"
+
 /// The client end of "IHubControl", the port of the hub control application.
 namespace rpc_port::IPCProxyBase::proxy {
 
-// Not derived from std::exception: whoever calls the hub catches each of them.
+// Not derived from std::exception: a caller of the hub catches each of them.
 class NotConnectedSocketException {};
 class InvalidProtocolException {};
 class InvalidIOException {};
@@ -89,7 +91,9 @@ public:
     void ResetHub(std::unique_ptr<OnEvent> callback);
     void ResetDongle(std::unique_ptr<OnEvent> callback);
     void SetEventCallback(std::unique_ptr<OnEvent> callback);
+    // Part of the interface; no caller in the plug-in.
     void CheckHubPpAgreement();
+    // Part of the interface; no caller in the plug-in.
     void SetHubPpAgreement();
 
     /// Waits for the answer on the calling thread, for RPC_PORT_TIME_LIMIT_MS at most. Throws InvalidProtocolException,
@@ -123,8 +127,8 @@ private:
     // Over a change of the ports, a send, and a send with its answer; never over a call of delegate or listener.
     std::recursive_mutex _mutex;
     // A leaf of its own, so that no event waits on the main loop for the answer that another thread waits for.
-    std::mutex _delegatesMutex;
-    std::list<std::shared_ptr<CallbackBase>> _delegates;
+    VMFramework::HomeLoom::Mutex _delegatesMutex;
+    std::list<std::shared_ptr<CallbackBase>> _delegates GUARDED_BY(_delegatesMutex);
     // Answers carry no number. Those for which nobody waits any more come before the next one.
     int _abandonedAnswers = 0;
     const std::string _targetAppId;

@@ -8,7 +8,6 @@
 #include <exception>
 #include <iomanip>
 #include <locale>
-#include <mutex>
 #include <optional>
 #include <sstream>
 #include <unordered_map>
@@ -23,6 +22,7 @@
 #include "Common/CText.h"
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
+#include "Common/Mutex.h"
 #include "Homeloom/Life/Energy.h"
 #include "Homeloom/Tessel/AgentList.h"
 #include "Homeloom/Utils/CFileUtil.h"
@@ -79,30 +79,29 @@ std::string TextMember(const JsonValue& object, const char* name) {
 
 // ---- Catalog ----
 
-/// App id to what the catalog tells of it. Requests of two threads may read the catalog at the same time: each fills
-/// one of its own, and swaps that in.
+/// What the catalog tells of each app. Requests of two threads may read the catalog at the same time: each fills a map
+/// of its own, and swaps that in.
 class LifeHandler::Catalog {
 public:
     bool isUpdated() const {
-        const std::lock_guard<std::mutex> lock(_mutex);
+        const MutexLock lock(_mutex);
         return _isUpdated;
     }
-    void swapIn(Catalog& read) {
-        const std::lock_guard<std::mutex> lock(_mutex);
-        _appsInfo.swap(read._appsInfo);
+    void swapIn(AppsInfo& read) {
+        const MutexLock lock(_mutex);
+        _appsInfo.swap(read);
         _isUpdated = true;
     }
-    void add(const std::string& appId, AppInfo info) { _appsInfo[appId] = std::move(info); }
     std::optional<AppInfo> find(const std::string& appId) const {
-        const std::lock_guard<std::mutex> lock(_mutex);
+        const MutexLock lock(_mutex);
         const auto found = _appsInfo.find(appId);
         return found != _appsInfo.end() ? std::optional<AppInfo>(found->second) : std::nullopt;
     }
 
 private:
-    mutable std::mutex _mutex;  // a leaf
-    std::unordered_map<std::string, AppInfo> _appsInfo;
-    bool _isUpdated = false;
+    mutable Mutex _mutex;  // a leaf
+    AppsInfo _appsInfo GUARDED_BY(_mutex);
+    bool _isUpdated GUARDED_BY(_mutex) = false;
 };
 
 LifeHandler::Catalog& LifeHandler::catalog() {
@@ -138,7 +137,7 @@ void LifeHandler::updateAppsInfo() {
         return;
     }
     const JsonValue document = JsonValue::Create(answer);
-    Catalog read;
+    AppsInfo read;
     if (readApps(document["apps"], read)) {
         catalog().swapIn(read);
     }
@@ -173,7 +172,7 @@ std::string LifeHandler::getCountryCode() {
 }
 
 // False unless the whole catalog was read.
-bool LifeHandler::readApps(const JsonValue& apps, Catalog& read) const {
+bool LifeHandler::readApps(const JsonValue& apps, AppsInfo& read) const {
     if (!apps.isArray()) {
         HL_LOGE("no apps in the catalog");
         return false;
@@ -188,7 +187,7 @@ bool LifeHandler::readApps(const JsonValue& apps, Catalog& read) const {
     return true;
 }
 
-void LifeHandler::readApp(const JsonValue& app, Catalog& read) {
+void LifeHandler::readApp(const JsonValue& app, AppsInfo& read) {
     const JsonValue serviceApp = app["serviceApp"];
     const std::string serviceCode = TextMember(serviceApp, "serviceCode");
     if (!IsSupported(serviceCode)) {
@@ -205,7 +204,7 @@ void LifeHandler::readApp(const JsonValue& app, Catalog& read) {
         HL_LOGI("[R2] Do Not Check plugin type == server");
         const std::string uri = TextMember(plugins[i], "uri");
         HL_LOGI("serviceCode: %s, app_id: %s, uri: %s", serviceCode.c_str(), appId.c_str(), uri.c_str());
-        read.add(appId, {serviceCode, uri});
+        read[appId] = {serviceCode, uri};
     }
 }
 

@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <unordered_map>
 
 #include <homeloom_core.h>
 
@@ -41,12 +42,13 @@ private:
         std::string pluginUri;
     };
     struct InstalledApp;
+    using AppsInfo = std::unordered_map<std::string, AppInfo>;  // by app id
     class Catalog;
 
     static Catalog& catalog();
     void updateAppsInfo();
-    bool readApps(const json::JsonValue& apps, Catalog& read) const;
-    static void readApp(const json::JsonValue& app, Catalog& read);
+    bool readApps(const json::JsonValue& apps, AppsInfo& read) const;
+    static void readApp(const json::JsonValue& app, AppsInfo& read);
     static std::string makeCatalogRequest();
     static std::string getCountryCode();
 

@@ -78,17 +78,17 @@ LocationHandler::~LocationHandler() {
 }
 
 void LocationHandler::SetGetDevicesInfoCallback(std::function<bool()> callback) {
-    const std::lock_guard<std::mutex> lock(_mutex);
+    const MutexLock lock(_mutex);
     _getDevicesInfoCallback = std::move(callback);
 }
 
 void LocationHandler::SetProfileUpdateCallback(std::function<void(UpdateList)> callback) {
-    const std::lock_guard<std::mutex> lock(_mutex);
+    const MutexLock lock(_mutex);
     _profileUpdateCallback = std::move(callback);
 }
 
 void LocationHandler::SetGetFavoritesCallback(std::function<std::string(const std::string&)> callback) {
-    const std::lock_guard<std::mutex> lock(_mutex);
+    const MutexLock lock(_mutex);
     _getFavoritesCallback = std::move(callback);
 }
 
@@ -107,7 +107,7 @@ int LocationHandler::UpdatePermission(const std::string& locationId) {
 }
 
 void* LocationHandler::getToken() {
-    const std::lock_guard<std::mutex> lock(_mutex);
+    const MutexLock lock(_mutex);
     if (_token == nullptr) {
         _token = CallbackTokens::Watch(weak_from_this());
     }
@@ -142,7 +142,7 @@ void LocationHandler::_HomeLoomClientLocationListUpdated(int notiType, int group
 void LocationHandler::handleLocationListUpdated() {
     CleanUpTimer();
     void* const token = getToken();
-    const std::lock_guard<std::mutex> lock(_mutex);
+    const MutexLock lock(_mutex);
     _locationTimerId = _locationTimer.Start(kReloadDelayMs, [token] { _LocationTimerCallback(token); });
     if (_locationTimerId == 0) {
         HL_LOGE("g_timeout_add failed!");
@@ -165,7 +165,7 @@ void LocationHandler::reloadDevices() {
     std::function<bool()> getDevicesInfo;
     std::function<void(UpdateList)> profileUpdate;
     {
-        const std::lock_guard<std::mutex> lock(_mutex);
+        const MutexLock lock(_mutex);
         getDevicesInfo = _getDevicesInfoCallback;
         profileUpdate = _profileUpdateCallback;
     }
@@ -177,7 +177,7 @@ void LocationHandler::reloadDevices() {
 
 void LocationHandler::CleanUpTimer() {
     {
-        const std::lock_guard<std::mutex> lock(_mutex);
+        const MutexLock lock(_mutex);
         if (std::exchange(_locationTimerId, 0U) == 0) {
             return;
         }
@@ -393,7 +393,7 @@ void LocationHandler::GetLocationData(const std::shared_ptr<IEndpointListHelper>
     const auto coreLocations = GetCoreLocations();
     std::function<std::string(const std::string&)> getFavorites;
     {
-        const std::lock_guard<std::mutex> lock(_mutex);
+        const MutexLock lock(_mutex);
         getFavorites = _getFavoritesCallback;
     }
     for (const auto& [id, name] : locations) {

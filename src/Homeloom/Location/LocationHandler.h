@@ -3,7 +3,6 @@
 
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -11,6 +10,7 @@
 
 #include <homeloom_client.h>
 
+#include "Common/Mutex.h"
 #include "Homeloom/Common/Handler.h"
 #include "Homeloom/Common/MainLoopTimer.h"
 #include "Homeloom/Common/UpdateList.h"
@@ -57,6 +57,7 @@ public:
     void GetLocationData(const std::shared_ptr<IEndpointListHelper>& list);
     /// By id; empty on failure.
     std::unordered_map<std::string, core_location_info_struct> GetCoreLocations();
+    // Part of the interface; no caller in the plug-in.
     std::unordered_map<std::string, std::string> GetLocations();
 
     /// The room requests. An empty argument gets no answer.
@@ -85,12 +86,12 @@ private:
     std::unordered_map<std::string, std::string> getLocationIdOwnerMap();
     std::string getRoomInfo(const GroupList& rooms, int count, const std::string& locationId, int& roomCount);
 
-    std::mutex _mutex;  // a leaf: guards all that follows
-    std::function<bool()> _getDevicesInfoCallback;
-    std::function<void(UpdateList)> _profileUpdateCallback;
-    std::function<std::string(const std::string&)> _getFavoritesCallback;
-    unsigned _locationTimerId = 0;  // 0 when none was armed since the last clean-up
-    void* _token = nullptr;         // what the agent and GLib know of this handler
+    Mutex _mutex;  // a leaf: also over the timer's arming
+    std::function<bool()> _getDevicesInfoCallback GUARDED_BY(_mutex);
+    std::function<void(UpdateList)> _profileUpdateCallback GUARDED_BY(_mutex);
+    std::function<std::string(const std::string&)> _getFavoritesCallback GUARDED_BY(_mutex);
+    unsigned _locationTimerId GUARDED_BY(_mutex) = 0;  // 0 when none was armed since the last clean-up
+    void* _token GUARDED_BY(_mutex) = nullptr;         // what the agent and GLib know of this handler
     MainLoopTimer _locationTimer;
     ITesselHandler& _agent;
 };

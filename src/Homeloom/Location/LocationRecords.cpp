@@ -22,7 +22,7 @@ LocationRecords<Record>::LocationRecords(ITesselHandler& agent, const std::strin
 
 template <typename Record>
 void LocationRecords<Record>::SetGetLocationsCallback(GetLocationsCallback callback) {
-    const std::lock_guard<std::mutex> lock(_mutex);
+    const MutexLock lock(_mutex);
     _getLocationsCallback = std::move(callback);
 }
 
@@ -68,7 +68,7 @@ template <typename Record>
 typename LocationRecords<Record>::JsonById LocationRecords<Record>::GetAll() {
     GetLocationsCallback getLocations;
     {
-        const std::lock_guard<std::mutex> lock(_mutex);
+        const MutexLock lock(_mutex);
         getLocations = _getLocationsCallback;
     }
     JsonById found;

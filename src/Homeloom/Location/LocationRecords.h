@@ -3,10 +3,10 @@
 
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <unordered_map>
 
+#include "Common/Mutex.h"
 #include "Homeloom/Common/Handler.h"
 #include "Homeloom/Location/CoreLocationInfo.h"
 
@@ -70,8 +70,8 @@ private:
 
     const Kind _kind;
     const std::string _quitText;
-    std::mutex _mutex;  // a leaf: guards the callback
-    GetLocationsCallback _getLocationsCallback;
+    Mutex _mutex;  // a leaf
+    GetLocationsCallback _getLocationsCallback GUARDED_BY(_mutex);
 };
 
 }  // namespace VMFramework::HomeLoom

@@ -147,7 +147,7 @@ bool CCurlHandler::_SetHttpMethod(KRCurl::KRCurlEasy& easy, HttpMethod method, c
     return isSet;
 }
 
-// Access tokens stand in the log as they are: whoever looks into a refused request needs them.
+// Access tokens are logged as they are: they tell why a request was refused.
 void CCurlHandler::_PrintRequest(HttpMethod, const std::string& url, const std::list<std::string>& headers,
                                  const std::string& body) {
     HL_LOGI("url: %s", url.c_str());

@@ -38,6 +38,7 @@ public:
     long RequestHttp(HttpMethod method, const std::string& url, const std::list<std::string>& headers,
                      const std::string& body, const std::string& dataBody,
                      std::function<void(const std::string&)> headerHandler, std::string& responseBody);
+    // Part of the interface; no caller in the plug-in.
     /// The same for a response that goes on for as long as the server keeps it open: there is no time limit.
     long RequestHttpAlive(HttpMethod method, const std::string& url, const std::list<std::string>& headers,
                           const std::string& body, const std::string& dataBody, RequestBase* request);

@@ -14,6 +14,7 @@ public:
     bool StartStream(const std::string& accessToken, const std::string& deviceId);
     bool StopStream(const std::string& accessToken, const std::string& deviceId);
 
+    // Part of the interface; no caller in the plug-in.
     /// A body callback for answers that come in several pieces: it appends to the std::string at `userData`.
     static unsigned response_cb(char* data, unsigned size, unsigned nmemb, void* userData);
 

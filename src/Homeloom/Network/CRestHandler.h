@@ -9,8 +9,8 @@
 
 namespace VMFramework::HomeLoom {
 
-/// Base of all that makes web requests: holds the pieces of a request. They stay until they are set again, so whoever
-/// makes a request sets all that it needs. For one thread at a time.
+/// Base of all that makes web requests: holds the pieces of a request. They stay until they are set again, so a caller
+/// that makes a request sets all that it needs. For one thread at a time.
 class CRestHandler {
 public:
     virtual ~CRestHandler() = default;
@@ -23,6 +23,7 @@ protected:
     virtual void _SetBody(const std::string& body);
     /// Data of a POST; wins over the body.
     virtual void _SetDataBody(const std::string& dataBody);
+    // Part of the interface; no caller in the plug-in.
     /// Is told of each line of the response's header.
     virtual void _SetHeaderHandler(std::function<void(const std::string&)> handler);
 

@@ -148,7 +148,7 @@ std::string RefrigeratorInsideView::requestImageUrls(const std::vector<std::stri
     HL_LOGI("request refrigerator inside view image url. count:[%zu]", urls.size());
     {
         // What an earlier request that failed has left counts for nothing.
-        const std::lock_guard<std::mutex> lock(_mutex);
+        const MutexLock lock(_mutex);
         _imageUrls.clear();
     }
     std::vector<std::future<void>> futures;
@@ -166,7 +166,7 @@ std::string RefrigeratorInsideView::requestImageUrls(const std::vector<std::stri
 
 std::string RefrigeratorInsideView::takeImageUrls(std::size_t count) {
     auto array = json::JsonValue::CreateArray();
-    const std::lock_guard<std::mutex> lock(_mutex);
+    const MutexLock lock(_mutex);
     for (std::size_t index = 0; index < count; ++index) {
         const auto found = _imageUrls.find(index);
         if (found == _imageUrls.end()) {
@@ -244,7 +244,7 @@ int RefrigeratorInsideView::onRedirectUrl(KRCurl::DEBUG_TYPE type, char* data, u
 
 // Of several redirections the last counts.
 void RefrigeratorInsideView::addImageUrl(const std::string& url, std::size_t index) {
-    const std::lock_guard<std::mutex> lock(_mutex);
+    const MutexLock lock(_mutex);
     _imageUrls[index] = url;
 }
 

@@ -2,12 +2,13 @@
 #define HOMELOOM_HOMELOOM_NETWORK_REFRIGERATORINSIDEVIEW_H
 
 #include <cstddef>
-#include <mutex>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
 #include <KRCurl/KRCurlEasy.h>
+
+#include "Common/Mutex.h"
 
 namespace VMFramework::json {
 class JsonValue;
@@ -53,8 +54,8 @@ private:
     static int onRedirectUrl(KRCurl::DEBUG_TYPE type, char* data, unsigned size, void* userData);
     void addImageUrl(const std::string& url, std::size_t index);
 
-    std::mutex _mutex;  // a leaf: guards the next one
-    std::unordered_map<std::size_t, std::string> _imageUrls;
+    Mutex _mutex;  // a leaf
+    std::unordered_map<std::size_t, std::string> _imageUrls GUARDED_BY(_mutex);
 };
 
 }  // namespace VMFramework::HomeLoom

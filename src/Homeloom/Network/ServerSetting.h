@@ -21,6 +21,7 @@ public:
     /// These throw when the setting can't be read.
     e_server_env_ get_server_env(e_server_type_ type);
     std::string get_server_setting();
+    // Part of the interface; no caller in the plug-in.
     void set_server_setting(const std::string& setting);
 
     /// A name that is none counts as production, and so does a value.

@@ -22,6 +22,7 @@ public:
     /// Asks the agent's application for other environments, in the agent's numbering: 0 staging, 1 production, 2
     /// acceptance. True when it was asked, or when nothing would change. Throws CException for another number.
     bool SetServerEnv(int iotCloud, int uiMeta);
+    // Part of the interface; no caller in the plug-in.
     /// Tells the agent's application what the setting says.
     void change_server_env();
 

@@ -38,10 +38,12 @@ public:
     virtual int UnsetSignInStateChangeCb() = 0;
     virtual int IsSignedIn(bool& isSignedIn) = 0;
     virtual int GetLoginID(std::string& loginId) = 0;
+    // Part of the interface; no caller in the plug-in.
     virtual int GetClientDeviceID(std::string& deviceId) = 0;
     virtual int Connect(homeloom_client_connection_state_changed_cb cb, void* userData) = 0;
     /// HOMELOOM_CLIENT_ERROR_NOT_CONNECTED without connection. Drops every registration and subscription.
     virtual int Disconnect() = 0;
+    // Part of the interface; no caller in the plug-in.
     virtual int RefreshDeviceInformation() = 0;
 
     // ---- Subscriptions, devices and groups of the client family ----
@@ -52,6 +54,7 @@ public:
     virtual int Unsubscribe(const std::string& deviceId, const std::string& uris) = 0;
 
     virtual int DeviceGetString(homeloom_client_device_h device, int propertyId, std::string& value) = 0;
+    // Part of the interface; no caller in the plug-in.
     virtual int DeviceDestroy(homeloom_client_device_h* list, int count) = 0;
     virtual int SetDeviceListUpdatedCb(homeloom_client_device_list_updated_cb cb, void* userData) = 0;
     virtual int UnsetDeviceListUpdatedCb() = 0;
@@ -76,6 +79,7 @@ public:
     virtual int UnsetGroupListUpdatedCb() = 0;
 
     virtual int ChangeDeviceName(const std::string& deviceId, const std::string& name) = 0;
+    // Part of the interface; no caller in the plug-in.
     virtual int MoveDeviceToOtherRoom(const std::string& deviceId, const std::string& locationId,
                                       const std::string& roomId, homeloom_client_move_devices_cb cb,
                                       void* userData) = 0;
@@ -89,6 +93,7 @@ public:
                                         homeloom_client_remote_cb cb, void* userData) = 0;
     virtual int SetRemoteAttributes(const std::string& deviceId, const std::string& uri, const std::string& payload,
                                     homeloom_client_remote_cb cb, void* userData) = 0;
+    // Part of the interface; no caller in the plug-in.
     virtual int GetRemoteRepresentation(const std::string& deviceId, const std::string& uri,
                                         homeloom_client_remote_cb cb, void* userData) = 0;
     virtual int GetRemoteAttributes(const std::string& deviceId, const std::string& uri, homeloom_client_remote_cb cb,
@@ -160,6 +165,7 @@ public:
     virtual int ExecuteCoreDevice(const std::string& deviceId, const std::string& jsonCommand,
                                   std::string& responseJson) = 0;
     virtual int GetCoreDeviceStatus(const std::string& deviceId, std::string& statusJson) = 0;
+    // Part of the interface; no caller in the plug-in.
     virtual int GetCoreDeviceComponentStatus(const std::string& deviceId, const std::string& component,
                                              std::string& statusJson) = 0;
     virtual int GetCoreDeviceCapabilityStatus(const std::string& deviceId, const std::string& component,
@@ -205,6 +211,7 @@ public:
 
     virtual int CreateIRDevice(const std::string& locationId, const std::string& requestBody,
                                std::string& responseJson) = 0;
+    // Part of the interface; no caller in the plug-in.
     virtual int GetIRDevice(const std::string& deviceId, std::string& responseJson) = 0;
     virtual int DeleteDevice(const std::string& deviceId) = 0;
     /// 'timeout' in seconds. What the last three mean is the agent's.
@@ -238,6 +245,7 @@ public:
 
     /// These three are blocking.
     virtual int GetInstalledAppList(homeloom_core_installed_app_h*& list, int& count) = 0;
+    // Part of the interface; no caller in the plug-in.
     virtual int GetInstalledAppDashboardJson(const std::string& installedAppId, const std::string& requestBody,
                                              std::string& resultJson) = 0;
     virtual int GetCatalogAppList(const std::string& requestJson, std::string& resultJson,

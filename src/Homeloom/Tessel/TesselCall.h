@@ -74,7 +74,7 @@ inline bool TesselHandler::_MayCall(const Needs& needs) const {
 /// The plain operation.
 template <typename... Parameters, typename... Args>
 int TesselHandler::_Call(const Needs& needs, int (*function)(homeloom_client_h, Parameters...), const Args&... args) {
-    const std::lock_guard<FairMutex> lock(_mutex);
+    const Locked<FairMutex> lock(_mutex);
     return _MayCall(needs) ? function(_clientHandle, ToAgent(args)...) : HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
 }
 
@@ -92,7 +92,7 @@ int TesselHandler::_CallForText(const Needs& needs, std::string& text,
 template <typename Record, typename... Parameters, typename... Args>
 int TesselHandler::_Access(const Complaint& complaint, int (*function)(Record, Parameters...), Record record,
                            const Args&... args) {
-    const std::lock_guard<FairMutex> lock(_mutex);
+    const Locked<FairMutex> lock(_mutex);
     if (record == nullptr) {
         HL_LOG_AT(DLOG_ERROR, complaint.place, "%s", complaint.words);
         return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
@@ -111,7 +111,7 @@ int TesselHandler::_AccessText(const Complaint& complaint, int (*function)(Recor
 
 template <typename Record>
 int TesselHandler::_DestroyList(const Complaint& complaint, int (*destroy)(Record), Record* list, int count) {
-    const std::lock_guard<FairMutex> lock(_mutex);
+    const Locked<FairMutex> lock(_mutex);
     if (list == nullptr) {
         HL_LOG_AT(DLOG_ERROR, complaint.place, "%s", complaint.words);
         return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
@@ -128,7 +128,7 @@ int TesselHandler::_DestroyList(const Complaint& complaint, int (*destroy)(Recor
 template <typename Param, typename... Parameters, typename... Args>
 Param TesselHandler::_Await(const Needs& needs, int (*function)(homeloom_client_h, Parameters...),
                             const Args&... args) {
-    const std::lock_guard<FairMutex> lock(_mutex);
+    const Locked<FairMutex> lock(_mutex);
     if (!_MayCall(needs)) {
         Param refused;
         refused.ret = HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;

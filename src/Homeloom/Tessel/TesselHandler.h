@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Common/CSingleton.h"
+#include "Common/Mutex.h"
 #include "Homeloom/Common/FairMutex.h"
 #include "Homeloom/Network/CRestHandler.h"
 #include "Homeloom/Tessel/ITesselHandler.h"
@@ -222,7 +223,7 @@ private:
     struct Needs;
     struct Complaint;
 
-    bool _MayCall(const Needs& needs) const;
+    bool _MayCall(const Needs& needs) const REQUIRES(_mutex);
     template <typename... Parameters, typename... Args>
     int _Call(const Needs& needs, int (*function)(homeloom_client_h, Parameters...), const Args&... args);
     template <typename... Parameters, typename... Args>
@@ -251,19 +252,18 @@ private:
     int _AwaitRecord(const Needs& needs, Record& record, int (*function)(homeloom_client_h, Parameters...),
                      const Args&... args);
 
-    // These are for use under the mutex.
-    int _GetAccessToken(std::string& accessToken) const;
-    int _GetClientDeviceID(std::string& deviceId) const;
-    int _GetServerEnv(int type, int& env) const;
-    std::string _GetUserId() const;
-    std::string _GetServerEnvName(int type) const;
+    int _GetAccessToken(std::string& accessToken) const REQUIRES(_mutex);
+    int _GetClientDeviceID(std::string& deviceId) const REQUIRES(_mutex);
+    int _GetServerEnv(int type, int& env) const REQUIRES(_mutex);
+    std::string _GetUserId() const REQUIRES(_mutex);
+    std::string _GetServerEnvName(int type) const REQUIRES(_mutex);
 
     // Written under the mutex only; atomic for GetHandle.
     std::atomic<homeloom_client_h> _clientHandle{nullptr};
     FairMutex _mutex;
     // What blocking operations wait under. Written without the mutex, or nobody could end a wait.
     std::atomic<bool> _contextRunning{true};
-    std::string _accessToken;
+    std::string _accessToken GUARDED_BY(_mutex);
 };
 
 }  // namespace VMFramework::HomeLoom

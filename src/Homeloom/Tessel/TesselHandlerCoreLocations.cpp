@@ -18,7 +18,7 @@ int TesselHandler::CoreLocationDestroy(homeloom_core_location_h* list, int count
 
 // The one blocking operation that does not look for a connection: without one it runs into the time limit.
 int TesselHandler::GetCoreLocationUsers(const std::string& locationId, std::string& resultJson) {
-    const std::lock_guard<FairMutex> lock(_mutex);
+    const Locked<FairMutex> lock(_mutex);
     TextReply reply;
     if (locationId.empty()) {
         reply = AsyncJob<GetAllLocationUsers>().Await(_contextRunning, homeloom_core_get_all_location_users_async,

@@ -43,12 +43,12 @@ int TesselHandler::GetLoginID(std::string& loginId) {
 }
 
 int TesselHandler::GetClientDeviceID(std::string& deviceId) {
-    const std::lock_guard<FairMutex> lock(_mutex);
+    const Locked<FairMutex> lock(_mutex);
     return _MayCall({}) ? _GetClientDeviceID(deviceId) : HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
 }
 
 int TesselHandler::Connect(homeloom_client_connection_state_changed_cb cb, void* userData) {
-    const std::lock_guard<FairMutex> lock(_mutex);
+    const Locked<FairMutex> lock(_mutex);
     if (cb == nullptr) {
         HL_LOGE("cbFunc is null");
         return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
@@ -60,7 +60,7 @@ int TesselHandler::Connect(homeloom_client_connection_state_changed_cb cb, void*
 }
 
 int TesselHandler::Disconnect() {
-    const std::lock_guard<FairMutex> lock(_mutex);
+    const Locked<FairMutex> lock(_mutex);
     if (_clientHandle == nullptr) {
         HL_LOGE("client handle is null");
         return HOMELOOM_CLIENT_ERROR_NOT_CONNECTED;
@@ -80,12 +80,12 @@ int TesselHandler::GetState() {
 }
 
 int TesselHandler::GetAccessToken(std::string& accessToken) {
-    const std::lock_guard<FairMutex> lock(_mutex);
+    const Locked<FairMutex> lock(_mutex);
     return _MayCall({}) ? _GetAccessToken(accessToken) : HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
 }
 
 int TesselHandler::GetServerEnv(int type, int& env) {
-    const std::lock_guard<FairMutex> lock(_mutex);
+    const Locked<FairMutex> lock(_mutex);
     return _MayCall({}) ? _GetServerEnv(type, env) : HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
 }
 
@@ -94,7 +94,7 @@ int TesselHandler::SetServerEnv(int type, int env) {
 }
 
 std::string TesselHandler::GetUserId() {
-    const std::lock_guard<FairMutex> lock(_mutex);
+    const Locked<FairMutex> lock(_mutex);
     if (!_MayCall({})) {
         HL_LOGE("Fail to get user id");
         return {};
@@ -107,7 +107,7 @@ void TesselHandler::StoreSigninInfo() {
     try {
         bool isSignedIn = false;
         IsSignedIn(isSignedIn);
-        const std::lock_guard<FairMutex> lock(_mutex);
+        const Locked<FairMutex> lock(_mutex);
         if (!_MayCall({})) {
             return;
         }

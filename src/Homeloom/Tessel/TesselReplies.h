@@ -60,8 +60,8 @@ private:
     int _count = 0;
 };
 
-/// The lists that the agent's callbacks hand over. Released by whoever drops them last: a job that is dropped, cleared
-/// or throws frees them too.
+/// The lists that the agent's callbacks hand over. The last owner frees them: a job that is dropped, cleared or throws
+/// frees them too.
 using ClientDeviceList = OwnedRecords<homeloom_client_device_h, homeloom_client_device_destroy>;
 using ClientDeviceDetailList = OwnedRecords<homeloom_client_device_detail_h, homeloom_client_device_detail_destroy>;
 

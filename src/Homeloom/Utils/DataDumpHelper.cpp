@@ -115,7 +115,7 @@ void DataDumpHelper::addItems(const Values& values) {
         text += separator + item;
         separator = ",";
     }
-    const std::lock_guard<std::mutex> lock(_mutex);
+    const MutexLock lock(_mutex);
     _info += text;
 }
 
@@ -152,12 +152,12 @@ void DataDumpHelper::SetInfo(bool value) {
 }
 
 std::string DataDumpHelper::GetInfo() const {
-    const std::lock_guard<std::mutex> lock(_mutex);
+    const MutexLock lock(_mutex);
     return _info;
 }
 
 void DataDumpHelper::ClearInfo() {
-    const std::lock_guard<std::mutex> lock(_mutex);
+    const MutexLock lock(_mutex);
     _info.clear();
     _nodes.clear();
 }
@@ -169,7 +169,7 @@ bool DataDumpHelper::FlushToFile(const std::string& path) const {
 // ---- JSON ----
 
 void DataDumpHelper::addNode(const std::string& key, Node node) {
-    const std::lock_guard<std::mutex> lock(_mutex);
+    const MutexLock lock(_mutex);
     _nodes.emplace_back(key, std::move(node));
 }
 
@@ -207,7 +207,7 @@ void DataDumpHelper::SetInfoToJson(const std::string& key, bool value) {
 
 void DataDumpHelper::GenerateJsonString() {
     const ObjectOwner<JsonBuilder> builder(json_builder_new(), &g_object_unref);
-    const std::lock_guard<std::mutex> lock(_mutex);
+    const MutexLock lock(_mutex);
     json_builder_begin_object(builder.get());
     for (const auto& [key, node] : _nodes) {
         json_builder_set_member_name(builder.get(), ValidText(key).get());

@@ -4,19 +4,20 @@
 #include <list>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "Common/CSingleton.h"
+#include "Common/Mutex.h"
 
 typedef struct _JsonNode JsonNode;
 
 namespace VMFramework::HomeLoom {
 
-/// Collects values while something is looked into, as text or as a JSON object, and writes them to a file. Nothing
-/// calls it in a plug-in that ships. All operations may be called from any thread.
+/// Collects values while something is looked into, as text or as a JSON object, and writes them to a file. All
+/// operations may be called from any thread.
+// Part of the interface; no caller in the plug-in.
 class DataDumpHelper : public CSingleton<DataDumpHelper> {
     friend class CSingleton<DataDumpHelper>;
 
@@ -69,9 +70,9 @@ private:
     void addNode(const std::string& key, Node node);
     static void doPrint(const std::string& text);
 
-    mutable std::mutex _mutex;  // a leaf
-    std::string _info;
-    std::vector<std::pair<std::string, Node>> _nodes;  // by member name
+    mutable Mutex _mutex;  // a leaf
+    std::string _info GUARDED_BY(_mutex);
+    std::vector<std::pair<std::string, Node>> _nodes GUARDED_BY(_mutex);  // by member name
 };
 
 }  // namespace VMFramework::HomeLoom
