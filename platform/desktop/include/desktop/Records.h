@@ -5,6 +5,7 @@
 #include <initializer_list>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -28,7 +29,8 @@ public:
 
     void add(std::string key, Value value) { _fields.push_back({std::move(key), std::move(value)}); }
     /// Replaces the first value of that key, or adds one.
-    void set(const std::string& key, Value value);
+    void set(std::string_view key, Value value);
+    void reserve(std::size_t count) { _fields.reserve(count); }
 
     /// The first value of that key, or null.
     const Value* find(const std::string& key) const;

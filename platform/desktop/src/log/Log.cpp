@@ -29,6 +29,12 @@ struct Capture::State {
 
 namespace {
 
+// What is asked before each line: the least priority that some sink takes, whether the priority alone does not tell,
+// and whether there is a trace sink.
+std::atomic<int> leastTaken{kNothing};
+std::atomic<bool> filtersTags{false};
+std::atomic<bool> hasTrace{false};
+
 struct CaptureEntry {
     const void* owner;
     int least;
@@ -44,18 +50,12 @@ struct Sinks {
     std::vector<CaptureEntry> captures;
     std::function<void(const char*)> trace;
 
-    // What is looked at before any lock: the least priority that some sink takes, and whether there is a trace sink.
-    std::atomic<int> least{kNothing};
-    std::atomic<bool> hasTrace{false};
-    // Then the priority alone does not tell.
-    std::atomic<bool> filtersTags{false};
-
     void update() {
         int lowest = std::min(stderrLeast, fileLeast);
         for (const auto& capture : captures) {
             lowest = std::min(lowest, capture.least);
         }
-        least = lowest;
+        leastTaken = lowest;
         filtersTags = !tags.empty();
     }
     bool takes(int priority, const char* tag) const {
@@ -210,7 +210,7 @@ void Capture::clear() {
 void setTraceSink(std::function<void(const char*)> sink) {
     const std::lock_guard<std::mutex> lock(sinks().mutex);
     sinks().trace = std::move(sink);
-    sinks().hasTrace = static_cast<bool>(sinks().trace);
+    hasTrace = static_cast<bool>(sinks().trace);
 }
 
 }  // namespace homeloom::desktop::log
@@ -218,13 +218,13 @@ void setTraceSink(std::function<void(const char*)> sink) {
 namespace log_impl = homeloom::desktop::log;
 
 bool dlog_is_enabled(log_priority priority, const char* tag) {
-    auto& sinks = log_impl::sinks();
-    if (priority < sinks.least.load(std::memory_order_relaxed)) {
+    if (priority < log_impl::leastTaken.load(std::memory_order_relaxed)) {
         return false;
     }
-    if (!sinks.filtersTags.load(std::memory_order_relaxed)) {
+    if (!log_impl::filtersTags.load(std::memory_order_relaxed)) {
         return true;
     }
+    auto& sinks = log_impl::sinks();
     const std::lock_guard<std::mutex> lock(sinks.mutex);
     return sinks.takes(priority, tag != nullptr ? tag : "");
 }
@@ -261,7 +261,7 @@ int dlog_print(log_priority priority, const char* tag, const char* format, ...) 
 }
 
 bool dlog_trace_is_active(void) {
-    return log_impl::sinks().hasTrace.load(std::memory_order_relaxed);
+    return log_impl::hasTrace.load(std::memory_order_relaxed);
 }
 
 void dlog_trace_write(const char* text) {

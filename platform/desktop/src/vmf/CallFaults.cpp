@@ -26,15 +26,22 @@ ObserverSlot<const char*>& observers() {
     return slot;
 }
 
-// Lets the ordinary case, in which nothing is to fail, pass without a lock.
-std::atomic<bool> anyFault{false};
+// Guards the faults, and what callsAreWatched is made of.
 std::mutex faultsMutex;
+bool isObserved = false;
 std::map<std::string, Fault, std::less<>>& faults() {
     static std::map<std::string, Fault, std::less<>> byFunction;
     return byFunction;
 }
 
+// Called with the mutex held.
+void updateWatched() {
+    callsAreWatched = isObserved || !faults().empty();
+}
+
 }  // namespace
+
+std::atomic<bool> callsAreWatched{false};
 
 bool CallRange::take() {
     if (skip > 0) {
@@ -126,27 +133,27 @@ void failCalls(const std::string& function, int code, CallRange range) {
     }
     const std::lock_guard lock(faultsMutex);
     faults()[function] = {code, range};
-    anyFault = true;
+    updateWatched();
 }
 
 void passCalls() {
     const std::lock_guard lock(faultsMutex);
     faults().clear();
-    anyFault = false;
+    updateWatched();
 }
 
 void setDeskCallObserver(std::function<void(const char*)> told) {
+    const std::lock_guard lock(faultsMutex);
+    isObserved = told != nullptr;
+    updateWatched();
     observers().set(std::move(told));
 }
 
-int takeFault(const char* function) {
+int takeFaultOfWatched(const char* function) {
     observers().tell(function);
-    if (!anyFault.load(std::memory_order_relaxed)) {
-        return 0;
-    }
     // A function that asks for itself by a name that nobody could give would never fail.
-    assert(std::binary_search(failableFunctions().begin(), failableFunctions().end(), function));
     const std::lock_guard lock(faultsMutex);
+    assert(faults().empty() || std::binary_search(failableFunctions().begin(), failableFunctions().end(), function));
     const auto found = faults().find(std::string_view(function));
     return found != faults().end() && found->second.range.take() ? found->second.code : 0;
 }

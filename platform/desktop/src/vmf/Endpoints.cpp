@@ -29,6 +29,9 @@ std::unique_ptr<Endpoint, EndpointEnd> makeEndpoint(EndpointRecord record) {
 
 namespace {
 
+// As many as a device has; others grow.
+constexpr std::size_t kUsualExtraData = 32;
+
 using TextField = std::optional<std::string> EndpointRecord::*;
 
 vmf_error_e errorOf(int fault) {
@@ -60,7 +63,11 @@ vmf_error_e setExtraData(const char* function, vmf_endpoint_h handle, const char
     if (endpoint == nullptr || key == nullptr) {
         return VMF_ERROR_INVALID_PARAMETER;
     }
-    endpoint->record.extraData.set(key, std::move(value));
+    auto& extraData = endpoint->record.extraData;
+    if (extraData.empty()) {
+        extraData.reserve(kUsualExtraData);
+    }
+    extraData.set(key, std::move(value));
     return VMF_ERROR_NONE;
 }
 

@@ -71,17 +71,21 @@ public:
     /// Ends live objects, which the iterators point at.
     template <typename Iterator>
     void endAll(Iterator first, Iterator last) {
-        {
-            const std::lock_guard<std::mutex> lock(_mutex);
-            for (Iterator each = first; each != last; ++each) {
-                const void* const handle = (*each)->handle;
-                if (Slot* const slot = find(handle)) {
-                    vacate(*slot, handle);
-                }
-            }
-        }
+        removeAll(first, last);
         for (; first != last; ++first) {
             std::unique_ptr<Object>(*first).reset();
+        }
+    }
+
+    /// Ends the handles of live objects, which the iterators point at; the objects are the caller's from here on.
+    template <typename Iterator>
+    void removeAll(Iterator first, Iterator last) {
+        const std::lock_guard<std::mutex> lock(_mutex);
+        for (; first != last; ++first) {
+            const void* const handle = (*first)->handle;
+            if (Slot* const slot = find(handle)) {
+                vacate(*slot, handle);
+            }
         }
     }
 

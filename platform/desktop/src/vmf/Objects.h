@@ -20,6 +20,7 @@ struct PropertyList;
 struct EndpointList;
 
 struct Property {
+    Property() = default;
     Property(std::string name, Value data) : key(std::move(name)), value(std::move(data)) {}
 
     vmf_property_h handle = nullptr;

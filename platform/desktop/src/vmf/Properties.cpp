@@ -1,7 +1,9 @@
+#include <cstring>
 #include <utility>
 
 #include "vmf/CallFaults.h"
 #include "vmf/Objects.h"
+#include "vmf/Spares.h"
 
 namespace homeloom::desktop {
 
@@ -19,12 +21,44 @@ namespace {
 
 // As many as a device's state has; longer lists grow.
 constexpr std::size_t kUsualProperties = 20;
+// A text beyond this size does not stay with an ended property.
+constexpr std::size_t kLongText = 256;
+
+// Most lists are made, sent and ended by one thread, one after the other. Programs have this library from their start,
+// so the place can be one that is found without a call.
+struct ThreadSpares {
+    Spares<Property, 3 * kUsualProperties> properties;
+    Spares<PropertyList, 3> lists;
+};
+[[gnu::tls_model("initial-exec")]] thread_local ThreadSpares spares;
+
+// A property that is used again mostly had this very text before.
+void setText(std::string& text, const char* wanted) {
+    if (std::strcmp(text.c_str(), wanted) != 0) {
+        text = wanted;
+    }
+}
+
+void setValue(Value& value, const char* text) {
+    if (std::string* const before = std::get_if<std::string>(&value)) {
+        setText(*before, text);
+    } else {
+        value.emplace<std::string>(text);
+    }
+}
+void setValue(Value& value, int number) {
+    value = number;
+}
+void setValue(Value& value, bool flag) {
+    value = flag;
+}
 
 vmf_error_e errorOf(int fault) {
     return static_cast<vmf_error_e>(fault);
 }
 
-vmf_property_h makeProperty(const char* function, const char* key, Value value, vmf_error_e* error) {
+template <typename Data>
+vmf_property_h makeProperty(const char* function, const char* key, Data data, vmf_error_e* error) {
     if (error == nullptr) {
         return nullptr;
     }
@@ -35,7 +69,11 @@ vmf_property_h makeProperty(const char* function, const char* key, Value value, 
     if (*error != VMF_ERROR_NONE) {
         return nullptr;
     }
-    const vmf_property_h handle = properties().add(std::make_unique<Property>(key, std::move(value)));
+    std::unique_ptr<Property> property = spares.properties.take();
+    setText(property->key, key);
+    setValue(property->value, data);
+    property->list = nullptr;
+    const vmf_property_h handle = properties().add(std::move(property));
     if (handle == nullptr) {
         *error = VMF_ERROR_OUT_OF_MEMORY;
     }
@@ -81,9 +119,22 @@ void* cursorTo(const PropertyList& list, std::size_t position) {
 }
 
 void endPropertyList(vmf_property_list_h handle) {
-    if (const auto list = propertyLists().remove(handle)) {
-        properties().endAll(list->properties.begin(), list->properties.end());
+    auto list = propertyLists().remove(handle);
+    if (!list) {
+        return;
     }
+    properties().removeAll(list->properties.begin(), list->properties.end());
+    // The last one first: the next list, which mostly has the same keys, takes them in their order.
+    for (auto each = list->properties.rbegin(); each != list->properties.rend(); ++each) {
+        std::unique_ptr<Property> property(*each);
+        const std::string* const text = std::get_if<std::string>(&property->value);
+        if (property->key.capacity() <= kLongText && (text == nullptr || text->capacity() <= kLongText)) {
+            spares.properties.give(std::move(property));
+        }
+    }
+    list->properties.clear();
+    list->first = 0;
+    spares.lists.give(std::move(list));
 }
 
 }  // namespace
@@ -157,7 +208,8 @@ vmf_property_list_h vmf_property_list_create(vmf_error_e* error) {
     if (*error != VMF_ERROR_NONE) {
         return nullptr;
     }
-    auto made = std::make_unique<PropertyList>();
+    auto made = spares.lists.take();
+    made->name.reset();
     made->properties.reserve(kUsualProperties);
     const vmf_property_list_h handle = propertyLists().add(std::move(made));
     if (handle == nullptr) {

@@ -12,14 +12,14 @@ T valueOr(const Value* value, T otherwise) {
 
 }  // namespace
 
-void Fields::set(const std::string& key, Value value) {
+void Fields::set(std::string_view key, Value value) {
     for (Field& field : _fields) {
         if (field.key == key) {
             field.value = std::move(value);
             return;
         }
     }
-    add(key, std::move(value));
+    add(std::string(key), std::move(value));
 }
 
 const Value* Fields::find(const std::string& key) const {
