@@ -76,7 +76,10 @@ bool CHLUtil::GetPropertyValue(const JsonValue& json, device_property_info_struc
         HL_LOGE("No member for : %s", info.property_name.c_str());
         return false;
     }
-    const JsonValue member = json[info.property_name];
+    return GetValueOf(json[info.property_name], info);
+}
+
+bool CHLUtil::GetValueOf(const JsonValue& member, device_property_info_struct& info) {
     if (info.property_type == "Boolean") {
         info.property_value = member.asBool() ? "true" : "false";
     } else if (info.property_type == "String") {
@@ -95,22 +98,33 @@ bool CHLUtil::GetPropertyValue(const JsonValue& json, device_property_info_struc
 }
 
 std::string CHLUtil::GetMemberFromMembers(const std::vector<std::string>& members, const std::string& key) {
+    const std::string* const member = FindMember(members, key);
+    return member != nullptr ? *member : std::string();
+}
+
+const std::string* CHLUtil::FindMember(const std::vector<std::string>& members, const std::string& key) {
+    const bool isTaken = Log::IsTaken(DLOG_INFO, Log::kTag);
     for (const std::string& member : members) {
-        HL_LOGI("key_upper %s, member_name_upper %s", ToUpper(key).c_str(), ToUpper(member).c_str());
-        if (EqualsIgnoreCase(key, member)) {
+        if (isTaken) {
+            HL_LOGI("key_upper %s, member_name_upper %s", ToUpper(key).c_str(), ToUpper(member).c_str());
+        }
+        // Mostly they are the same to the letter, which is sooner seen.
+        if (key == member || EqualsIgnoreCase(key, member)) {
             HL_LOGI("Found property: %s", member.c_str());
-            return member;
+            return &member;
         }
     }
-    return {};
+    return nullptr;
 }
 
 bool CHLUtil::GetMemberBool(const JsonValue& json, const std::string& key) {
-    return json.isMember(key) && json[key].asBool();
+    const JsonValue member = json[key];
+    return (!member.isNull() || json.isMember(key)) && member.asBool();
 }
 
 std::string CHLUtil::GetMemberString(const JsonValue& json, const std::string& key) {
-    return json.isMember(key) ? json[key].asString() : std::string();
+    const JsonValue member = json[key];
+    return !member.isNull() || json.isMember(key) ? member.asString() : std::string();
 }
 
 std::string CHLUtil::GetParentIdOfIRDevice(const std::string& json) {

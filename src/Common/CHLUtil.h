@@ -29,6 +29,9 @@ public:
     static bool GetPropertyValue(const json::JsonValue& json, device_property_info_struct& info);
     /// The first of `members` that equals `key` but for case, as it stands in the list, or "".
     static std::string GetMemberFromMembers(const std::vector<std::string>& members, const std::string& key);
+    /// The same two for who has found the member, and for who goes on with its place in the list; null for none.
+    static bool GetValueOf(const json::JsonValue& member, device_property_info_struct& info);
+    static const std::string* FindMember(const std::vector<std::string>& members, const std::string& key);
     /// Members of an object; false or "" for an absent one. They throw std::runtime_error if `json` is no object.
     static bool GetMemberBool(const json::JsonValue& json, const std::string& key);
     static std::string GetMemberString(const json::JsonValue& json, const std::string& key);

@@ -2,6 +2,7 @@
 #include "Common/CReporter.h"
 
 #include <functional>
+#include <string_view>
 #include <unordered_map>
 
 #include "Common/CTransaction.h"
@@ -17,13 +18,13 @@ using namespace Names;
 using List = std::shared_ptr<IPropertyListHelper>;
 using Send = decltype(&Reporter::sendResult);
 
-void Push(const List& list, const std::string& key, bool value) {
+void Push(const List& list, const char* key, bool value) {
     list->PushBooleanData(key, value);
 }
-void Push(const List& list, const std::string& key, int value) {
+void Push(const List& list, const char* key, int value) {
     list->PushIntData(key, value);
 }
-void Push(const List& list, const std::string& key, const std::string& value) {
+void Push(const List& list, const char* key, const std::string& value) {
     list->PushStringData(key, value);
 }
 
@@ -102,8 +103,8 @@ void RoomUpdated(ReportParam& base) {
             param.result, param.locationId.c_str(), param.roomId.c_str(), param.roomName.c_str());
     const List list = IPropertyListHelper::Create();
     list->SetName(param.property_result);
-    ForEachValue(param, [&](const std::string& key, const auto& value) {
-        Push(list, key == RESULT ? param.result_key : key, value);
+    ForEachValue(param, [&](std::string_view key, const auto& value) {
+        Push(list, key == RESULT ? param.result_key.c_str() : key.data(), value);
     });
     Reporter::sendNotify(param.transaction, list);
 }

@@ -27,7 +27,7 @@ std::shared_ptr<IEndpointHelper> IEndpointHelper::Copy(vmf_endpoint_h endpoint) 
 }
 
 CEndpointHelper::CEndpointHelper(vmf_endpoint_h endpoint, bool owning) noexcept
-    : _endpoint(endpoint), _owning(owning) {}
+    : _endpoint(endpoint), _owning(owning), _isPrinted(Log::IsTaken(DLOG_INFO, Log::kTag)) {}
 
 CEndpointHelper::~CEndpointHelper() {
     if (_owning) {
@@ -40,48 +40,90 @@ vmf_endpoint_h CEndpointHelper::GetHandle() const {
 }
 
 void CEndpointHelper::SetServiceName(const std::string& value) {
-    _serviceName = value;
-    vmf_endpoint_set_service_name(_endpoint, value.c_str());
+    SetServiceName(value.c_str());
+}
+
+void CEndpointHelper::SetServiceName(const char* value) {
+    if (_isPrinted) {
+        _serviceName = value;
+    }
+    vmf_endpoint_set_service_name(_endpoint, value);
 }
 
 void CEndpointHelper::SetInterfaceType(const std::string& value) {
-    _interfaceType = value;
-    vmf_endpoint_set_interface_type(_endpoint, value.c_str());
+    SetInterfaceType(value.c_str());
+}
+
+void CEndpointHelper::SetInterfaceType(const char* value) {
+    if (_isPrinted) {
+        _interfaceType = value;
+    }
+    vmf_endpoint_set_interface_type(_endpoint, value);
 }
 
 void CEndpointHelper::SetDeviceId(const std::string& value) {
-    _deviceId = value;
+    if (_isPrinted) {
+        _deviceId = value;
+    }
     vmf_endpoint_set_device_id(_endpoint, value.c_str());
 }
 
 void CEndpointHelper::SetDeviceName(const std::string& value) {
-    _deviceName = value;
+    if (_isPrinted) {
+        _deviceName = value;
+    }
     vmf_endpoint_set_device_name(_endpoint, value.c_str());
 }
 
 void CEndpointHelper::SetDeviceType(const std::string& value) {
-    _deviceType = value;
-    vmf_endpoint_set_device_type(_endpoint, value.c_str());
+    SetDeviceType(value.c_str());
+}
+
+void CEndpointHelper::SetDeviceType(const char* value) {
+    if (_isPrinted) {
+        _deviceType = value;
+    }
+    vmf_endpoint_set_device_type(_endpoint, value);
 }
 
 void CEndpointHelper::SetSubDeviceType(const std::string& value) {
-    _subDeviceType = value;
+    if (_isPrinted) {
+        _subDeviceType = value;
+    }
     vmf_endpoint_set_sub_device_type(_endpoint, value.c_str());
 }
 
 void CEndpointHelper::SetExtraData(const std::string& key, const std::string& value) {
-    _extraData[key] = value;
-    vmf_endpoint_set_extra_data(_endpoint, key.c_str(), value.c_str());
+    SetExtraData(key.c_str(), value);
+}
+
+void CEndpointHelper::SetExtraData(const char* key, const std::string& value) {
+    if (_isPrinted) {
+        _extraData[key] = value;
+    }
+    vmf_endpoint_set_extra_data(_endpoint, key, value.c_str());
 }
 
 void CEndpointHelper::SetExtraDataInt(const std::string& key, int value) {
-    _extraDataInt[key] = value;
-    vmf_endpoint_set_extra_data_int(_endpoint, key.c_str(), value);
+    SetExtraDataInt(key.c_str(), value);
+}
+
+void CEndpointHelper::SetExtraDataInt(const char* key, int value) {
+    if (_isPrinted) {
+        _extraDataInt[key] = value;
+    }
+    vmf_endpoint_set_extra_data_int(_endpoint, key, value);
 }
 
 void CEndpointHelper::SetExtraDataBool(const std::string& key, bool value) {
-    _extraDataBool[key] = value;
-    vmf_endpoint_set_extra_data_bool(_endpoint, key.c_str(), value);
+    SetExtraDataBool(key.c_str(), value);
+}
+
+void CEndpointHelper::SetExtraDataBool(const char* key, bool value) {
+    if (_isPrinted) {
+        _extraDataBool[key] = value;
+    }
+    vmf_endpoint_set_extra_data_bool(_endpoint, key, value);
 }
 
 std::string CEndpointHelper::GetServiceName() const {
@@ -109,7 +151,7 @@ std::string CEndpointHelper::GetExtraData(const std::string& key) const {
 }
 
 void CEndpointHelper::PrintData(const std::shared_ptr<Device>& device) const {
-    if (!Log::IsTaken(DLOG_INFO, Log::kTag)) {
+    if (!_isPrinted) {
         return;
     }
     HL_LOGI("endpoint service : %s, interface : %s, device_id : %s, name : %s, type : %s, sub type : %s",

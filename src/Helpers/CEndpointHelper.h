@@ -46,6 +46,14 @@ public:
     virtual std::string GetExtraData(const std::string& key) const = 0;
     /// Writes the endpoint and the device it stands for to the log.
     virtual void PrintData(const std::shared_ptr<Device>& device) const = 0;
+
+    /// The same for keys and values that are literals: no text is made of them.
+    virtual void SetServiceName(const char* value) = 0;
+    virtual void SetInterfaceType(const char* value) = 0;
+    virtual void SetDeviceType(const char* value) = 0;
+    virtual void SetExtraData(const char* key, const std::string& value) = 0;
+    virtual void SetExtraDataInt(const char* key, int value) = 0;
+    virtual void SetExtraDataBool(const char* key, bool value) = 0;
 };
 
 class CEndpointHelper : public IEndpointHelper {
@@ -70,12 +78,20 @@ public:
     std::string GetDeviceType() const override;
     std::string GetExtraData(const std::string& key) const override;
     void PrintData(const std::shared_ptr<Device>& device) const override;
+    void SetServiceName(const char* value) override;
+    void SetInterfaceType(const char* value) override;
+    void SetDeviceType(const char* value) override;
+    void SetExtraData(const char* key, const std::string& value) override;
+    void SetExtraDataInt(const char* key, int value) override;
+    void SetExtraDataBool(const char* key, bool value) override;
 
 private:
     const vmf_endpoint_h _endpoint;
     const bool _owning;
+    // Asked once: a list of a thousand devices has thirty thousand values, and mostly nobody listens.
+    const bool _isPrinted;
 
-    // Shadows of what was set, for the log: the framework has no getter for all of it.
+    // Shadows of what was set, for the log: the framework has no getter for all of it. Filled if the log takes them.
     std::string _serviceName;
     std::string _interfaceType;
     std::string _deviceId;

@@ -51,11 +51,15 @@ vmf_property_list_h CPropertyListHelper::GetHandle() {
 }
 
 void CPropertyListHelper::SetName(const std::string& name) {
-    if (name.empty()) {
+    SetName(name.c_str());
+}
+
+void CPropertyListHelper::SetName(const char* name) {
+    if (*name == '\0') {
         return;
     }
-    HL_LOGI("name : %s", name.c_str());
-    if (vmf_property_list_set_name(_list, name.c_str()) != VMF_ERROR_NONE) {
+    HL_LOGI("name : %s", name);
+    if (vmf_property_list_set_name(_list, name) != VMF_ERROR_NONE) {
         HL_LOGE("failed to set data in SetName!");
     }
 }
@@ -73,11 +77,15 @@ void CPropertyListHelper::Push(vmf_property_h property, vmf_error_e error) {
 }
 
 void CPropertyListHelper::PushStringData(const std::string& key, const std::string& value) {
-    if (key.empty() || value.empty()) {
+    PushStringData(key.c_str(), value);
+}
+
+void CPropertyListHelper::PushStringData(const char* key, const std::string& value) {
+    if (*key == '\0' || value.empty()) {
         return;
     }
     vmf_error_e error = VMF_ERROR_NONE;
-    const vmf_property_h property = vmf_property_create_string(key.c_str(), value.c_str(), &error);
+    const vmf_property_h property = vmf_property_create_string(key, value.c_str(), &error);
     if (error != VMF_ERROR_NONE) {
         HL_LOGE("failed to set data in PushStringData!");
         return;
@@ -86,11 +94,15 @@ void CPropertyListHelper::PushStringData(const std::string& key, const std::stri
 }
 
 void CPropertyListHelper::PushIntData(const std::string& key, int value) {
-    if (key.empty()) {
+    PushIntData(key.c_str(), value);
+}
+
+void CPropertyListHelper::PushIntData(const char* key, int value) {
+    if (*key == '\0') {
         return;
     }
     vmf_error_e error = VMF_ERROR_NONE;
-    const vmf_property_h property = vmf_property_create_int(key.c_str(), value, &error);
+    const vmf_property_h property = vmf_property_create_int(key, value, &error);
     if (error != VMF_ERROR_NONE) {
         HL_LOGE("failed to set data in PushIntData!");
         return;
@@ -99,11 +111,15 @@ void CPropertyListHelper::PushIntData(const std::string& key, int value) {
 }
 
 void CPropertyListHelper::PushBooleanData(const std::string& key, bool value) {
-    if (key.empty()) {
+    PushBooleanData(key.c_str(), value);
+}
+
+void CPropertyListHelper::PushBooleanData(const char* key, bool value) {
+    if (*key == '\0') {
         return;
     }
     vmf_error_e error = VMF_ERROR_NONE;
-    const vmf_property_h property = vmf_property_create_bool(key.c_str(), value, &error);
+    const vmf_property_h property = vmf_property_create_bool(key, value, &error);
     if (error != VMF_ERROR_NONE) {
         HL_LOGE("failed to set data in PushBooleanData!");
         return;

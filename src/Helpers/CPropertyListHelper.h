@@ -42,6 +42,12 @@ public:
     virtual std::string GetString(const std::string& key) = 0;
     virtual int GetInt(const std::string& key) = 0;
     virtual bool GetBool(const std::string& key) = 0;
+
+    /// The same for keys and names that are literals, as nearly all are: no text is made of them.
+    virtual void SetName(const char* name) = 0;
+    virtual void PushStringData(const char* key, const std::string& value) = 0;
+    virtual void PushIntData(const char* key, int value) = 0;
+    virtual void PushBooleanData(const char* key, bool value) = 0;
 };
 
 class CPropertyListHelper : public IPropertyListHelper {
@@ -65,6 +71,10 @@ public:
     std::string GetString(const std::string& key) override;
     int GetInt(const std::string& key) override;
     bool GetBool(const std::string& key) override;
+    void SetName(const char* name) override;
+    void PushStringData(const char* key, const std::string& value) override;
+    void PushIntData(const char* key, int value) override;
+    void PushBooleanData(const char* key, bool value) override;
 
 private:
     const vmf_property_list_h _list;

@@ -260,26 +260,26 @@ void HomeloomClient::OnCapabilityUpdateEvent(const std::string& deviceId, const 
         return;
     }
     const auto deviceLock = devices->Lock();
-    const std::string type = device->GetDeviceType();
+    const std::string& type = device->GetDeviceType();
     if (CHLUtil::IsButtonDeviceType(type) && state != kButtonReady) {
         setCoreButtonStandbyTimer(device, state);
     }
 
     // The device handler has a list of the same name with other fields; the two are no twins.
-    const auto& metadata = Metadata::GetInstance();
+    const auto action = Metadata::GetInstance().GetMainActionLook(*device);
     const auto list = IPropertyListHelper::Create();
     list->SetName(Names::HL_DEVICE_STATE_UPDATED);
     list->PushStringData(Names::DEVICE_ID, deviceId);
     list->PushStringData(Names::SUBDEVICE_TYPE, type);
     list->PushStringData(Names::STATE_TEXT, stateText);
     list->PushStringData(Names::ICON_URL, device->GetIconUrl());
-    list->PushStringData(Names::CONTROL_TYPE, metadata.GetDeviceMainActionControlType(device));
+    list->PushStringData(Names::CONTROL_TYPE, action.control_type);
     list->PushIntData(Names::ACTIVE_STATE, activeState);
     list->PushBooleanData(Names::RUNNING_STATE, device->GetRunningState());
     list->PushIntData(Names::SUBDEVTYPE_ENUM, devices->SubDeviceType(type));
     list->PushIntData(Names::CONTROLLABLE, device->IsControllableDevice() ? 1 : 0);
-    list->PushStringData(Names::ACTION_STATE, metadata.ActionIcon(device));
-    list->PushStringData(Names::ACTION_URL, metadata.ActionUrl(device));
+    list->PushStringData(Names::ACTION_STATE, action.action_state);
+    list->PushStringData(Names::ACTION_URL, action.action_url);
     list->PushIntData(Names::CLOUD_DEVICE_STATUS, devices->GetDeviceStatus(device));
     HL_LOGI("capability update event device id : %s, state text : %s", deviceId.c_str(), stateText.c_str());
     IWayOut::Get().ReportServiceNotify(list);

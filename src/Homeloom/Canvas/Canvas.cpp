@@ -15,11 +15,18 @@ bool Canvas::CreateCanvasMap(const std::string& vid, const std::string& canvas) 
         return false;
     }
     // Parsed once, as every event of a hub device asks. A malformed document is kept as null and answers empty.
-    JsonValue document = JsonValue::Create(canvas);
+    Presentation presentation;
+    presentation.document = JsonValue::Create(canvas);
+    try {
+        presentation.states = readStates(presentation.document);
+        presentation.has_states = true;
+    } catch (const std::exception&) {
+        // Told by whoever asks for a state that can't be read.
+    }
     std::size_t size = 0;
     {
         const std::lock_guard<std::mutex> lock(_mutex);
-        _canvasMap[vid] = std::move(document);
+        _canvasMap[vid] = std::move(presentation);
         size = _canvasMap.size();
     }
     HL_LOGI("canvas is added, vid : %s, vid canvas map size : %zu", vid.c_str(), size);
@@ -31,7 +38,44 @@ bool Canvas::IsAddedCanvasMap(const std::string& vid) const {
     return _canvasMap.count(vid) > 0;
 }
 
+std::map<std::string, Canvas::Shown> Canvas::readStates(const JsonValue& document) {
+    std::map<std::string, Shown> states;
+    const JsonValue first = firstOf(document, "states");
+    const JsonValue alternatives = first["alternatives"];
+    for (std::size_t i = 0; i < alternatives.size(); ++i) {
+        const JsonValue alternative = alternatives[i];
+        const std::string po_code = getMemberString(alternative, "value");
+        // The first alternative of a state counts.
+        states.emplace(getMemberString(alternative, "key"),
+                       Shown{po_code.empty() ? std::string() : translate(document, po_code),
+                             getMemberString(alternative, "type")});
+    }
+    return states;
+}
+
+/// False if the document has to be walked: because it could not be read as a whole, or because somebody reads in the
+/// log what is found on the way.
+bool Canvas::findShown(const std::string& vid, const std::string& state, Shown& out) const {
+    if (Log::IsTaken(DLOG_INFO, Log::kTag)) {
+        return false;
+    }
+    const std::lock_guard<std::mutex> lock(_mutex);
+    const auto found = _canvasMap.find(vid);
+    if (found == _canvasMap.end() || !found->second.has_states) {
+        return false;
+    }
+    const auto shown = found->second.states.find(state);
+    if (shown != found->second.states.end()) {
+        out = shown->second;
+    }
+    return true;
+}
+
 std::string Canvas::GetStateText(const std::string& vid, const std::string& state) const {
+    Shown shown;
+    if (findShown(vid, state, shown)) {
+        return shown.text;
+    }
     try {
         HL_LOGI("vid : %s, state : %s", vid.c_str(), state.c_str());
         const std::string po_code = getPOCode(vid, state);
@@ -49,6 +93,10 @@ std::string Canvas::GetStateText(const std::string& vid, const std::string& stat
 }
 
 std::string Canvas::GetActiveState(const std::string& vid, const std::string& state) const {
+    Shown shown;
+    if (findShown(vid, state, shown)) {
+        return shown.type;
+    }
     try {
         std::string type = getMemberString(findAlternative(vid, state), "type");
         HL_LOGI("state : %s, matched type : %s", state.c_str(), type.c_str());
@@ -151,12 +199,15 @@ bool Canvas::MakeActionJsonValue(const std::string& component, const std::string
 json::JsonValue Canvas::findDocument(const std::string& vid) const {
     const std::lock_guard<std::mutex> lock(_mutex);
     const auto found = _canvasMap.find(vid);
-    return found != _canvasMap.end() ? found->second : JsonValue();
+    return found != _canvasMap.end() ? found->second.document : JsonValue();
 }
 
 /// The first entry of that list of the document's "dashboard".
 json::JsonValue Canvas::findFirst(const std::string& vid, const char* list) const {
-    const JsonValue document = findDocument(vid);
+    return firstOf(findDocument(vid), list);
+}
+
+json::JsonValue Canvas::firstOf(const JsonValue& document, const char* list) {
     const JsonValue dashboard = document["dashboard"];
     const JsonValue entries = dashboard[list];
     return entries[0];
@@ -182,7 +233,12 @@ std::string Canvas::getPOCode(const std::string& vid, const std::string& state) 
 }
 
 std::string Canvas::getTranslatedStateText(const std::string& vid, const std::string& po_code) const {
-    const JsonValue document = findDocument(vid);
+    std::string text = translate(findDocument(vid), po_code);
+    HL_LOGI("translated state text : %s, po code : %s", text.c_str(), po_code.c_str());
+    return text;
+}
+
+std::string Canvas::translate(const JsonValue& document, const std::string& po_code) {
     const JsonValue languages = document["language"];
     // The TV's language is not asked for here: a presentation comes in one, and the first serves.
     const JsonValue language = languages[0];
@@ -195,7 +251,6 @@ std::string Canvas::getTranslatedStateText(const std::string& vid, const std::st
             break;
         }
     }
-    HL_LOGI("translated state text : %s, po code : %s", text.c_str(), po_code.c_str());
     return text;
 }
 

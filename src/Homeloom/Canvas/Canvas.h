@@ -43,15 +43,32 @@ public:
 private:
     using JsonValue = json::JsonValue;
 
+    /// How a state is shown.
+    struct Shown {
+        std::string text;
+        std::string type;
+    };
+    /// A document, and what it says about each state, so that an event needs not walk it. A document that can't be
+    /// walked to its end has no states: it is walked by each event, as far as that goes.
+    struct Presentation {
+        JsonValue document;
+        std::map<std::string, Shown> states;
+        bool has_states = false;
+    };
+
+    static std::map<std::string, Shown> readStates(const JsonValue& document);
+    bool findShown(const std::string& vid, const std::string& state, Shown& out) const;
     JsonValue findDocument(const std::string& vid) const;
     JsonValue findFirst(const std::string& vid, const char* list) const;
     JsonValue findAlternative(const std::string& vid, const std::string& state) const;
     std::string getPOCode(const std::string& vid, const std::string& state) const;
     std::string getTranslatedStateText(const std::string& vid, const std::string& po_code) const;
+    static JsonValue firstOf(const JsonValue& document, const char* list);
+    static std::string translate(const JsonValue& document, const std::string& po_code);
     static std::string getMemberString(const JsonValue& document, const std::string& name);
 
     mutable std::mutex _mutex;  // a leaf: guards _canvasMap
-    std::map<std::string, JsonValue> _canvasMap;
+    std::map<std::string, Presentation> _canvasMap;
 };
 
 }  // namespace VMFramework::HomeLoom

@@ -34,13 +34,18 @@ std::shared_ptr<Device> Device::findByToken(void* token) {
 }
 
 // Each evaluation sets it once for each argument, mostly to what it was; only what goes out needs the text.
-void Device::SetDeviceOperationalContext(device_context_struct context) {
-    if (_operationalContext && _operationalContext->uri == context.uri &&
-        _operationalContext->property == context.property && _operationalContext->value == context.value) {
+void Device::SetDeviceOperationalContext(const std::string& uri, const std::string& property,
+                                         const std::string& value) {
+    if (_operationalContext && _operationalContext->value == value && _operationalContext->property == property &&
+        _operationalContext->uri == uri) {
         return;
     }
-    _operationalContext = std::move(context);
+    _operationalContext = device_context_struct{uri, property, value};
     _operationalContextText.clear();
+}
+
+void Device::SetDeviceOperationalContext(const device_context_struct& context) {
+    SetDeviceOperationalContext(context.uri, context.property, context.value);
 }
 
 Device::ContextKeeper::ContextKeeper(Device& device)
@@ -53,7 +58,7 @@ Device::ContextKeeper::~ContextKeeper() {
     _device._operationalContextText = std::move(_text);
 }
 
-std::string Device::GetDeviceOperationalContext() const {
+const std::string& Device::GetDeviceOperationalContext() const {
     if (!_operationalContext || !_operationalContextText.empty()) {
         return _operationalContextText;
     }
@@ -126,21 +131,26 @@ void Device::DeleteResources() {
 }
 
 std::string Device::GetValue(const std::string& uri, const std::string& property) const {
+    return ValueOf(uri, property);
+}
+
+const std::string& Device::ValueOf(const std::string& uri, const std::string& property) const {
+    static const std::string kNone;
     if (uri.empty() || property.empty()) {
         HL_LOGE("check arguments(one of those is null) uri : %s, property : %s", uri.c_str(), property.c_str());
-        return "";
+        return kNone;
     }
     const auto resource = _resources.find(uri);
     if (resource == _resources.end()) {
         HL_LOGE("GetValue Could NOT find resource :  %s", uri.c_str());
-        return "";
+        return kNone;
     }
-    const auto found = resource->second->FindProperty(property, false);
-    if (!found->IsValidObject()) {
+    const Property* const found = resource->second->LookUp(property);
+    if (found == nullptr || !found->IsValidObject()) {
         HL_LOGE("GetValue Could NOT find property in resource : URI: %s  [PrpertyName:  %s ]", uri.c_str(),
                 property.c_str());
         resource->second->DeleteProperty(property);
-        return "";
+        return kNone;
     }
     return found->GetValue();
 }

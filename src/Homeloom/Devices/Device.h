@@ -20,8 +20,9 @@ class Resource;
 /// resources, and what the plug-in has worked out about it.
 ///
 /// A device has no lock of its own but for its timer: everything but the id is read and written under the mutex of the
-/// DeviceHandler that holds it (DeviceHandler::Lock, or the device's own Lock). Devices are made by DeviceFactory and
-/// held by shared ownership.
+/// DeviceHandler that holds it (DeviceHandler::Lock, or the device's own Lock). What a getter answers by reference is
+/// read under the same lock; who needs it longer copies it. Devices are made by DeviceFactory and held by shared
+/// ownership.
 class Device : public std::enable_shared_from_this<Device> {
 public:
     /// The resource by which a refrigerator shows its inside.
@@ -66,35 +67,35 @@ public:
     void SetValuesMutex(std::shared_ptr<std::recursive_mutex> mutex) { _valuesMutex = std::move(mutex); }
 
     /// Never changes once others know of the device.
-    std::string GetId() const { return _id; }
+    const std::string& GetId() const { return _id; }
     void SetId(const std::string& id) { _id = id; }
-    std::string GetName() const { return _info.device_name; }
-    std::string GetNickName() const { return _info.nick_name; }
-    std::string GetVid() const { return _info.vid; }
-    std::string GetDeviceType() const { return _info.device_type; }
+    const std::string& GetName() const { return _info.device_name; }
+    const std::string& GetNickName() const { return _info.nick_name; }
+    const std::string& GetVid() const { return _info.vid; }
+    const std::string& GetDeviceType() const { return _info.device_type; }
     DeviceStatus GetStatus() const { return _info.status; }
     void SetStatus(DeviceStatus status) { _info.status = status; }
-    std::string GetRoom() const { return _info.room_name; }
+    const std::string& GetRoom() const { return _info.room_name; }
     void SetRoom(const std::string& room) { _info.room_name = room; }
-    std::string GetRoomID() const { return _info.room_id; }
-    std::string GetLocation() const { return _info.location_name; }
+    const std::string& GetRoomID() const { return _info.room_id; }
+    const std::string& GetLocation() const { return _info.location_name; }
     void SetLocation(const std::string& location) { _info.location_name = location; }
-    std::string GetLocationID() const { return _info.location_id; }
-    std::string GetPrefix() const { return _info.prefix; }
+    const std::string& GetLocationID() const { return _info.location_id; }
+    const std::string& GetPrefix() const { return _info.prefix; }
 
-    std::string GetCoreDeviceType() const { return _info.core_device_type; }
-    std::string GetCoreDeviceNetworkType() const { return _info.core_device_network_type; }
-    std::string GetCoreDeviceParentDeviceId() const { return _info.core_device_parent_device_id; }
-    std::string GetCoreDeviceAnimationIconUrl() const { return _info.core_device_animation_icon_url; }
-    std::string GetCoreDeviceActivatedIconUrl() const { return _info.core_device_activated_icon_url; }
-    std::string GetCoreDeviceInactivatedIconUrl() const { return _info.core_device_inactivated_icon_url; }
-    std::string GetCoreDeviceDisconnectedIconUrl() const { return _info.core_device_disconnected_icon_url; }
-    std::string GetCoreDeviceIconKey() const { return _info.core_device_icon_key; }
-    std::string GetCoreDeviceIconDate() const { return _info.core_device_icon_date; }
+    const std::string& GetCoreDeviceType() const { return _info.core_device_type; }
+    const std::string& GetCoreDeviceNetworkType() const { return _info.core_device_network_type; }
+    const std::string& GetCoreDeviceParentDeviceId() const { return _info.core_device_parent_device_id; }
+    const std::string& GetCoreDeviceAnimationIconUrl() const { return _info.core_device_animation_icon_url; }
+    const std::string& GetCoreDeviceActivatedIconUrl() const { return _info.core_device_activated_icon_url; }
+    const std::string& GetCoreDeviceInactivatedIconUrl() const { return _info.core_device_inactivated_icon_url; }
+    const std::string& GetCoreDeviceDisconnectedIconUrl() const { return _info.core_device_disconnected_icon_url; }
+    const std::string& GetCoreDeviceIconKey() const { return _info.core_device_icon_key; }
+    const std::string& GetCoreDeviceIconDate() const { return _info.core_device_icon_date; }
 
-    std::string GetStateText() const { return _stateText; }
+    const std::string& GetStateText() const { return _stateText; }
     void SetStateText(const std::string& text) { _stateText = text; }
-    std::string GetIconUrl() const { return _iconUrl; }
+    const std::string& GetIconUrl() const { return _iconUrl; }
     void SetIconUrl(const std::string& url) { _iconUrl = url; }
     bool IsInactive() const { return _isInactive; }
     void SetIsInactive(bool isInactive) { _isInactive = isInactive; }
@@ -102,11 +103,12 @@ public:
     void SetControllableDevice(bool isControllable) { _isControllable = isControllable; }
     bool GetRunningState() const { return _runningState; }
     void SetRunningState(bool isRunning) { _runningState = isRunning; }
-    std::string GetSubDeviceCardJsonInfo() const { return _subDeviceCardJsonInfo; }
+    const std::string& GetSubDeviceCardJsonInfo() const { return _subDeviceCardJsonInfo; }
     void SetSubDeviceCardJsonInfo(const std::string& json) { _subDeviceCardJsonInfo = json; }
     /// JSON text of the last argument that the state text was made of.
-    std::string GetDeviceOperationalContext() const;
-    void SetDeviceOperationalContext(device_context_struct context);
+    const std::string& GetDeviceOperationalContext() const;
+    void SetDeviceOperationalContext(const std::string& uri, const std::string& property, const std::string& value);
+    void SetDeviceOperationalContext(const device_context_struct& context);
     /// Puts back at its end what the device told as its context: for evaluations that are not about the state text.
     class ContextKeeper {
     public:
@@ -137,6 +139,8 @@ public:
 
     /// The property's last known value; empty for whatever the device doesn't hold.
     std::string GetValue(const std::string& uri, const std::string& property) const;
+    /// The same without a copy.
+    const std::string& ValueOf(const std::string& uri, const std::string& property) const;
     /// Takes over an update of a resource that the device holds; any other is lost.
     void UpdateValue(const device_resource_info_struct& info);
     /// The text that sets a property through the agent. False, and the text untouched, if it can't be made.

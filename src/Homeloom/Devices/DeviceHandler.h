@@ -12,15 +12,12 @@
 #include <utility>
 #include <vector>
 
+#include <VMFramework/JsonValue.h>
 #include <homeloom_client.h>
 
 #include "Homeloom/Common/Handler.h"
 #include "Homeloom/Common/MsgDispatcher.h"
 #include "Homeloom/Devices/Device.h"
-
-namespace VMFramework::json {
-class JsonValue;
-}
 
 namespace VMFramework::HomeLoom {
 
@@ -28,6 +25,7 @@ class CTransaction;
 class IEndpointHelper;
 class IEndpointListHelper;
 class ITesselHandler;
+struct device_ui_metadata_struct;
 
 /// Owns every device of the signed-in user: merges what the session read of them, subscribes to their resources,
 /// applies updates, and turns devices into endpoints and notifications.
@@ -158,10 +156,28 @@ private:
     void updateDeviceProperty(const std::shared_ptr<Device>& device);
     void applyUpdate(const std::string& deviceId, const std::string& uri, const std::string& rep,
                      const std::string& dataType);
+    /// The types that an update tells of a resource's properties.
+    struct ResourceTypes {
+        json::JsonValue document;
+        std::vector<std::string> members;
+
+        /// Throws std::runtime_error if the document has no text there.
+        std::string typeOf(const std::string& member) const;
+    };
+
+    // With the mutex held. Null, and logged, for an unknown id.
+    std::shared_ptr<Device> findDeviceOfUpdate(const std::string& id) const;
+    bool readResource(const std::shared_ptr<Device>& device, const device_ui_metadata_struct* metadata,
+                      const std::string& uri, const std::string& rep, const std::string& dataType,
+                      std::vector<device_property_info_struct>& properties);
+    std::shared_ptr<const ResourceTypes> findTypes(const std::string& text);
+    void showUpdate(const std::shared_ptr<Device>& device, const device_ui_metadata_struct* metadata,
+                    const device_resource_info_struct& info);
     void handleRunningState(const std::shared_ptr<Device>& device, const device_operation_info_struct& info) const;
     void handleButton(const std::shared_ptr<Device>& device, const device_resource_info_struct& info);
     void setButtonStandbyTimer(const std::shared_ptr<Device>& device, const device_resource_info_struct& info);
-    void notifyDeviceState(const std::shared_ptr<Device>& device, const std::string& oldStateText) const;
+    void notifyDeviceState(const std::shared_ptr<Device>& device, const device_ui_metadata_struct* metadata,
+                           const std::string& oldStateText) const;
     // The device's id, and the text that identifies its subscription. False, and logged, if there is none.
     bool findSubscription(const std::shared_ptr<Device>& device, std::string& id, std::string& uris) const;
     std::string getJsonUrifromDevID(const std::shared_ptr<Device>& device, bool& found) const;
@@ -186,6 +202,7 @@ private:
     std::map<std::string, int> _deviceTypeMap;
     DeviceMap _deviceMap;
     std::unordered_map<std::string, std::unordered_set<std::string>> _vidDevicesMap;
+    std::unordered_map<std::string, std::shared_ptr<const ResourceTypes>> _resourceTypes;  // by the text
     // Last, so that both threads have ended before anything else goes: their jobs name the handler by its address.
     MsgDispatcher _metadataDispatcher;
     MsgDispatcher _statusDispatcher;

@@ -170,75 +170,127 @@ void DeviceHandler::_HomeLoomClientSubscribeChanged(const char* deviceId, const 
 
 void DeviceHandler::applyUpdate(const std::string& deviceId, const std::string& uri, const std::string& rep,
                                 const std::string& dataType) {
+    const auto lock = Lock();
+    const auto device = findDeviceOfUpdate(deviceId);
+    if (!device) {
+        return;
+    }
+    const auto metadata = Metadata::GetInstance().FindUiMetadata(device->GetVid());
     device_resource_info_struct info{deviceId, uri, {}};
     // Also an update without a known property is worth a notification: it recomputes.
-    BuildResourceData(deviceId, uri, rep, dataType, info.properties);
-    OnResourceUpdateEvent(info);
+    readResource(device, metadata.get(), uri, rep, dataType, info.properties);
+    showUpdate(device, metadata.get(), info);
 }
 
 bool DeviceHandler::BuildResourceData(const std::string& deviceId, const std::string& uri, const std::string& rep,
                                       const std::string& dataType,
                                       std::vector<device_property_info_struct>& properties) {
-    const auto& metadata = Metadata::GetInstance();
     const auto lock = Lock();
-    const std::string vid = GetVid(deviceId);
+    const auto device = findDeviceOfUpdate(deviceId);
+    return device && readResource(device, Metadata::GetInstance().FindUiMetadata(device->GetVid()).get(), uri, rep,
+                                  dataType, properties);
+}
+
+std::shared_ptr<Device> DeviceHandler::findDeviceOfUpdate(const std::string& id) const {
+    auto device = FindDevice(id);
+    if (!device) {
+        HL_LOGE("device[%s] NOT found in map", id.c_str());
+        HL_LOGE("vid is empty");
+    }
+    return device;
+}
+
+bool DeviceHandler::readResource(const std::shared_ptr<Device>& device, const device_ui_metadata_struct* metadata,
+                                 const std::string& uri, const std::string& rep, const std::string& dataType,
+                                 std::vector<device_property_info_struct>& properties) {
+    const std::string& vid = device->GetVid();
     if (vid.empty()) {
         HL_LOGE("vid is empty");
         return false;
     }
-    auto names = metadata.GetPropertyNameList(vid, uri);
-    const auto device = FindDevice(deviceId);
-    if (!device) {
-        HL_LOGE("Cannot find device");
-        return false;
-    }
     // Shown by no metadata, but by screens of their own.
+    std::vector<std::string> moreNames;
     if (uri == Device::kInsideViewUri && device->IsSupportInnerView()) {
-        names.emplace_back("x.com.norvane.da.fileid");
+        moreNames.emplace_back("x.com.norvane.da.fileid");
     }
     if (device->IsCameraDevice()) {
-        names.emplace_back("stream");
+        moreNames.emplace_back("stream");
     }
-    if (names.empty()) {
+    if (metadata == nullptr) {
+        HL_LOGE("vid not found in matadata map");
+    }
+    const auto& shown = metadata != nullptr ? Metadata::ShownNames(*metadata, uri) : moreNames;
+    const std::size_t count = metadata != nullptr ? shown.size() + moreNames.size() : moreNames.size();
+    if (count == 0) {
         return false;
     }
 
-    const auto types = json::JsonValue::Create(dataType);
+    const auto types = findTypes(dataType);
     const auto attributes = json::JsonValue::Create(rep);
-    const auto members = types.getMemberNames();
     if (!attributes.isObject()) {
         throw CException("representation is no object", kErrorFailed);
     }
-    const std::string type = device->GetDeviceType();
-    properties.reserve(names.size());
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        const std::string& name = names[i];
-        HL_LOGI("[%d] property_name: %s", static_cast<int>(i), name.c_str());
-        const std::string member = CHLUtil::GetMemberFromMembers(members, name);
-        if (member.empty()) {
+    const bool isTaken = Log::IsTaken(DLOG_INFO, Log::kTag);
+    device_operation_info_struct operation{device->GetDeviceType(), uri, "", ""};
+    properties.reserve(properties.size() + count);
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::string& name = i < shown.size() ? shown[i] : moreNames[i - shown.size()];
+        if (isTaken) {
+            HL_LOGI("[%d] property_name: %s", static_cast<int>(i), name.c_str());
+        }
+        const std::string* const member = CHLUtil::FindMember(types->members, name);
+        if (member == nullptr || member->empty()) {
             HL_LOGI("property_name[%s] is empty. continue", name.c_str());
             continue;
         }
-        if (!attributes.isMember(member)) {
+        const json::JsonValue value = attributes[*member];
+        if (value.isNull() && !attributes.isMember(*member)) {
             HL_LOGI("property_name[%s] not found in attributes. continue", name.c_str());
             continue;
         }
-        device_property_info_struct property{member, "", types[member].asString()};
-        if (!CHLUtil::GetPropertyValue(attributes, property)) {
+        device_property_info_struct& property =
+            properties.emplace_back(device_property_info_struct{*member, "", types->typeOf(*member)});
+        if (!CHLUtil::GetValueOf(value, property)) {
+            properties.pop_back();
             HL_LOGE("GetPropertyValue [%s] failed continue", name.c_str());
             continue;
         }
-        HL_LOGI("property_name: %s, property_type: %s, property_value:%s", property.property_name.c_str(),
-                property.property_type.c_str(), property.property_value.c_str());
-        if (!device->IsControllableDevice() && metadata.HasMainAction(vid, member)) {
+        if (isTaken) {
+            HL_LOGI("property_name: %s, property_type: %s, property_value:%s", property.property_name.c_str(),
+                    property.property_type.c_str(), property.property_value.c_str());
+        }
+        if (!device->IsControllableDevice() && Metadata::HasMainAction(vid, metadata, *member)) {
             HL_LOGI("controllable set true, device id : %s, device name : %s, property name : %s, property value : %s",
-                    deviceId.c_str(), device->GetName().c_str(), member.c_str(), property.property_value.c_str());
+                    device->GetId().c_str(), device->GetName().c_str(), member->c_str(),
+                    property.property_value.c_str());
             device->SetControllableDevice(true);
         }
-        handleRunningState(device, {type, uri, member, property.property_value});
-        properties.push_back(std::move(property));
+        operation.property_name = *member;
+        operation.property_value = property.property_value;
+        handleRunningState(device, operation);
     }
     return true;
+}
+
+std::string DeviceHandler::ResourceTypes::typeOf(const std::string& member) const {
+    return document[member].asString();
+}
+
+// A model tells the same types with each of its updates.
+std::shared_ptr<const DeviceHandler::ResourceTypes> DeviceHandler::findTypes(const std::string& text) {
+    constexpr std::size_t kMostTexts = 64;
+    const auto found = _resourceTypes.find(text);
+    if (found != _resourceTypes.end()) {
+        return found->second;
+    }
+    const auto types = std::make_shared<ResourceTypes>();
+    types->document = json::JsonValue::Create(text);
+    types->members = types->document.getMemberNames();
+    if (_resourceTypes.size() >= kMostTexts) {
+        _resourceTypes.clear();
+    }
+    _resourceTypes.emplace(text, types);
+    return types;
 }
 
 void DeviceHandler::handleRunningState(const std::shared_ptr<Device>& device,
@@ -251,33 +303,38 @@ void DeviceHandler::handleRunningState(const std::shared_ptr<Device>& device,
 
 void DeviceHandler::OnResourceUpdateEvent(const device_resource_info_struct& info) {
     const auto lock = Lock();
-    const auto device = FindDevice(info.device_id);
-    if (!device) {
-        return;
+    if (const auto device = FindDevice(info.device_id)) {
+        showUpdate(device, Metadata::GetInstance().FindUiMetadata(device->GetVid()).get(), info);
     }
+}
+
+void DeviceHandler::showUpdate(const std::shared_ptr<Device>& device, const device_ui_metadata_struct* metadata,
+                               const device_resource_info_struct& info) {
     const std::string oldStateText = device->GetStateText();
     if (CHLUtil::IsButtonDeviceType(device->GetDeviceType())) {
         handleButton(device, info);
     } else {
         device->UpdateValue(info);
     }
-    Metadata::GetInstance().SetDeviceStateText(device);
-    Metadata::GetInstance().UpdateDeviceIconUrl(device);
+    Metadata::GetInstance().Refresh(*device, metadata);
 
-    HL_LOGI("DeviceId: %s, res_uri: %s, old stateText: %s  new stateText: %s", info.device_id.c_str(), info.uri.c_str(),
-            oldStateText.c_str(), device->GetStateText().c_str());
-    for (const auto& property : info.properties) {
-        HL_LOGI("property_name %s, property_value %s, property_type %s", property.property_name.c_str(),
-                property.property_value.c_str(), property.property_type.c_str());
+    if (Log::IsTaken(DLOG_INFO, Log::kTag)) {
+        HL_LOGI("DeviceId: %s, res_uri: %s, old stateText: %s  new stateText: %s", info.device_id.c_str(),
+                info.uri.c_str(), oldStateText.c_str(), device->GetStateText().c_str());
+        for (const auto& property : info.properties) {
+            HL_LOGI("property_name %s, property_value %s, property_type %s", property.property_name.c_str(),
+                    property.property_value.c_str(), property.property_type.c_str());
+        }
     }
-    notifyDeviceState(device, oldStateText);
+    notifyDeviceState(device, metadata, oldStateText);
 }
 
 // A notification of the same name, with fewer fields, goes out for events of hub devices. Receivers know both.
-void DeviceHandler::notifyDeviceState(const std::shared_ptr<Device>& device, const std::string& oldStateText) const {
-    const std::string vid = device->GetVid();
-    const std::string type = device->GetDeviceType();
-    const auto presentation = Metadata::GetInstance().GetPresentation(device);
+void DeviceHandler::notifyDeviceState(const std::shared_ptr<Device>& device, const device_ui_metadata_struct* metadata,
+                                      const std::string& oldStateText) const {
+    const std::string& vid = device->GetVid();
+    const std::string& type = device->GetDeviceType();
+    const auto presentation = Metadata::GetInstance().GetPresentation(*device, metadata);
     const int status = GetDeviceStatus(device);
 
     const auto list = IPropertyListHelper::Create();

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <exception>
 #include <initializer_list>
+#include <string_view>
 
 #include <VMFramework/JsonValue.h>
 
@@ -13,15 +14,15 @@ namespace VMFramework::HomeLoom {
 
 namespace {
 
-using Texts = std::initializer_list<const char*>;
+using Texts = std::initializer_list<std::string_view>;
 
 constexpr char kOperationalStateUri[] = "/operational/state/vs/0";
 constexpr char kPowerUri[] = "/power/vs/0";
 constexpr char kStateProperty[] = "x.com.norvane.da.state";
 constexpr char kPowerProperty[] = "x.com.norvane.da.power";
 
-bool isAnyOf(const std::string& text, Texts texts) {
-    return std::any_of(texts.begin(), texts.end(), [&text](const char* known) { return text == known; });
+bool isAnyOf(std::string_view text, Texts texts) {
+    return std::find(texts.begin(), texts.end(), text) != texts.end();
 }
 
 // Any URI of a rule goes with any of its properties.

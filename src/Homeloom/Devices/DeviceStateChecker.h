@@ -2,6 +2,7 @@
 #define HOMELOOM_HOMELOOM_DEVICES_DEVICESTATECHECKER_H
 
 #include <string>
+#include <string_view>
 
 #include "Common/DeviceInfoStructs.h"
 
@@ -20,7 +21,7 @@ public:
 private:
     using Info = device_operation_info_struct;
     struct TypeRule {
-        const char* deviceType;
+        std::string_view deviceType;
         RunningState (*rule)(const Info& info);
     };
     static const TypeRule kTypeRules[];

@@ -1,6 +1,8 @@
 // Maps the cloud's type names to types, and writes a value back as the type wants it.
 #include "Homeloom/Devices/Property.h"
 
+#include <string_view>
+
 #include "Common/HLLog.h"
 
 namespace VMFramework::HomeLoom {
@@ -8,9 +10,9 @@ namespace VMFramework::HomeLoom {
 namespace {
 
 // The position in the table is the type's number.
-constexpr const char* kTypeNames[] = {"Boolean",     "Integer",     "String",       "Object",       "Float",
-                                      "Double",      "DoubleArray", "BooleanArray", "IntegerArray", "StringArray",
-                                      "ObjectArray", "FloatArray",  "Array"};
+constexpr std::string_view kTypeNames[] = {"Boolean",     "Integer",     "String",       "Object",       "Float",
+                                           "Double",      "DoubleArray", "BooleanArray", "IntegerArray", "StringArray",
+                                           "ObjectArray", "FloatArray",  "Array"};
 
 }  // namespace
 
@@ -20,7 +22,7 @@ Property::Property(const std::string& name, PropertyType type) : _name(name), _t
 
 PropertyType Property::StringToPropertyType(const std::string& typeName) {
     int type = 0;
-    for (const char* known : kTypeNames) {
+    for (const std::string_view known : kTypeNames) {
         if (typeName == known) {
             return static_cast<PropertyType>(type);
         }
@@ -34,7 +36,7 @@ std::string Property::GetType() const {
 }
 
 void Property::BuildDetailInfo(const device_property_info_struct& info) {
-    if (!info.property_name.empty()) {
+    if (!info.property_name.empty() && info.property_name != _name) {
         _name = info.property_name;
     }
     if (!info.property_type.empty()) {

@@ -23,6 +23,11 @@ std::shared_ptr<Property> Resource::FindProperty(const std::string& name, bool c
     return createNamed ? std::make_shared<Property>(name) : std::make_shared<Property>();
 }
 
+const Property* Resource::LookUp(const std::string& name) const {
+    const auto found = _properties.find(name);
+    return found != _properties.end() ? found->second.get() : nullptr;
+}
+
 void Resource::DeleteProperty(const std::string& name) {
     _properties.erase(name);
 }
@@ -32,7 +37,7 @@ void Resource::DeleteProperties() {
 }
 
 void Resource::BuildDetailInfo(const device_resource_info_struct& info) {
-    if (!info.uri.empty()) {
+    if (!info.uri.empty() && info.uri != _uri) {
         _uri = info.uri;
     }
     for (const auto& [name, property] : _properties) {

@@ -27,6 +27,8 @@ public:
     /// The property of that name. A miss gives a new one that the resource doesn't hold: named like it if
     /// 'createNamed', an invalid one if not.
     std::shared_ptr<Property> FindProperty(const std::string& name, bool createNamed) const;
+    /// The same without a share in it; null on a miss.
+    const Property* LookUp(const std::string& name) const;
     void DeleteProperty(const std::string& name);
     void DeleteProperties();
 

@@ -224,24 +224,13 @@ std::vector<std::string> Metadata::GetPropertyNameList(const std::string& vid, c
         HL_LOGE("vid not found in matadata map");
         return {};
     }
-    std::vector<std::string> names;
-    const auto add = [&](const std::string& href, const std::string& property) {
-        if (href == uri && !isPresent(names, property)) {
-            names.push_back(property);
-        }
-    };
-    for (const device_state_struct& state : meta->main_states) {
-        for (const device_argument_struct& argument : state.arguments) {
-            add(argument.href, argument.property);
-        }
-    }
-    for (const device_state_struct& state : meta->main_states) {
-        add(state.visible_href, state.visible_property);
-    }
-    for (const device_dp_resource_struct& resource : meta->dp_resources) {
-        add(resource.href, resource.property);
-    }
-    return names;
+    return ShownNames(*meta, uri);
+}
+
+const std::vector<std::string>& Metadata::ShownNames(const device_ui_metadata_struct& meta, const std::string& uri) {
+    static const std::vector<std::string> kNone;
+    const auto found = meta.shown_names.find(uri);
+    return found != meta.shown_names.end() ? found->second : kNone;
 }
 
 void Metadata::SetGenericSubscribeUri(const std::string& vid, const std::string& uri) {
@@ -274,10 +263,14 @@ bool Metadata::IsGenericMetadata(const std::string& vid) const {
 }
 
 bool Metadata::HasMainAction(const std::string& vid, const std::string& property) const {
+    return HasMainAction(vid, FindUiMetadata(vid).get(), property);
+}
+
+bool Metadata::HasMainAction(const std::string& vid, const device_ui_metadata_struct* meta,
+                             const std::string& property) {
     // A property is compared, though the lines call it a url.
     HL_LOGI("vid : %s, main action url : %s", vid.c_str(), property.c_str());
-    const UiMetadata meta = FindUiMetadata(vid);
-    if (!meta) {
+    if (meta == nullptr) {
         HL_LOGE("no metadata found");
         return false;
     }
@@ -301,25 +294,20 @@ int Metadata::NumOfMainActions(const std::string& vid) const {
 
 // Icon and streams
 
-bool Metadata::getPreloadDeviceIcon(const Device& device, std::string& out) const {
-    const UiMetadata meta = FindUiMetadata(device.GetVid());
-    if (!meta || meta->icon_url.empty()) {
-        return false;
-    }
-    out = meta->icon_url;
-    return true;
-}
-
-std::string Metadata::deviceIcon(const Device& device) const {
-    std::string icon;
-    getPreloadDeviceIcon(device, icon);
-    return icon;
-}
-
 void Metadata::UpdateDeviceIconUrl(const DevicePtr& device) const {
     if (device) {
-        device->SetIconUrl(deviceIcon(*device));
+        updateIconUrl(*device, FindUiMetadata(device->GetVid()).get());
     }
+}
+
+void Metadata::updateIconUrl(Device& device, const device_ui_metadata_struct* meta) {
+    static const std::string kNone;
+    device.SetIconUrl(meta != nullptr ? meta->icon_url : kNone);
+}
+
+void Metadata::Refresh(Device& device, const device_ui_metadata_struct* meta) const {
+    setStateText(device, meta);
+    updateIconUrl(device, meta);
 }
 
 std::string Metadata::GetStreamURI(const DevicePtr& device) const {

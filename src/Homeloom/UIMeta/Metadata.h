@@ -85,6 +85,18 @@ public:
     /// list entries and notifications are made of.
     device_presentation_struct GetPresentation(const DevicePtr& device) const;
 
+    // The same of a record that the caller has found, for who asks much about one device. Without metadata it is null.
+
+    static const std::vector<std::string>& ShownNames(const device_ui_metadata_struct& meta, const std::string& uri);
+    static bool HasMainAction(const std::string& vid, const device_ui_metadata_struct* meta,
+                              const std::string& property);
+    /// SetDeviceStateText and UpdateDeviceIconUrl.
+    void Refresh(Device& device, const device_ui_metadata_struct* meta) const;
+    device_presentation_struct GetPresentation(Device& device, const device_ui_metadata_struct* meta) const;
+
+    /// GetDeviceMainActionControlType, ActionIcon and ActionUrl with the metadata looked up once.
+    device_presentation_struct GetMainActionLook(const Device& device) const;
+
     void UpdateDeviceIconUrl(const DevicePtr& device) const;
     /// The resource that tells a camera's stream.
     std::string GetStreamURI(const DevicePtr& device) const;
@@ -105,6 +117,7 @@ private:
     void addParsedMetadata(const std::string& vid, UiMetadata meta);
 
     // Main state (MetadataState.cpp)
+    void setStateText(Device& device, const device_ui_metadata_struct* meta) const;
     void evaluateStateText(Device& device, const device_ui_metadata_struct* meta) const;
     void getDeviceStateLable(Device& device, const device_ui_metadata_struct& meta, std::string& text,
                              bool& inactive) const;
@@ -131,7 +144,8 @@ private:
     static bool isMainActionVisible(const Device& device, const device_action_struct& action);
     static bool checkVisible(const Device& device, const std::string& uri, const std::string& property,
                              std::string_view op, const std::string& operand);
-    static std::string getDeviceProperty(const Device& device, const std::string& uri, const std::string& property);
+    static const std::string& getDeviceProperty(const Device& device, const std::string& uri,
+                                                const std::string& property);
     static json::JsonValue parseList(const std::string& value);
 
     // Sub device cards (MetadataCard.cpp)
@@ -166,8 +180,7 @@ private:
     static std::string findAlternativeType(const device_alternative_struct& alternative, const std::string& key);
 
     // Icon and streams (Metadata.cpp)
-    bool getPreloadDeviceIcon(const Device& device, std::string& out) const;
-    std::string deviceIcon(const Device& device) const;
+    static void updateIconUrl(Device& device, const device_ui_metadata_struct* meta);
 
     static bool isStartsWith(std::string_view text, std::string_view prefix) {
         return text.substr(0, prefix.size()) == prefix;

@@ -74,7 +74,7 @@ bool Metadata::GetDeviceMainAction(const DevicePtr& device, std::string& uri, st
 
 /// The first alternative that is not the current value: this is what makes a toggle.
 bool Metadata::getNextValue(const Device& device, const device_action_struct& action, std::string& value) {
-    const std::string current = getDeviceProperty(device, action.href, action.property);
+    const std::string& current = getDeviceProperty(device, action.href, action.property);
     if (current.empty()) {
         HL_LOGE("{%s} got empty value for uri : %s, property {%s}", device.GetId().c_str(), action.href.c_str(),
                 action.property.c_str());
@@ -111,7 +111,7 @@ bool Metadata::getGenericMainAction(const Device& device, const device_ui_metada
 
 bool Metadata::getGenericActionKeyValue(const Device& device, const std::vector<std::string>& keys,
                                         const std::string& uri, const std::string& property, std::string& value) {
-    const std::string current = getDeviceProperty(device, uri, property);
+    const std::string& current = getDeviceProperty(device, uri, property);
     const auto other = std::find_if(keys.begin(), keys.end(), [&](const std::string& key) { return key != current; });
     if (other == keys.end()) {
         return false;
@@ -186,25 +186,36 @@ std::string Metadata::mainActionIcon(const Device& device, const device_ui_metad
     return {};
 }
 
-device_presentation_struct Metadata::GetPresentation(const DevicePtr& device) const {
-    device_presentation_struct presentation;
-    if (!device) {
-        return presentation;
+device_presentation_struct Metadata::GetMainActionLook(const Device& device) const {
+    const UiMetadata meta = FindUiMetadata(device.GetVid());
+    device_presentation_struct look;
+    look.action_state = mainActionIcon(device, meta.get());
+    if (meta) {
+        look.control_type = mainActionControlType(device, *meta);
+        look.action_url = mainActionUrl(device, *meta);
     }
-    presentation.context_value = device->GetDeviceOperationalContext();
-    const UiMetadata meta = FindUiMetadata(device->GetVid());
+    return look;
+}
+
+device_presentation_struct Metadata::GetPresentation(const DevicePtr& device) const {
+    return device ? GetPresentation(*device, FindUiMetadata(device->GetVid()).get()) : device_presentation_struct();
+}
+
+device_presentation_struct Metadata::GetPresentation(Device& device, const device_ui_metadata_struct* meta) const {
+    device_presentation_struct presentation;
+    presentation.context_value = device.GetDeviceOperationalContext();
     // A TV that sleeps is drawn as such without metadata too.
-    presentation.action_state = mainActionIcon(*device, meta.get());
-    if (!meta) {
+    presentation.action_state = mainActionIcon(device, meta);
+    if (meta == nullptr) {
         HL_LOGE("vid not found in matadata map");
         return presentation;
     }
-    presentation.control_type = mainActionControlType(*device, *meta);
-    presentation.action_url = mainActionUrl(*device, *meta);
+    presentation.control_type = mainActionControlType(device, *meta);
+    presentation.action_url = mainActionUrl(device, *meta);
     presentation.solenne_server_dp_uri = meta->solenne_server_dp_uri;
     if (hasSubDeviceCard(*meta)) {
         presentation.has_cards = true;
-        presentation.card_count = refreshSubDeviceCards(*device, *meta);
+        presentation.card_count = refreshSubDeviceCards(device, *meta);
     }
     return presentation;
 }
@@ -216,7 +227,7 @@ std::string Metadata::iconOrState(const Device& device, const device_action_stru
 
 std::string Metadata::checkAlternativeType(const Device& device, const device_action_struct& action) {
     try {
-        const std::string value = getDeviceProperty(device, action.href, action.property);
+        const std::string& value = getDeviceProperty(device, action.href, action.property);
         if (value.empty()) {
             HL_LOGE("{%s} got empty value for uri : %s, property {%s}", device.GetId().c_str(), action.href.c_str(),
                     action.property.c_str());

@@ -40,14 +40,16 @@ bool containsIgnoreCase(std::string_view text, std::string_view part) {
 }  // namespace
 
 void Metadata::SetDeviceStateText(const DevicePtr& device) const {
-    if (!device) {
-        return;
+    if (device) {
+        setStateText(*device, FindUiMetadata(device->GetVid()).get());
     }
-    const UiMetadata meta = FindUiMetadata(device->GetVid());
-    if (meta && hasSubDeviceCard(*meta)) {
-        setSubDeviceCards(*device, *meta);
+}
+
+void Metadata::setStateText(Device& device, const device_ui_metadata_struct* meta) const {
+    if (meta != nullptr && hasSubDeviceCard(*meta)) {
+        setSubDeviceCards(device, *meta);
     }
-    evaluateStateText(*device, meta.get());
+    evaluateStateText(device, meta);
 }
 
 void Metadata::GetDeviceStateText(const DevicePtr& device) const {
@@ -170,7 +172,7 @@ std::string Metadata::getArgumentValue(Device& device, const device_state_struct
                                   : getAlternativeValueWithJsonValue(list, *argument, meta, inactive);
         }
         // The argument evaluated last is the one that the device reports.
-        device.SetDeviceOperationalContext({argument->href, argument->property, value});
+        device.SetDeviceOperationalContext(argument->href, argument->property, value);
         HL_LOGI("value string : %s", value.c_str());
         return value;
     } catch (const std::exception& e) {
@@ -231,7 +233,7 @@ bool Metadata::checkVisible(const Device& device, const std::string& uri, const 
     if (uri == "/diagnosis/vs/0" && property == "x.com.norvane.da.diagnosisStart") {
         return true;
     }
-    const std::string value = getDeviceProperty(device, uri, property);
+    const std::string& value = getDeviceProperty(device, uri, property);
     if (op == "=") {
         return CHLUtil::EqualsIgnoreCase(value, operand);
     }
@@ -256,8 +258,9 @@ bool Metadata::checkVisible(const Device& device, const std::string& uri, const 
     return false;
 }
 
-std::string Metadata::getDeviceProperty(const Device& device, const std::string& uri, const std::string& property) {
-    return device.GetValue(uri, property);
+const std::string& Metadata::getDeviceProperty(const Device& device, const std::string& uri,
+                                               const std::string& property) {
+    return device.ValueOf(uri, property);
 }
 
 /// The value as JSON if it is a list (an empty one counts) or an object with members, else null. Most values are words

@@ -17,6 +17,28 @@ namespace {
 constexpr std::string_view kSwitchResourceType = "oic.r.switch.binary";
 constexpr std::string_view kStandbyPowerSwitch = "StandbyPowerSwitch";
 
+std::map<std::string, std::vector<std::string>> shownNames(const device_ui_metadata_struct& meta) {
+    std::map<std::string, std::vector<std::string>> names;
+    const auto add = [&names](const std::string& href, const std::string& property) {
+        std::vector<std::string>& of_href = names[href];
+        if (std::find(of_href.begin(), of_href.end(), property) == of_href.end()) {
+            of_href.push_back(property);
+        }
+    };
+    for (const device_state_struct& state : meta.main_states) {
+        for (const device_argument_struct& argument : state.arguments) {
+            add(argument.href, argument.property);
+        }
+    }
+    for (const device_state_struct& state : meta.main_states) {
+        add(state.visible_href, state.visible_property);
+    }
+    for (const device_dp_resource_struct& resource : meta.dp_resources) {
+        add(resource.href, resource.property);
+    }
+    return names;
+}
+
 }  // namespace
 
 bool UIMetadataParser::ParseMetadata(const std::string& vid, const std::string& json_text,
@@ -69,6 +91,7 @@ bool UIMetadataParser::parseMetadata(const std::string& vid, const JsonValue& do
     parseIconUrl(data, meta.icon_url);
     parseLanguageList(data, meta.languages, meta.translations);
     meta.solenne_server_dp_uri = parseSolenneServerDpUri(data);
+    meta.shown_names = shownNames(meta);
 
     out = std::move(meta);
     HL_LOGI("parsing DONE");

@@ -97,6 +97,9 @@ struct device_ui_metadata_struct {
     std::vector<std::string> languages;
     std::map<std::string, std::string> translations;  ///< locale and code in one key ("en__PO_ON"), and the text
     std::string solenne_server_dp_uri;
+    /// For each href the properties that something shows, without repeats: of arguments, then of states' rules, then of
+    /// dp_resources. Worked out when the document was read.
+    std::map<std::string, std::vector<std::string>> shown_names;
 };
 
 /// How a device's main action and sub devices are to be drawn now.

@@ -197,10 +197,11 @@ bool CContext<T>::_InvokeJob(const std::shared_ptr<CJob>& job, Invoker& invoker)
     bool entered = false;
     try {
         const std::shared_ptr<T> owner(_owner);
-        invoker.Invoke([this, owner, &entered] {
+        const auto process = [this, &owner, &entered] {
             entered = true;
             _ProcessJob();
-        });
+        };
+        invoker.Invoke(std::ref(process));
     } catch (...) {
         if (!entered) {
             // Once entered, _ProcessJob has cleared the flag itself. Clearing it twice could take it from a
