@@ -114,6 +114,10 @@ Duration now() {
     return Duration(shown());
 }
 
+Duration date() {
+    return Duration(shown(CLOCK_REALTIME));
+}
+
 void advance(Duration duration) {
     const Turn turn;
     const bool stood = stands();

@@ -15,6 +15,11 @@ namespace {
 std::mutex pausing;
 int pauses = 0;
 
+bool isPaused() {
+    const std::lock_guard<std::mutex> lock(pausing);
+    return pauses > 0;
+}
+
 bool leapUnlessPaused() {
     const std::lock_guard<std::mutex> lock(pausing);
     return pauses == 0 && leapToNextDeadline();
@@ -59,7 +64,7 @@ void Turner::turn() {
     while (!_isOver) {
         lock.unlock();
         // A program that never rests, since somebody asks for the time again and again, needs it to go on all the more.
-        const bool hasTurned = (isAtRest() || limit.isReached()) && leapUnlessPaused();
+        const bool hasTurned = !isPaused() && (isAtRest() || limit.isReached()) && leapUnlessPaused();
         lock.lock();
         if (hasTurned) {
             nap = kShortestNap;

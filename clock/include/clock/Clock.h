@@ -18,8 +18,9 @@ void run();
 void stand();
 bool isStanding();
 
-/// The monotonic clock's time, from the start of the machine.
+/// The monotonic clock's time, from the start of the machine; the date, from the year 1970 on. For all threads alike.
 Duration now();
+Duration date();
 
 /// Has everything happen that happens within this duration, each in its order, and returns when that is done and the
 /// program rests: the clock goes from deadline to deadline and stands still while the woken ones work. More than ten

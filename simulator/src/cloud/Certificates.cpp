@@ -12,8 +12,8 @@ namespace simulator {
 
 namespace {
 
-constexpr long kBefore = -24L * 60 * 60;  // a clock that is set back does no harm
-constexpr long kAfter = 30L * 24 * 60 * 60;
+constexpr long kBefore = -24L * 60 * 60;       // a clock that is set back does no harm
+constexpr long kAfter = 3653L * 24 * 60 * 60;  // nor one that goes on for ten years
 
 template <typename T>
 T* checked(T* object) {

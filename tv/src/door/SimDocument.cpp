@@ -1,8 +1,10 @@
 #include "SimDocument.h"
 
 #include <algorithm>
+#include <chrono>
 #include <ctime>
 
+#include <clock/Clock.h>
 #include <desktop/Settings.h>
 #include <simulator/Agent.h>
 #include <simulator/Cloud.h>
@@ -140,7 +142,8 @@ std::string agentState() {
 }
 
 std::string now() {
-    const std::time_t seconds = std::time(nullptr);
+    const auto seconds =
+        static_cast<std::time_t>(std::chrono::duration_cast<std::chrono::seconds>(clock::date()).count());
     std::tm parts{};
     gmtime_r(&seconds, &parts);
     char text[sizeof "2024-05-01T09:00:00Z"];
@@ -174,7 +177,7 @@ std::string simDocument() {
                                         {"signed_in", agent.isSignedIn()},
                                         {"agent_state", agentState()},
                                         {"language", languageSetting()},
-                                        {"time", {{"mode", "real"}, {"now", now()}}}});
+                                        {"time", {{"mode", clock::isStanding() ? "auto" : "real"}, {"now", now()}}}});
 }
 
 }  // namespace homeloom::tv
