@@ -274,6 +274,10 @@ std::string homeSchema() {
     return toText(schemaOf(homeForm()));
 }
 
+std::string uiMetadataSchema() {
+    return toText(schemaOf(uiMetadataForm()));
+}
+
 std::string modelSchema() {
     return toText(schemaOf(modelForm()));
 }

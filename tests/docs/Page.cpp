@@ -13,10 +13,14 @@ bool startsWith(const std::string& line, const std::string& start) {
     return line.compare(0, start.size(), start) == 0;
 }
 
-std::string withoutTicks(std::string text) {
-    text.erase(std::remove(text.begin(), text.end(), '`'), text.end());
+std::string trimmed(const std::string& text) {
     const auto begin = text.find_first_not_of(' ');
     return begin == std::string::npos ? "" : text.substr(begin, text.find_last_not_of(' ') + 1 - begin);
+}
+
+std::string withoutTicks(std::string text) {
+    text.erase(std::remove(text.begin(), text.end(), '`'), text.end());
+    return trimmed(text);
 }
 
 /// "`key` text, `other` int (what it means)"
@@ -30,8 +34,7 @@ DocumentedFields fieldsIn(const std::string& text) {
     return fields;
 }
 
-std::vector<std::string> namesIn(const std::string& text) {
-    static const std::regex name("`([^`]+)`");
+std::vector<std::string> allOf(const std::string& text, const std::regex& name) {
     std::vector<std::string> names;
     for (std::sregex_iterator found(text.begin(), text.end(), name), end; found != end; ++found) {
         names.push_back((*found)[1]);
@@ -39,15 +42,30 @@ std::vector<std::string> namesIn(const std::string& text) {
     return names;
 }
 
-/// The cells of a row of a table; none for another line, and for a table's head.
-std::vector<std::string> cellsOf(const std::string& line) {
+std::vector<std::string> namesIn(const std::string& text) {
+    static const std::regex name("`([^`]+)`");
+    return allOf(text, name);
+}
+
+std::vector<std::string> boldNamesIn(const std::string& text) {
+    static const std::regex name("\\*\\*`([^`]+)`\\*\\*");
+    return allOf(text, name);
+}
+
+/// The cells of a row of a table; none for another line.
+std::vector<std::string> anyCellsOf(const std::string& line) {
     std::vector<std::string> cells;
-    if (startsWith(line, "| ") && line.find('`') != std::string::npos) {
+    if (startsWith(line, "| ")) {
         for (std::size_t begin = 1, end; (end = line.find('|', begin)) != std::string::npos; begin = end + 1) {
-            cells.push_back(line.substr(begin, end - begin));
+            cells.push_back(trimmed(line.substr(begin, end - begin)));
         }
     }
     return cells;
+}
+
+/// None for a table's head either.
+std::vector<std::string> cellsOf(const std::string& line) {
+    return line.find('`') == std::string::npos ? std::vector<std::string>() : anyCellsOf(line);
 }
 
 /// The section of docs/framework.md below that heading, up to the next one of the same or a higher level.
@@ -171,4 +189,42 @@ std::map<std::string, DocumentedEndpoint> documentedEndpoints() {
         }
     }
     return endpoints;
+}
+
+std::vector<DocumentedExample> documentedExamples(const std::string& file) {
+    std::vector<DocumentedExample> examples;
+    std::vector<std::string> titles;
+    bool isCode = false;
+    for (const auto& line : linesBelow(file, "", [](const std::string&) { return false; })) {
+        if (startsWith(line, "```")) {
+            isCode = line == "```json";
+            if (isCode) {
+                examples.emplace_back();
+                titles.clear();
+            }
+        } else if (isCode) {
+            examples.back().json += line + "\n";
+        } else if (const auto cells = anyCellsOf(line); titles.empty()) {
+            titles = cells;
+        } else if (cells.empty() && !startsWith(line, "|---")) {
+            titles = {"the table has ended"};
+        } else if (cells.size() == titles.size()) {
+            auto& row = examples.back().rows.emplace_back();
+            for (std::size_t i = 0; i < cells.size(); ++i) {
+                row[titles[i]] = cells[i];
+            }
+        }
+    }
+    return examples;
+}
+
+std::vector<DocumentedMember> documentedMembers() {
+    std::vector<DocumentedMember> members;
+    for (const auto& line :
+         linesBelow("homes/README.md", "| Member | Holds |", [](const std::string& read) { return read.empty(); })) {
+        if (const auto cells = cellsOf(line); cells.size() == 2) {
+            members.push_back({namesIn(cells[0]), namesIn(cells[1]), boldNamesIn(line)});
+        }
+    }
+    return members;
 }

@@ -32,6 +32,19 @@ struct DocumentedEndpoint {
     DocumentedFields fields;
 };
 
+/// A JSON block of a page, and the table behind it: each row's cells by their columns' titles.
+struct DocumentedExample {
+    std::string json;
+    std::vector<std::map<std::string, std::string>> rows;
+};
+
+/// A row of the table of a home's members in homes/README.md. What is bold in it must be there.
+struct DocumentedMember {
+    std::vector<std::string> names;  // in its first cell
+    std::vector<std::string> parts;  // in its second one
+    std::vector<std::string> required;
+};
+
 /// The lines of a file of the repository below one line, up to another. Throws if there are none.
 std::vector<std::string> linesBelow(const std::string& file, const std::string& line,
                                     const std::function<bool(const std::string&)>& isEnd);
@@ -42,5 +55,8 @@ std::vector<DocumentedRequest> documentedRequests();
 std::map<std::string, DocumentedNotify> documentedNotifies();
 /// The entries of the device list in docs/framework.md, by what they are.
 std::map<std::string, DocumentedEndpoint> documentedEndpoints();
+
+std::vector<DocumentedExample> documentedExamples(const std::string& file);
+std::vector<DocumentedMember> documentedMembers();
 
 #endif

@@ -10,6 +10,9 @@ namespace simulator {
 std::string homeSchema();
 std::string modelSchema();
 
+/// What of a UI metadata document the plug-in reads. It takes others too, and skips the rest.
+std::string uiMetadataSchema();
+
 }  // namespace simulator
 
 #endif
