@@ -253,6 +253,55 @@ Form makeUiMetadata() {
                                       list("", object("", {must("locale", scalar()), must("poCodes", codes)})))}))});
 }
 
+const char* nameOf(Kind kind) {
+    switch (kind) {
+        case Kind::Text:
+            return "text";
+        case Kind::Id:
+            return "id";
+        case Kind::Number:
+            return "whole number";
+        case Kind::Flag:
+            return "true or false";
+        case Kind::Word:
+            return "word";
+        case Kind::Object:
+            return "object";
+        case Kind::Map:
+            return "object by name";
+        case Kind::List:
+            return "list";
+        case Kind::Scalar:
+        case Kind::Any:
+            break;
+    }
+    return "anything";
+}
+
+void addMembers(const Form& form, const std::string& place, std::vector<HomeMember>& all) {
+    if (!form.element.empty()) {
+        addMembers(form.element.front(), place + (form.kind == Kind::List ? "[]" : ".NAME"), all);
+        return;
+    }
+    for (const FormMember& member : form.members) {
+        const std::string there = place.empty() ? member.name : place + "." + member.name;
+        std::string kind = nameOf(member.form.kind);
+        for (const std::string& word : member.form.words) {
+            kind += (&word == &member.form.words.front() ? ": " : ", ") + word;
+        }
+        all.push_back({there, kind, member.required, member.form.meaning});
+        if (there != "models") {
+            addMembers(member.form, there, all);
+        }
+    }
+}
+
+std::vector<HomeMember> membersOf(const Form& form) {
+    std::vector<HomeMember> all;
+    addMembers(form, "", all);
+    return all;
+}
+
 }  // namespace
 
 const Form& uiMetadataForm() {
@@ -280,6 +329,14 @@ std::string uiMetadataSchema() {
 
 std::string modelSchema() {
     return toText(schemaOf(modelForm()));
+}
+
+std::vector<HomeMember> homeMembers() {
+    return membersOf(homeForm());
+}
+
+std::vector<HomeMember> modelMembers() {
+    return membersOf(modelForm());
 }
 
 }  // namespace simulator

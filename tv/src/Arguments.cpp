@@ -1,7 +1,10 @@
 #include "Arguments.h"
 
+#include <algorithm>
+
 #include <desktop/Log.h>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <CLI/CLI.hpp>
 
 #include "Schemas.h"
@@ -28,9 +31,8 @@ std::string checkDuration(const std::string& text) {
     return parseDuration(text) ? "" : "is no time: 5, 500ms, 2m";
 }
 
-}  // namespace
-
-std::variant<Arguments, int> parseArguments(int argc, char** argv) {
+/// What the options are read into: those that have a form of their own as text.
+struct Texts {
     Arguments arguments;
     std::string disclaimer;
     std::string hub = "on";
@@ -38,8 +40,14 @@ std::variant<Arguments, int> parseArguments(int argc, char** argv) {
     std::string limit;
     std::string serve;
     std::string time;
+};
 
-    CLI::App app("A desk TV: runs the HomeLoom plug-in with a simulated home behind it.", "homeloom-tv");
+std::string withBars(const std::vector<std::string>& words) {
+    return fmt::format("{}", fmt::join(words, "|"));
+}
+
+void addOptions(CLI::App& app, Texts& texts) {
+    Arguments& arguments = texts.arguments;
     app.set_version_flag("--version", std::string("homeloom-tv ") + HOMELOOM_VERSION);
     auto* const home =
         app.add_option("--home", arguments.home, "The home to begin with; the apartment if none is given")
@@ -57,35 +65,38 @@ std::variant<Arguments, int> parseArguments(int argc, char** argv) {
     app.add_flag("--settled", arguments.settled,
                  "With --json: what stands at the end of each command, in a fixed order, so that runs can be compared")
         ->needs(json);
-    app.add_option("--disclaimer", disclaimer, "Whether the disclaimer is accepted at the start")
+    app.add_option("--disclaimer", texts.disclaimer, "Whether the disclaimer is accepted at the start")
         ->type_name("on|off")
         ->check(CLI::IsMember({"on", "off"}));
     app.add_option("--settings", arguments.settings, "Take the TV's settings from a file, and keep them there")
         ->type_name("FILE");
-    app.add_option("--hub", hub,
+    app.add_option("--hub", texts.hub,
                    "Whether this TV can be a hub (on if not given), and lacks only the hub control application")
         ->type_name("on|uninstalled|off")
         ->check(CLI::IsMember({"on", "uninstalled", "off"}));
-    app.add_option("--limit", limit, "How long a command waits for what it caused; 5s if not given")
+    app.add_option("--limit", texts.limit, "How long a command waits for what it caused; 5s if not given")
         ->type_name("TIME")
         ->check(CLI::Validator(checkDuration, ""));
     app.add_option(
-           "--time", time,
+           "--time", texts.time,
            "auto: the clock stands still while anybody works and goes to the next deadline when all wait (if not "
            "given, for --script, --exec and --replay without --serve); real: it goes as the machine's")
         ->type_name("auto|real")
         ->check(CLI::IsMember({"auto", "real"}));
-    app.add_option("--log", level, "Write log lines from that level on to standard error")
-        ->type_name("LEVEL")
+    app.add_option("--log", texts.level, "Write log lines from that level on to standard error")
+        ->type_name("debug|info|warn|error")
         ->check(CLI::Validator(checkLevel, ""));
     app.add_option("--plugin", arguments.plugin, "The plug-in to load; the one beside the program if none is given")
         ->type_name("PATH");
     app.add_flag("--catalogue", arguments.catalogue,
                  "Print all requests, notifies, endpoint fields and commands as one JSON document, and end");
     app.add_option("--schema", arguments.schema, "Print the JSON Schema of these documents, and end")
-        ->type_name("NAME")
+        ->type_name(withBars(schemaNames()))
         ->check(CLI::IsMember(schemaNames()));
-    app.add_option("--serve", serve,
+    // For those who build packages: an empty group hides them from the help.
+    app.add_option("--completion", arguments.completion)->check(CLI::IsMember({"bash", "zsh"}))->group("");
+    app.add_option("--man", arguments.manPage)->check(CLI::IsMember({"homeloom-tv", "homeloom-home"}))->group("");
+    app.add_option("--serve", texts.serve,
                    "Let other programs in by HTTP, on loopback unless an address is given; 0: any port")
         ->type_name("[ADDRESS:]PORT")
         ->check(CLI::Validator(checkAddress, ""));
@@ -105,29 +116,53 @@ std::variant<Arguments, int> parseArguments(int argc, char** argv) {
         replay->excludes(app.get_option(other));
     }
     app.add_flag("--update", arguments.update, "With --replay: write what came out to the file")->needs(replay);
+}
+
+}  // namespace
+
+std::vector<OptionSpec> optionTable() {
+    CLI::App app;
+    Texts texts;
+    addOptions(app, texts);
+    std::vector<OptionSpec> table;
+    for (const CLI::Option* const option :
+         app.get_options([](const CLI::Option* each) { return !each->get_group().empty(); })) {
+        // What checks the value stands behind a colon.
+        const std::string value = option->get_expected_max() == 0 ? "" : option->get_type_name();
+        table.push_back({"--" + option->get_lnames().at(0),
+                         value.substr(0, std::min(value.find(":{"), value.find(":INT"))), option->get_description()});
+    }
+    return table;
+}
+
+std::variant<Arguments, int> parseArguments(int argc, char** argv) {
+    CLI::App app("A desk TV: runs the HomeLoom plug-in with a simulated home behind it.", "homeloom-tv");
+    Texts texts;
+    addOptions(app, texts);
+    Arguments& arguments = texts.arguments;
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {
         return app.exit(e) == 0 ? kExitSuccess : kExitUsage;
     }
-    arguments.serve = parseDoorAddress(serve);
+    arguments.serve = parseDoorAddress(texts.serve);
     if (arguments.serve && !arguments.serve->isLoopback() && arguments.token.empty()) {
         fmt::print(stderr,
                    "--serve: an address other than loopback needs --token, or HOMELOOM_TOKEN in the environment\n");
         return kExitUsage;
     }
-    if (!disclaimer.empty()) {
-        arguments.disclaimer = disclaimer == "on";
+    if (!texts.disclaimer.empty()) {
+        arguments.disclaimer = texts.disclaimer == "on";
     }
-    arguments.hub = hub == "on"            ? Arguments::Hub::On
-                    : hub == "uninstalled" ? Arguments::Hub::Uninstalled
-                                           : Arguments::Hub::Off;
+    arguments.hub = texts.hub == "on"            ? Arguments::Hub::On
+                    : texts.hub == "uninstalled" ? Arguments::Hub::Uninstalled
+                                                 : Arguments::Hub::Off;
     const bool isBatch = !arguments.script.empty() || !arguments.commands.empty() || !arguments.replay.empty();
-    arguments.isTimeAuto = time.empty() ? isBatch && !arguments.serve : time == "auto";
-    if (!limit.empty()) {
-        arguments.limit = parseDuration(limit).value();
+    arguments.isTimeAuto = texts.time.empty() ? isBatch && !arguments.serve : texts.time == "auto";
+    if (!texts.limit.empty()) {
+        arguments.limit = parseDuration(texts.limit).value();
     }
-    if (log_priority priority = DLOG_ERROR; desktop::log::parsePriority(level, priority)) {
+    if (log_priority priority = DLOG_ERROR; desktop::log::parsePriority(texts.level, priority)) {
         arguments.log = priority;
     }
     return arguments;

@@ -33,6 +33,8 @@ struct Arguments {
     // What to print instead of running: empty for nothing
     bool catalogue = false;
     std::string schema;
+    std::string completion;  // for which shell
+    std::string manPage;     // of which name
     std::chrono::milliseconds limit{5000};
     bool isTimeAuto = false;  // whenever the desk rests while a command waits, time goes on to the next deadline
     std::optional<DoorAddress> serve;  // none: no door
@@ -42,6 +44,17 @@ struct Arguments {
     bool update = false;               // a replay writes the new truth
     bool brief = false;                // a recording leaves out the home with which it begins
 };
+
+/// An option of the program: "--hub", "on|uninstalled|off", "Whether ...".
+struct OptionSpec {
+    std::string name;
+    std::string value;  // what follows: FILE, PATH or COMMAND, the words themselves with | between, or another name for
+                        // it; empty for none
+    std::string description;
+};
+
+/// All options but the hidden ones, in the order of --help.
+std::vector<OptionSpec> optionTable();
 
 /// The command line's arguments; or the exit status with which it is all done, its text having been printed.
 std::variant<Arguments, int> parseArguments(int argc, char** argv);

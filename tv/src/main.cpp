@@ -27,9 +27,11 @@
 #include "DeskSettings.h"
 #include "HubHost.h"
 #include "Inbox.h"
+#include "ManPages.h"
 #include "Output.h"
 #include "PluginHost.h"
 #include "Schemas.h"
+#include "ShellCompletion.h"
 #include "Taping.h"
 #include "door/Door.h"
 
@@ -213,6 +215,14 @@ int main(int argc, char** argv) {
         const auto& arguments = std::get<Arguments>(parsed);
         if (arguments.catalogue) {
             fmt::print("{}\n", catalogueJson());
+            return kExitSuccess;
+        }
+        if (!arguments.completion.empty()) {
+            fmt::print("{}", shellCompletion(arguments.completion));
+            return kExitSuccess;
+        }
+        if (!arguments.manPage.empty()) {
+            fmt::print("{}", manPage(arguments.manPage));
             return kExitSuccess;
         }
         if (!arguments.schema.empty()) {

@@ -2,6 +2,7 @@
 #define HOMELOOM_SIMULATOR_HOMESCHEMA_H
 
 #include <string>
+#include <vector>
 
 namespace simulator {
 
@@ -12,6 +13,17 @@ std::string modelSchema();
 
 /// What of a UI metadata document the plug-in reads. It takes others too, and skips the rest.
 std::string uiMetadataSchema();
+
+/// A member of a home or model document, for pages about it.
+struct HomeMember {
+    std::string place;  // "devices[].core.type"
+    std::string kind;   // "text", "list", ...
+    bool required = false;
+    std::string meaning;  // may be empty
+};
+/// All of them, each before its own members. A model within a home is told by modelMembers() alone.
+std::vector<HomeMember> homeMembers();
+std::vector<HomeMember> modelMembers();
 
 }  // namespace simulator
 
