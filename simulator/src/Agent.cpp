@@ -162,7 +162,11 @@ bool Agent::setStatus(const std::string& deviceId, int status) {
 }
 
 bool Agent::addDevice(const Device& device) {
-    return Locked()->addDevice(device);
+    return addDevices({device});
+}
+
+bool Agent::addDevices(std::vector<Device> devices) {
+    return Locked()->addDevices(std::move(devices));
 }
 
 bool Agent::removeDevice(const std::string& deviceId) {
@@ -230,6 +234,70 @@ void Agent::sendDeviceDetailList(const std::vector<Device>& devices) {
             world->postDetailList(client, details);
         }
     }
+}
+
+// ---- Programs behind devices ----
+
+bool Agent::setDriver(const std::string& deviceId, Driver driver) {
+    const Locked world;
+    if (world->device(deviceId) == nullptr) {
+        return false;
+    }
+    if (driver) {
+        world->drivers[deviceId] = std::move(driver);
+    } else {
+        world->removeDriver(deviceId);
+    }
+    world->changed();
+    return true;
+}
+
+void Agent::removeDrivers() {
+    const Locked world;
+    world->removeDrivers();
+    world->changed();
+}
+
+std::vector<std::string> Agent::driven() const {
+    const Locked world;
+    std::vector<std::string> ids;
+    for (const auto& [id, driver] : world->drivers) {
+        ids.push_back(id);
+    }
+    return ids;
+}
+
+std::vector<DeviceCommand> Agent::openCommands() const {
+    const Locked world;
+    std::vector<DeviceCommand> commands;
+    for (const auto& [number, open] : world->openCommands) {
+        commands.push_back(open.command);
+    }
+    return commands;
+}
+
+bool Agent::accept(long long number) {
+    return Locked()->endCommand(number, false, {});
+}
+
+bool Agent::confirm(long long number, std::vector<Change> values) {
+    const Locked world;
+    const auto found = world->openCommands.find(number);
+    if (found == world->openCommands.end()) {
+        return false;
+    }
+    if (values.empty()) {
+        values = found->second.command.changes;
+    }
+    return world->endCommand(number, false, values);
+}
+
+bool Agent::refuse(long long number) {
+    return Locked()->endCommand(number, true, {});
+}
+
+void Agent::setCommandObserver(std::function<void(const DeviceCommand&)> observer) {
+    Locked()->commandObserver = std::move(observer);
 }
 
 // ---- Locations and rooms ----
@@ -432,10 +500,16 @@ Agent::Holdings Agent::holdings() const {
 }
 
 bool Agent::isOwing() const {
+    const auto now = std::chrono::steady_clock::now();
+    const auto isRecent = [now](const auto& time) { return time && now - *time <= kLongestWait; };
+    {
+        const Locked world;
+        if (isRecent(world->lastDropped) || (!world->openCommands.empty() && isRecent(world->lastHandedOver))) {
+            return true;
+        }
+    }
     const auto& functions = allFunctions();
-    const auto dropped = Locked()->lastDropped;
     return !World::instance().thread.isEmpty() ||
-           (dropped && std::chrono::steady_clock::now() - *dropped <= kLongestWait) ||
            std::any_of(functions.begin(), functions.end(),
                        [](const auto& entry) { return entry.second.lateCallers() > 0; });
 }

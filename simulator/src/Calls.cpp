@@ -49,6 +49,14 @@ JsonAnswer success(const std::string& json) {
 
 int answerJson(const Call& call, homeloom_core_json_cb callback, void* userData,
                std::function<JsonAnswer(World&)> work) {
+    return answerJson(
+        call, callback, userData, [work = std::move(work)](World& world, const HandoverPtr&) { return work(world); },
+        nullptr);
+}
+
+int answerJson(const Call& call, homeloom_core_json_cb callback, void* userData,
+               std::function<JsonAnswer(World&, const HandoverPtr&)> work,
+               std::function<JsonAnswer(World&, bool isRefused)> finish) {
     call.mark(Function::AnswersText);
     if (call.isHitBy(Fault::Kind::Null)) {
         return call.later<JsonAnswer>(
@@ -56,15 +64,16 @@ int answerJson(const Call& call, homeloom_core_json_cb callback, void* userData,
             [callback, userData](const JsonAnswer& answer) { callback(answer.error, nullptr, nullptr, userData); });
     }
     if (call.said() != nullptr) {
-        work = [text = *call.said()](World&) { return success(text); };
+        work = [text = *call.said()](World&, const HandoverPtr&) { return success(text); };
     }
-    return call.later<JsonAnswer>(callback != nullptr, std::move(work), [callback, userData](const JsonAnswer& answer) {
+    const auto deliver = [callback, userData](const JsonAnswer& answer) {
         if (answer.error != 0) {
             callback(answer.error, CallbackText(answer.message), nullptr, userData);
         } else {
             callback(answer.error, nullptr, CallbackText(answer.json), userData);
         }
-    });
+    };
+    return call.later<JsonAnswer>(callback != nullptr, std::move(work), std::move(finish), deliver);
 }
 
 }  // namespace simulator

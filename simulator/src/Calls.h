@@ -4,6 +4,7 @@
 #include <functional>
 #include <mutex>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -37,7 +38,8 @@ public:
     /// `text` is where the function hands out its one text, if it does.
     Call(Function& function, homeloom_client_h client, const Arguments& arguments, Needs needs, char** text = nullptr);
 
-    /// Answers before it returns. `work` takes World& and Client& and gives the code.
+    /// Answers before it returns. `work` takes World& and Client&, and the lock if it wants to wait, and gives the
+    /// code.
     template <class Work>
     int now(Work work) const;
 
@@ -46,6 +48,12 @@ public:
     template <class Answer>
     int later(bool hasCallback, std::function<Answer(World&)> work, std::function<void(const Answer&)> deliver) const;
 
+    /// The same for work that may hand something to drivers of devices: then `finish` gives the answer, once they have
+    /// told what they do.
+    template <class Answer>
+    int later(bool hasCallback, std::function<Answer(World&, const HandoverPtr&)> work,
+              std::function<Answer(World&, bool isRefused)> finish, std::function<void(const Answer&)> deliver) const;
+
     /// What a fault says in place of the home; null without such a fault.
     const std::string* said() const;
     const Fault* fault() const { return _fault ? &*_fault : nullptr; }
@@ -53,6 +61,10 @@ public:
     void mark(Function::Trait trait) const { _function.mark(trait); }
 
 private:
+    template <class Answer>
+    void finishLater(Client& client, Handover& handover, int deliveries,
+                     const std::function<Answer(World&, bool isRefused)>& finish,
+                     const std::function<void(const Answer&)>& deliver) const;
     /// Why the call can't be served; 0 if it can. Needs the mutex.
     int refusal(const World& world, const Client& client) const;
 
@@ -76,7 +88,7 @@ int Call::now(Work work) const {
         }
     }
     World& world = World::instance();
-    const std::lock_guard<std::mutex> lock(world.mutex);
+    std::unique_lock<std::mutex> lock(world.mutex);
     const auto client = world.clients.find(_client);
     if (!_isValid || client == world.clients.end()) {
         return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
@@ -86,11 +98,27 @@ int Call::now(Work work) const {
         *_text = said() != nullptr ? handOut(*said()) : nullptr;
         return HOMELOOM_CLIENT_ERROR_NONE;
     }
-    return code != 0 ? code : work(world, client->second);
+    if (code != 0) {
+        return code;
+    }
+    if constexpr (std::is_invocable_v<Work, World&, Client&, std::unique_lock<std::mutex>&>) {
+        return work(world, client->second, lock);
+    } else {
+        return work(world, client->second);
+    }
 }
 
 template <class Answer>
 int Call::later(bool hasCallback, std::function<Answer(World&)> work,
+                std::function<void(const Answer&)> deliver) const {
+    return later<Answer>(
+        hasCallback, [work = std::move(work)](World& world, const HandoverPtr&) { return work(world); }, nullptr,
+        std::move(deliver));
+}
+
+template <class Answer>
+int Call::later(bool hasCallback, std::function<Answer(World&, const HandoverPtr&)> work,
+                std::function<Answer(World&, bool isRefused)> finish,
                 std::function<void(const Answer&)> deliver) const {
     mark(Function::HasCallback);
     if (_fault && _fault->kind == Fault::Kind::Fail) {
@@ -108,18 +136,43 @@ int Call::later(bool hasCallback, std::function<Answer(World&)> work,
         world.lastDropped = std::chrono::steady_clock::now();
         return HOMELOOM_CLIENT_ERROR_NONE;
     }
-    const auto prepare = [call = *this, code = fault.code, work = std::move(work),
-                          deliver = std::move(deliver)](Client& client) -> World::Delivery {
+    const int deliveries = fault.kind == Fault::Kind::Twice ? 2 : 1;
+    const auto prepare = [call = *this, code = fault.code, deliveries, work = std::move(work),
+                          finish = std::move(finish), deliver = std::move(deliver)](Client& client) -> World::Delivery {
         --client.pendingCalls;
         Answer answer;
         answer.error = code != 0 ? code : call.refusal(World::instance(), client);
         if (answer.error == 0) {
-            answer = work(World::instance());
+            const HandoverPtr handover = finish ? std::make_shared<Handover>() : nullptr;
+            answer = work(World::instance(), handover);
+            if (handover != nullptr && handover->open > 0) {
+                call.finishLater(client, *handover, deliveries, finish, deliver);
+                return nullptr;
+            }
         }
         return [deliver, answer = std::move(answer)] { deliver(answer); };
     };
-    world.post(found->second, _function.name().c_str(), prepare, fault.delay, fault.kind == Fault::Kind::Twice ? 2 : 1);
+    world.post(found->second, _function.name().c_str(), prepare, fault.delay, deliveries);
     return HOMELOOM_CLIENT_ERROR_NONE;
+}
+
+template <class Answer>
+void Call::finishLater(Client& client, Handover& handover, int deliveries,
+                       const std::function<Answer(World&, bool isRefused)>& finish,
+                       const std::function<void(const Answer&)>& deliver) const {
+    ++client.pendingCalls;
+    handover.ended = [&handover, id = client.id, name = _function.name().c_str(), deliveries, finish, deliver] {
+        World& world = World::instance();
+        Client* caller = world.client(id);
+        if (caller == nullptr) {
+            return;
+        }
+        const auto prepare = [isRefused = handover.isRefused, finish, deliver](Client& receiver) -> World::Delivery {
+            --receiver.pendingCalls;
+            return [deliver, answer = finish(World::instance(), isRefused)] { deliver(answer); };
+        };
+        world.post(*caller, name, prepare, {}, deliveries);
+    };
 }
 
 /// The common reply of the core family.
@@ -132,6 +185,9 @@ JsonAnswer failure(int error, const std::string& message);
 JsonAnswer success(const std::string& json);
 int answerJson(const Call& call, homeloom_core_json_cb callback, void* userData,
                std::function<JsonAnswer(World&)> work);
+int answerJson(const Call& call, homeloom_core_json_cb callback, void* userData,
+               std::function<JsonAnswer(World&, const HandoverPtr&)> work,
+               std::function<JsonAnswer(World&, bool isRefused)> finish);
 
 /// A list of records, or the one record of a reply.
 struct ListAnswer {

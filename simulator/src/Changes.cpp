@@ -9,6 +9,9 @@ namespace simulator {
 
 namespace {
 
+// The value of a property that isn't known yet, whatever its type: the agent leaves it out.
+const char* const kUnknown = "null";
+
 const std::string capabilityPrefix = "/capability/";
 
 bool isArrayType(const std::string& type) {
@@ -72,6 +75,9 @@ const char* valueTypeOf(const json::value& value) {
 
 std::string valueOfType(const std::string& type, const std::string& text) {
     const json::value value = parsed(text);
+    if (text == kUnknown) {
+        return text;
+    }
     if (type == "String") {
         return value.is_string() ? toText(value) : quoted(text);
     }
@@ -135,7 +141,9 @@ bool capabilityOf(const std::string& uri, std::string& component, std::string& c
 std::string representationOf(const Resource& resource) {
     std::string text = "{";
     for (const Property& property : resource.properties) {
-        text += (text.size() == 1 ? "" : ",") + quoted(property.name) + ":" + property.value;
+        if (property.value != kUnknown) {
+            text += (text.size() == 1 ? "" : ",") + quoted(property.name) + ":" + property.value;
+        }
     }
     return text + "}";
 }
@@ -143,7 +151,9 @@ std::string representationOf(const Resource& resource) {
 std::string dataTypesOf(const Resource& resource) {
     std::string text = "{";
     for (const Property& property : resource.properties) {
-        text += (text.size() == 1 ? "" : ",") + quoted(property.name) + ":" + quoted(property.type);
+        if (property.value != kUnknown) {
+            text += (text.size() == 1 ? "" : ",") + quoted(property.name) + ":" + quoted(property.type);
+        }
     }
     return text + "}";
 }
@@ -219,7 +229,11 @@ void World::react(Device& device, const std::vector<Change>& causes, Touched& to
                 continue;
             }
             if (reaction.afterMilliseconds > 0) {
-                postLater(device, reaction);
+                postLater(device, reaction.afterMilliseconds, [this, reaction](Device& later) {
+                    Touched touchedLater;
+                    applyReaction(later, reaction, touchedLater);
+                    tell(later, touchedLater);
+                });
                 continue;
             }
             applyReaction(device, reaction, touched);
@@ -227,18 +241,15 @@ void World::react(Device& device, const std::vector<Change>& causes, Touched& to
     }
 }
 
-void World::postLater(const Device& reacting, const Reaction& reaction) {
-    const auto job = [this, homes = _homes, id = reacting.id, reaction] {
+void World::postLater(const Device& waiting, int milliseconds, std::function<void(Device&)> work) {
+    const auto job = [this, homes = _homes, id = waiting.id, work = std::move(work)] {
         const std::lock_guard<std::mutex> lock(mutex);
         Device* device = homes == _homes ? this->device(id) : nullptr;
-        if (device == nullptr) {
-            return;
+        if (device != nullptr) {
+            work(*device);
         }
-        Touched touched;
-        applyReaction(*device, reaction, touched);
-        tell(*device, touched);
     };
-    thread.post(0, job, std::chrono::milliseconds(reaction.afterMilliseconds));
+    thread.post(0, job, std::chrono::milliseconds(milliseconds));
 }
 
 void World::tell(const Device& device, const Touched& touched) {

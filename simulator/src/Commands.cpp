@@ -36,7 +36,8 @@ std::vector<Change> changesOf(const Command& command, const json::value& call) {
 
 }  // namespace
 
-int executeCommands(World& world, Device& device, const std::string& request, json::object& reply) {
+int executeCommands(World& world, std::unique_lock<std::mutex>& lock, Device& device, const std::string& request,
+                    json::object& reply) {
     const json::value document = parsed(request);
     const json::value* commands = memberOf(&document, "commands");
     if (commands == nullptr || !commands->is_array()) {
@@ -47,10 +48,22 @@ int executeCommands(World& world, Device& device, const std::string& request, js
             return HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
         }
     }
-    json::array results;
+    const std::string id = device.id;  // which may be gone when its driver has spoken
+    std::vector<std::pair<int, HandoverPtr>> commanded;
     for (const json::value& call : commands->get_array()) {
-        const bool isDone = world.change(device, changesOf(*findCommand(world, device, call), call));
-        results.push_back({{"id", device.id}, {"status", isDone ? "ACCEPTED" : "FAILED"}});
+        const auto handover = std::make_shared<Handover>();
+        const int code = world.command(device, changesOf(*findCommand(world, device, call), call), handover);
+        commanded.emplace_back(code, handover);
+    }
+    json::array results;
+    for (auto& [code, handover] : commanded) {
+        if (handover->open > 0) {
+            code = world.await(lock, handover);
+        }
+        if (code == HOMELOOM_CLIENT_ERROR_IO) {
+            return code;
+        }
+        results.push_back({{"id", id}, {"status", code == 0 ? "ACCEPTED" : "FAILED"}});
     }
     reply = {{"results", results}};
     return HOMELOOM_CLIENT_ERROR_NONE;

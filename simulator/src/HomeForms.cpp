@@ -99,6 +99,11 @@ Form makeModel() {
         {must("when", values("One property and its value; null stands for any value")),
          may("set", values("What changes then")), may("after_ms", number("How much later; at once if not given")),
          may("status", status("The device's new status"))});
+    const Form confirmation = object("How a device takes a value that the TV wants",
+                                     {must("when", values("One property and its value; null stands for any value")),
+                                      may("refuses", flag("Whether it refuses the value")),
+                                      may("after_ms", number("How much later the value changes; at once if not given")),
+                                      may("set", values("What changes in place of what was wanted"))});
     const Form command =
         object("What a capability's command sets",
                {may("component", text("main if not given")), must("capability", text()), must("command", text()),
@@ -111,7 +116,8 @@ Form makeModel() {
                    may("canvas", any("The document as the cloud publishes it")),
                    may("resources", modelResources("What a device has and starts with, by URI and property")),
                    may("osv_resources", modelResources("Likewise, read in the manner of hub-connected devices")),
-                   may("reactions", list("", reaction)), may("commands", list("", command))});
+                   may("reactions", list("", reaction)), may("commands", list("", command)),
+                   may("confirms", list("", confirmation))});
 }
 
 Form location() {

@@ -177,6 +177,15 @@ json::object reactionJson(const Reaction& reaction) {
     return members.take();
 }
 
+json::object confirmationJson(const Confirmation& confirmation) {
+    Members members("a confirmation");
+    members.branch("when", changesOf({{confirmation.uri, confirmation.property, confirmation.value}}));
+    members.flag("refuses", confirmation.refuses, false);
+    members.number("after_ms", confirmation.afterMilliseconds, 0);
+    members.branch("set", changesOf(confirmation.changes));
+    return members.take();
+}
+
 json::object commandJson(const Command& command) {
     Members members("a command");
     members.text("component", command.component, "main");
@@ -212,6 +221,7 @@ json::object modelJson(const Model& model) {
     writeResources(members, model.resources, {});
     members.branch("reactions", arrayOf(model.reactions, reactionJson));
     members.branch("commands", arrayOf(model.commands, commandJson));
+    members.branch("confirms", arrayOf(model.confirmations, confirmationJson));
     return members.take();
 }
 

@@ -80,17 +80,25 @@ std::vector<Change> readCauses(const Node& node, const std::vector<Resource>& re
     return causes;
 }
 
-Reaction readReaction(const Node& node, const std::vector<Resource>& resources, Mistakes& mistakes) {
-    Reaction reaction;
+/// The one of them; an empty one, with a mistake noted, where there isn't exactly one.
+Change readCause(const Node& node, const std::vector<Resource>& resources, Mistakes& mistakes) {
     const std::size_t mistakesBefore = mistakes.size();
-    const std::vector<Change> causes = readCauses(node["when"], resources, mistakes);
+    const std::vector<Change> causes = readCauses(node, resources, mistakes);
     if (causes.size() == 1) {
-        reaction.uri = causes.front().uri;
-        reaction.property = causes.front().property;
-        reaction.value = causes.front().value;
-    } else if (mistakes.size() == mistakesBefore) {
-        note(mistakes, node["when"], "expected one property of one resource");
+        return causes.front();
     }
+    if (mistakes.size() == mistakesBefore) {
+        note(mistakes, node, "expected one property of one resource");
+    }
+    return {};
+}
+
+Reaction readReaction(const Node& node, const std::vector<Resource>& resources, Mistakes& mistakes) {
+    const Change cause = readCause(node["when"], resources, mistakes);
+    Reaction reaction;
+    reaction.uri = cause.uri;
+    reaction.property = cause.property;
+    reaction.value = cause.value;
     reaction.changes = readChanges(node["set"], resources, mistakes);
     reaction.afterMilliseconds = node["after_ms"].number(0);
     reaction.status = node["status"].isMissing() ? -1 : node["status"].oneOf(kStatusNames);
@@ -104,6 +112,16 @@ Command readCommand(const Node& node, const std::vector<Resource>& resources, Mi
     command.command = node["command"].text();
     command.changes = readChanges(node["set"], resources, mistakes);
     return command;
+}
+
+Confirmation readConfirmation(const Node& node, const std::vector<Resource>& resources, Mistakes& mistakes) {
+    const Change cause = readCause(node["when"], resources, mistakes);
+    return {cause.uri,
+            cause.property,
+            cause.value,
+            node["refuses"].flag(false),
+            node["after_ms"].number(0),
+            readChanges(node["set"], resources, mistakes)};
 }
 
 }  // namespace
@@ -161,6 +179,9 @@ ModelDocument readModel(const Node& node, Mistakes& mistakes) {
     }
     for (const Node& command : node["commands"].elements()) {
         model.commands.push_back(readCommand(command, model.resources, mistakes));
+    }
+    for (const Node& confirmation : node["confirms"].elements()) {
+        model.confirmations.push_back(readConfirmation(confirmation, model.resources, mistakes));
     }
     return read;
 }

@@ -1,6 +1,7 @@
 #include "World.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 #include "AgentApp.h"
 #include "Json.h"
@@ -38,6 +39,7 @@ void World::leaveRoom(const std::string& roomId) {
 }
 
 void World::load(Home newHome) {
+    removeDrivers();
     home = std::move(newHome);
     ++_homes;
     _ids = 0;
@@ -72,19 +74,29 @@ void World::setStatus(Device& device, int status) {
               toText(json::object{{"deviceId", device.id}, {"locationId", device.location}, {"status", health}}));
 }
 
-bool World::addDevice(Device newDevice) {
-    if (newDevice.id.empty() || device(newDevice.id) != nullptr) {
-        return false;
+bool World::addDevices(std::vector<Device> newDevices) {
+    std::unordered_set<std::string> ids;
+    for (const Device& newDevice : newDevices) {
+        if (newDevice.id.empty() || device(newDevice.id) != nullptr || !ids.insert(newDevice.id).second) {
+            return false;
+        }
     }
-    const Model* model = home.model(newDevice.vid);
-    if (newDevice.resources.empty() && model != nullptr) {
-        newDevice.resources = model->resources;
+    const std::size_t present = home.devices.size();
+    for (Device& newDevice : newDevices) {
+        const Model* model = home.model(newDevice.vid);
+        if (newDevice.resources.empty() && model != nullptr) {
+            newDevice.resources = model->resources;
+        }
+        home.devices.push_back(std::move(newDevice));
     }
-    home.devices.push_back(std::move(newDevice));
     devicesMoved();
     changed();
     postDeviceListToAll();
-    postDetails({&home.devices.back()});
+    std::vector<const Device*> added;
+    for (std::size_t i = present; i < home.devices.size(); ++i) {
+        added.push_back(&home.devices[i]);
+    }
+    postDetails(added);
     return true;
 }
 
@@ -95,6 +107,7 @@ bool World::removeDevice(const std::string& deviceId) {
     }
     home.devices.erase(home.devices.begin() + (leaving - home.devices.data()));
     devicesMoved();
+    removeDriver(std::string(deviceId));
     changed();
     auto& serves = home.hub.serves;
     serves.erase(std::remove(serves.begin(), serves.end(), deviceId), serves.end());

@@ -2,6 +2,7 @@
 #define HOMELOOM_SIMULATOR_WORLD_H
 
 #include <chrono>
+#include <condition_variable>
 #include <functional>
 #include <map>
 #include <mutex>
@@ -14,8 +15,10 @@
 #include <homeloom_core.h>
 
 #include "CallbackThread.h"
+#include "Handover.h"
 #include "Records.h"
 #include "simulator/Agent.h"
+#include "simulator/Driver.h"
 #include "simulator/Home.h"
 
 namespace simulator {
@@ -77,7 +80,8 @@ public:
     Home home;
     bool isSignedIn = true;
     int state = 1;
-    std::optional<std::chrono::steady_clock::time_point> lastDropped;  // when an answer was left out
+    std::optional<std::chrono::steady_clock::time_point> lastDropped;     // when an answer was left out
+    std::optional<std::chrono::steady_clock::time_point> lastHandedOver;  // when a driver was asked
     Agent::Connection connectOutcome = Agent::Connection::Connected;
     std::map<homeloom_client_h, Client> clients;
     std::vector<Agent::LaunchCondition> conditions;
@@ -101,12 +105,34 @@ public:
     /// reactions. False, with nothing changed, when a value doesn't fit its type.
     bool change(Device& device, const std::vector<Change>& changes);
     void setStatus(Device& device, int status);
-    bool addDevice(Device newDevice);
+    bool addDevices(std::vector<Device> newDevices);
     bool removeDevice(const std::string& deviceId);
     /// The devices of a room that is gone stay in the location.
     void leaveRoom(const std::string& roomId);
     /// Tells nobody.
     bool moveDevice(const std::string& deviceId, const std::string& locationId, const std::string& roomId);
+
+    // ---- What the plug-in wants of devices ----
+
+    struct OpenCommand {
+        DeviceCommand command;
+        HandoverPtr handover;
+    };
+    std::map<std::string, Driver> drivers;                      // by device
+    std::map<long long, OpenCommand> openCommands;              // by number
+    std::condition_variable verdicts;                           // for those who wait: a command was ended
+    std::function<void(const DeviceCommand&)> commandObserver;  // null: nobody
+
+    /// Has a device carry out what the plug-in wants: its driver, if it has one, and then `handover` is open; or else
+    /// its model. The agent's codes.
+    int command(Device& device, const std::vector<Change>& changes, const HandoverPtr& handover);
+    /// False for a number that isn't open, or for values that don't fit.
+    bool endCommand(long long number, bool isRefused, const std::vector<Change>& values);
+    /// What its driver has still open is refused.
+    void removeDriver(const std::string& deviceId);
+    void removeDrivers();
+    /// Waits, with the mutex given back, for the verdicts. The agent's codes.
+    int await(std::unique_lock<std::mutex>& lock, const HandoverPtr& handover);
 
     // ---- Callbacks ----
 
@@ -149,7 +175,10 @@ private:
     void applyReaction(Device& device, const Reaction& reaction, Touched& touched);
     void react(Device& device, const std::vector<Change>& causes, Touched& touched);
     void tell(const Device& device, const Touched& touched);
-    void postLater(const Device& device, const Reaction& reaction);
+    void postLater(const Device& device, int milliseconds, std::function<void(Device&)> work);
+    int carryOut(Device& device, const std::vector<Change>& changes);
+    void handOver(const std::string& deviceId, const std::vector<Change>& changes, const HandoverPtr& handover);
+    void askDriver(long long number);
     void postCapabilityEvent(const Device& device, const Resource& resource, const Property& property);
     template <class Callback>
     void postToAll(const char* name, Registration<Callback> Client::*member,
@@ -160,6 +189,7 @@ private:
     int _clients = 0;
     long long _ids = 0;
     long long _events = 0;
+    long long _commands = 0;
 };
 
 /// The texts of a resource as the agent tells them.

@@ -2,6 +2,8 @@
 
 #include <csignal>
 #include <map>
+#include <thread>
+#include <utility>
 
 #include "Program.h"
 
@@ -48,6 +50,38 @@ TEST(DoorTest, TellsTheHomeAndWhatACommandChangesInIt) {
     EXPECT_FALSE(failed["succeeded"].asBool());
     EXPECT_THAT(failed["error"].asString(), HasSubstr("there is no command"));
     EXPECT_EQ(again.next("command").data["error"].asString(), failed["error"].asString());
+}
+
+TEST(DoorTest, LetsAProgramStandBehindADevice) {
+    Program program;
+    Listener listener(program);
+    program.post("sim driver bedside-lamp on", kText);
+    JsonValue done;
+    const auto command = [&] {
+        std::thread presser([&] { done = program.post("do bedside-lamp", kText); });
+        const JsonValue asked = listener.next("device_command").data["device_command"];
+        return std::pair(std::move(presser), asked);
+    };
+    auto [presser, asked] = command();
+    EXPECT_EQ(asked["device_id"].asString() + asked["uri"].asString() + asked["values"].toString(),
+              "bedside-lamp/capability/switch/main/0{\"switch\":\"on\"}");
+    auto client = program.client();
+    const JsonValue sim = JsonValue::Create(client.Get("/v1/sim")->body);
+    EXPECT_EQ(sim["device_commands"][0].toString(), asked.toString());
+    // The command that waits doesn't hold up what it waits for.
+    const std::string number = asked["number"].toString();
+    EXPECT_TRUE(program.post("sim driver confirm " + number, kText)["succeeded"].asBool());
+    presser.join();
+    EXPECT_TRUE(done["succeeded"].asBool());
+    EXPECT_THAT(client.Get("/v1/devices/bedside-lamp")->body, HasSubstr("\"state_text\":\"On"));
+    EXPECT_THAT(program.post("sim driver confirm " + number, kText)["error"].asString(), HasSubstr("no command"));
+    EXPECT_THAT(program.post("sim driver confirm", kText)["error"].asString(), HasSubstr("usage: sim driver confirm"));
+
+    auto [again, refused] = command();
+    program.post("sim driver refuse " + refused["number"].toString(), kText);
+    again.join();
+    EXPECT_FALSE(done["succeeded"].asBool());
+    EXPECT_EQ(program.end(SIGTERM), 0);
 }
 
 TEST(DoorTest, ShowsTheOtherSide) {

@@ -26,6 +26,7 @@ GOOD: Any = {
             "resources": {"/x": {"on": True, "level": 5, "options": {"type": "Object", "value": {}}}, "_comment": ""},
             "reactions": [{"when": {"/x": {"on": None}}, "set": {"/x": {"level": 9}}, "after_ms": 10}],
             "commands": [{"capability": "switch", "command": "on", "set": {"/x": {"on": True}}}],
+            "confirms": [{"when": {"/x": {"on": None}}, "refuses": True, "after_ms": 10, "set": {"/x": {"level": None}}}],
         }
     ],
     "devices": [{"id": "d", "vid": "m", "location": "l", "status": "hidden", "resources": {"/x": {"level": 7}}}],
@@ -60,6 +61,8 @@ CHANGES: list[tuple[str, Any, bool, bool]] = [
     ("models.0.resources./x.on", [None], True, True),
     ("models.0.reactions.0.when", GONE, False, False),
     ("models.0.commands.0.set", [], False, False),
+    ("models.0.confirms.0.refuses", "yes", False, False),
+    ("models.0.confirms.0.set", {"/x": {"lvel": 9}}, True, False),
     ("scenes.0.document", GONE, False, False),
     ("scenes.0.document", None, True, True),
     ("key_values", {"theme": 1}, False, False),

@@ -69,6 +69,14 @@ TEST_F(AgentHome, ChangesOfTheHomeAreTold) {
     EXPECT_THAT(taken(), ElementsAre(HasSubstr(" parents-light lamp-2"), "list lamp-2"));
     EXPECT_EQ(agent.device("lamp-2")->resources.size(), 2u) << "as its model has them";
 
+    std::vector<simulator::Device> more(3, lamp);
+    EXPECT_FALSE(agent.addDevices(more)) << "none of them is new";
+    for (std::size_t i = 0; i < more.size(); ++i) {
+        more[i].id = "lamp-" + std::to_string(3 + i);
+    }
+    EXPECT_TRUE(agent.addDevices(more));
+    EXPECT_THAT(taken(), ElementsAre(HasSubstr(" lamp-2 lamp-3 lamp-4 lamp-5"), "list lamp-3 lamp-4 lamp-5"));
+
     EXPECT_TRUE(agent.renameDevice("lamp-2", "Lamp"));
     EXPECT_TRUE(agent.moveDevice("lamp-2", "parents", "porch"));
     EXPECT_FALSE(agent.moveDevice("lamp-2", "parents", "kitchen"));
@@ -186,6 +194,9 @@ TEST_F(AgentHome, ASceneSetsItsDevicesAndAnInfraredDeviceGetsItsModel) {
     EXPECT_EQ(homeloom_core_execute_scene_async(client, "home", "good-night", onJson, this), 0);
     EXPECT_THAT(taken(), ElementsAre(R"(json 0 {"id":"good-night","result":"Success"})"));
     EXPECT_EQ(agent.value("front-door", "/capability/lock/main/0", "lock"), "\"locked\"");
+    EXPECT_EQ(agent.value("blind", "/capability/windowShade/0", "windowShade"), "\"open\"") << "it takes its time";
+    agent.hurry();
+    agent.waitIdle();
     EXPECT_EQ(agent.value("blind", "/capability/windowShade/0", "windowShade"), "\"closed\"");
 
     const char* const fan = R"({"ocfDeviceType":"oic.d.fan","parentDeviceId":"tv-living","label":"Fan"})";

@@ -108,6 +108,8 @@ public:
         EXPECT_EQ(
             homeloom_client_set_remote_attributes(client, id.c_str(), uri.c_str(), payload.c_str(), onRemote, this), 0);
         EXPECT_THAT(taken(), ::testing::ElementsAre(::testing::StartsWith("remote 0 "))) << payload;
+        agent.hurry();
+        agent.waitIdle();
         refresh(id);
         return true;
     }

@@ -25,7 +25,8 @@ SAME(Change, uri, property, value)
 SAME(Reaction, uri, property, value, changes, after, status)
 SAME(Command, component, capability, command, changes)
 SAME(CoreRecord, type, presentation, manufacturer, details, icons, possibleIcons, badgeIcons)
-SAME(Model, vid, name, types, core, uiMetadata, resources, reactions, commands)
+SAME(Confirmation, uri, property, value, refuses, after, changes)
+SAME(Model, vid, name, types, core, uiMetadata, resources, reactions, commands, confirmations)
 SAME(Device, id, name, nick, prefix, vid, types, status, location, room, resources, core, energy, stream, images)
 SAME(Room, id, name)
 SAME(Location, id, name, permission, ownerId, ownerName, rooms, migrated, migratedDate, migratedModel)
@@ -89,6 +90,7 @@ TEST_F(HomeAsItIs, IsWrittenAfterAllThatHappenedInIt) {
     odd.core = {};
     odd.energyThisMonth = 0;
     odd.resources.push_back({"/odd", {{"whole", "Double", "5"}, {"shape", "Object", "{}"}}, true});
+    odd.resources.push_back({"/unknown", {{"on", "String", "null"}}, false});
     agent.addDevice(odd);
     simulator::Device bare = simulator::newDevice(agent.home().models.at("HL-OVEN-OV7"));
     bare.id = "bare";

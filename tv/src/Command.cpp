@@ -23,8 +23,8 @@ constexpr std::size_t kMostNameWords = 3;
 std::vector<Command> makeTable() {
     std::vector<Command> table;
     for (const auto& family :
-         {viewCommands, requestCommands, deskCommands, simDeviceCommands, simHomeCommands, simSessionCommands,
-          simTimeCommands, simFaultCommands, simWebCommands, simCloudCommands, simHubCommands}) {
+         {viewCommands, requestCommands, deskCommands, simDeviceCommands, simDriverCommands, simHomeCommands,
+          simSessionCommands, simTimeCommands, simFaultCommands, simWebCommands, simCloudCommands, simHubCommands}) {
         std::vector<Command> commands = family();
         std::move(commands.begin(), commands.end(), std::back_inserter(table));
     }
@@ -108,6 +108,22 @@ const Command& findCommand(const Words& words, std::size_t& at) {
                                    length > 1 ? ' ' + lowered(joinWords(firstWords(words, length - 1))) : ""));
 }
 
+namespace {
+
+void runWith(const Command& command, const std::function<void()>& run) {
+    try {
+        run();
+    } catch (const UsageError&) {
+        throw CommandError("usage: " + command.name + (command.usage.empty() ? "" : " " + command.usage));
+    }
+}
+
+Words behind(const Words& words, std::size_t at) {
+    return Words(words.begin() + static_cast<std::ptrdiff_t>(at), words.end());
+}
+
+}  // namespace
+
 void runCommand(Desk& desk, const std::string& line) {
     const Words words = splitWords(line);
     if (words.empty()) {
@@ -120,11 +136,24 @@ void runCommand(Desk& desk, const std::string& line) {
     if (clock::isStanding()) {
         turner.emplace();
     }
+    runWith(command, [&] { command.run(desk, behind(words, at)); });
+}
+
+bool runAtOnce(const std::string& line) {
+    const Command* command = nullptr;
+    Words words;
+    std::size_t at = 0;
     try {
-        command.run(desk, Words(words.begin() + static_cast<std::ptrdiff_t>(at), words.end()));
-    } catch (const UsageError&) {
-        throw CommandError("usage: " + command.name + (command.usage.empty() ? "" : " " + command.usage));
+        words = splitWords(line);
+        command = words.empty() ? nullptr : &findCommand(words, at);
+    } catch (const CommandError&) {
+        return false;  // the console says it
     }
+    if (command == nullptr || !command->atOnce) {
+        return false;
+    }
+    runWith(*command, [&] { command->atOnce(behind(words, at)); });
+    return true;
 }
 
 bool runLine(Desk& desk, const std::string& line) {

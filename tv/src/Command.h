@@ -33,6 +33,8 @@ struct Command {
     /// Gets what follows the name. Throws CommandError when it fails.
     std::function<void(Desk& desk, const Words& words)> run;
     std::vector<Hint> hints;  // by place
+    /// Set where other commands may be waiting for this one, so that it can't wait for its turn. On any thread.
+    std::function<void(const Words& words)> atOnce = nullptr;
 };
 
 /// Commands whose names begin alike, and what they have in common. Where all commands are listed, one line stands for
@@ -57,10 +59,14 @@ void runCommand(Desk& desk, const std::string& line);
 /// Runs one line, and tells the desk's output when it begins and how it ends. Returns whether it succeeded.
 bool runLine(Desk& desk, const std::string& line);
 
+/// Runs a line that can't wait for its turn, on any thread. False for all others. Throws CommandError.
+bool runAtOnce(const std::string& line);
+
 // The families of which the table is made.
 std::vector<Command> viewCommands();
 std::vector<Command> requestCommands();
 std::vector<Command> deskCommands();
+std::vector<Command> simDriverCommands();
 std::vector<Command> simHomeCommands();
 std::vector<Command> simDeviceCommands();
 std::vector<Command> simSessionCommands();

@@ -72,6 +72,11 @@ std::string HomeView::Device::look() const {
     }
 }
 
+// What has an action has a state as well; many sensors and hubs have neither.
+bool HomeView::Device::isStateUnknown() const {
+    return isConnected() && fields.text("state_text").empty() && !fields.text("action_url").empty();
+}
+
 std::string HomeView::Device::mainAction() const {
     const std::string control = fields.text("control_type");
     const std::string icon = fields.text("action_state");

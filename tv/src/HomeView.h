@@ -22,7 +22,9 @@ public:
 
         /// What people call it.
         const std::string& title() const { return nick.empty() ? name : nick; }
-        std::string stateText() const { return fields.text("state_text"); }
+        /// Whether its state is that none is known yet.
+        bool isStateUnknown() const;
+        std::string stateText() const { return isStateUnknown() ? "No state yet" : fields.text("state_text"); }
         /// Lit or greyed out.
         bool looksOn() const { return fields.number("active_state") != 0; }
         bool isConnected() const { return fields.number("cloud_device_status") == 0; }

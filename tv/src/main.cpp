@@ -195,6 +195,8 @@ int run(Arguments arguments) {
     const bool succeeded = taping.end(runConsole(console, inbox));
     deskClock.turn();
     door.reset();
+    // Nobody tells a driver's verdict any more, and the plug-in may wait for one.
+    simulator::Agent::instance().removeDrivers();
 
     const std::vector<std::string> left = plugin.unload();
     for (const std::string& thing : left) {

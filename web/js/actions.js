@@ -2,7 +2,7 @@
 /** What the screen asks of the TV. Nothing is drawn ahead of the answer: a card changes when the plug-in reports it. */
 import { answered } from "./door.js";
 import { t } from "./i18n.js";
-import { isEnabled, partsOf, titleOf } from "./store.js";
+import { isEnabled, isStateUnknown, partsOf, titleOf } from "./store.js";
 
 /** @typedef {import("./layout.js").Entry} Entry */
 
@@ -45,7 +45,7 @@ export class Actions {
         const device = this._store.devices.get(entry.id);
         const part = device && entry.kind === "part" ? partsOf(device)[entry.part] : undefined;
         const from = part ?? device;
-        if (!from?.control_type) {
+        if (!from?.control_type && !(device && from && isStateUnknown(device, from))) {
             return this._page.open("device", entry.id);
         }
         const properties = { device_id: entry.id, ...(from.action_url ? { action_url: from.action_url } : {}) };

@@ -300,6 +300,14 @@ export function isHidden(device) {
     return device.cloud_device_status === deviceStatus.hidden;
 }
 
+/**
+ * Whether its state is that none is known yet. What has an action has a state as well; many sensors and hubs have neither.
+ * @param {Device} device @param {Device|Part} from itself, or a part of it
+ */
+export function isStateUnknown(device, from) {
+    return device.cloud_device_status === deviceStatus.connected && !from.state_text && !!(from.control_type || from.action_url);
+}
+
 /** @param {Item} routine */
 export function isEnabled(routine) {
     return routine.document.status !== "Disabled";

@@ -2,7 +2,7 @@
 /** How a thing of the home looks on its card. */
 import { t } from "./i18n.js";
 import { iconName } from "./icons.js";
-import { deviceStatus, isEnabled, partsOf, titleOf } from "./store.js";
+import { deviceStatus, isEnabled, isStateUnknown, partsOf, titleOf } from "./store.js";
 
 /**
  * @typedef {object} View
@@ -112,12 +112,13 @@ function deviceView(store, entry) {
     const part = entry.kind === "part" ? partsOf(device)[entry.part] ?? {} : null;
     const from = part ?? device;
     const isDisconnected = device.cloud_device_status === deviceStatus.disconnected;
-    const control = controlOf(from.control_type ?? "", from.action_state ?? "");
+    const isUnknown = isStateUnknown(device, from);
+    const control = controlOf(from.control_type || (isUnknown ? "PushButton" : ""), from.action_state ?? "");
     const icon = part === null ? iconName(device.icon_url, device.type) : iconName(part.icon_url ?? "", "");
     return {
         title: part === null ? titleOf(device) : part.device_name ?? "",
         caption: part === null ? "" : titleOf(device),
-        state: from.state_text || (control === null ? "" : t("no_state_yet")),
+        state: from.state_text || (isUnknown ? t("no_state_yet") : ""),
         icon: icon === "devices_other" ? iconName(device.icon_url, device.type) : icon,
         // Of a part true means inactive.
         isActive: part === null ? device.active_state === 1 : part.active_state === false,

@@ -2,8 +2,12 @@
 
 import asyncio
 import json
+import os
 import pathlib
 import re
+import signal
+import subprocess
+import sys
 import threading
 
 import pytest
@@ -66,6 +70,22 @@ def test_the_same_with_asyncio() -> None:
                 await tv.request("no_such_request")
 
     asyncio.run(run())
+
+
+def test_a_lamp_that_is_a_program(homeloom_tv: homeloom.TV) -> None:
+    tv = homeloom_tv
+    environment = {**os.environ, "PYTHONPATH": str(README.parent)}
+    command = [sys.executable, README.parent / "examples/lamp.py", tv.url, "ceiling-light"]
+    with subprocess.Popen(command, env=environment, stdout=subprocess.PIPE, text=True) as lamp:
+        assert lamp.stdout is not None and lamp.stdout.readline() == "(dark)\n"
+        assert tv.do("ceiling-light").reports
+        assert lamp.stdout.readline() == "********\n" and tv.device("ceiling-light").state_text == "On · 80%"
+        assert tv.request("hl_execute_scene", location_id="home", scene_id="movie-time")["result"] is True
+        assert lamp.stdout.readline() == "**\n"
+        tv.wait_for_state("ceiling-light", "On · 20%")
+        lamp.send_signal(signal.SIGINT)
+    assert lamp.returncode == 0
+    assert not tv.command("sim driver").output[0].startswith("driven")
 
 
 def test_a_tv_that_cannot_start_or_is_gone_is_told(tmp_path: pathlib.Path) -> None:

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "simulator/Driver.h"
 #include "simulator/Fault.h"
 #include "simulator/Home.h"
 
@@ -76,6 +77,8 @@ public:
     bool setStatus(const std::string& deviceId, int status);
 
     bool addDevice(const Device& device);
+    /// Several at once, with one list for all of them. False, with none added, when an id is missing or not new.
+    bool addDevices(std::vector<Device> devices);
     bool removeDevice(const std::string& deviceId);
     /// Sets the nick name.
     bool renameDevice(const std::string& deviceId, const std::string& name);
@@ -90,6 +93,24 @@ public:
     /// id only.
     void sendDeviceList(const std::vector<std::string>& deviceIds);
     void sendDeviceDetailList(const std::vector<Device>& devices);
+
+    // ---- Programs behind devices ----
+
+    /// From now on what the plug-in wants of the device (a write, a command, a scene's action) is handed to the driver;
+    /// set() tells its values. With null the device carries it out by itself again, and what the driver still had open
+    /// is refused. Ends with the device.
+    bool setDriver(const std::string& deviceId, Driver driver);
+    void removeDrivers();
+    /// The devices that have a driver, and the commands that are open, in the order in which they came.
+    std::vector<std::string> driven() const;
+    std::vector<DeviceCommand> openCommands() const;
+    /// The verdicts of an open command: false when it isn't open. Confirming accepts it and sets what was wanted, or
+    /// `values` in its place; false when those don't fit.
+    bool accept(long long number);
+    bool confirm(long long number, std::vector<Change> values = {});
+    bool refuse(long long number);
+    /// Told of each command that is handed to a driver, as the change observer is. Null takes it away.
+    void setCommandObserver(std::function<void(const DeviceCommand&)> observer);
 
     // ---- Locations and rooms ----
 

@@ -18,7 +18,7 @@ namespace simulator {
 struct Property {
     std::string name;
     std::string type;
-    std::string value;
+    std::string value;  // null: not known yet, so that the agent leaves the property out
 };
 
 /// Whether a property of that type takes the value, JSON text or plain.
@@ -72,6 +72,16 @@ struct CoreRecord {
     std::string badgeIcons;     // document
 };
 
+/// How a device takes a value that the TV wants: it refuses it, takes its time, or ends up with other values.
+struct Confirmation {
+    std::string uri;
+    std::string property;
+    std::string value;  // empty: any value
+    bool refuses = false;
+    int afterMilliseconds = 0;
+    std::vector<Change> changes;  // empty: what was wanted
+};
+
 /// What all devices of one kind have in common.
 struct Model {
     std::string vid;
@@ -82,6 +92,7 @@ struct Model {
     std::vector<Resource> resources;  // as a new device has them
     std::vector<Reaction> reactions;
     std::vector<Command> commands;
+    std::vector<Confirmation> confirmations;
 };
 
 enum DeviceStatus { Connected = 0, Disconnected = 1, Inactive = 2, Hidden = 3 };

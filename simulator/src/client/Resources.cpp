@@ -34,7 +34,8 @@ RemoteAnswer read(World& world, const std::string& deviceId, const std::string& 
     return device->status == Disconnected ? remoteFailure(HOMELOOM_CLIENT_ERROR_IO) : stateOf(*resource);
 }
 
-RemoteAnswer write(World& world, const std::string& deviceId, const std::string& uri, const std::string& payload) {
+RemoteAnswer write(World& world, const std::string& deviceId, const std::string& uri, const std::string& payload,
+                   const HandoverPtr& handover) {
     Device* device = world.device(deviceId);
     if (device == nullptr || device->find(uri) == nullptr) {
         return remoteFailure(HOMELOOM_CLIENT_ERROR_NO_DATA);
@@ -50,14 +51,17 @@ RemoteAnswer write(World& world, const std::string& deviceId, const std::string&
     for (const auto& member : attributes.get_object()) {
         changes.push_back({uri, std::string(member.key()), toText(member.value())});
     }
-    if (!world.change(*device, changes)) {
-        return remoteFailure(HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER);
-    }
-    return stateOf(*device->find(uri));
+    const int code = world.command(*device, changes, handover);
+    return code != 0 ? remoteFailure(code) : stateOf(*device->find(uri));
+}
+
+RemoteAnswer endOfWrite(World& world, const std::string& deviceId, const std::string& uri, bool isRefused) {
+    return isRefused ? remoteFailure(HOMELOOM_CLIENT_ERROR_PERMISSION_DENIED) : read(world, deviceId, uri);
 }
 
 int answerRemote(const Call& call, const char* device_id, const char* uri, homeloom_client_remote_cb callback,
-                 void* userData, std::function<RemoteAnswer(World&)> work) {
+                 void* userData, std::function<RemoteAnswer(World&, const HandoverPtr&)> work,
+                 std::function<RemoteAnswer(World&, bool isRefused)> finish) {
     const auto deliver = [callback, userData, deviceId = Argument(device_id).text(), uri = Argument(uri).text(),
                           isNull = call.isHitBy(Fault::Kind::Null)](const RemoteAnswer& answer) {
         const CallbackText attributes(answer.attributes);
@@ -66,28 +70,34 @@ int answerRemote(const Call& call, const char* device_id, const char* uri, homel
     };
     call.mark(Function::AnswersText);
     if (call.said() != nullptr) {
-        work = [text = *call.said()](World&) { return RemoteAnswer{HOMELOOM_CLIENT_ERROR_NONE, text, ""}; };
+        work = [text = *call.said()](World&, const HandoverPtr&) {
+            return RemoteAnswer{HOMELOOM_CLIENT_ERROR_NONE, text, ""};
+        };
     }
-    return call.later<RemoteAnswer>(callback != nullptr, std::move(work), deliver);
+    return call.later<RemoteAnswer>(callback != nullptr, std::move(work), std::move(finish), deliver);
 }
 
 int setRemote(Function& function, homeloom_client_h client, const char* device_id, const char* uri, const char* payload,
               homeloom_client_remote_cb callback, void* userData) {
-    const auto work = [deviceId = Argument(device_id).text(), uri = Argument(uri).text(),
-                       payload = Argument(payload).text()](World& world) {
-        return write(world, deviceId, uri, payload);
+    const std::string deviceId = Argument(device_id).text();
+    const std::string resource = Argument(uri).text();
+    const auto work = [deviceId, resource, payload = Argument(payload).text()](World& world,
+                                                                               const HandoverPtr& handover) {
+        return write(world, deviceId, resource, payload, handover);
+    };
+    const auto finish = [deviceId, resource](World& world, bool isRefused) {
+        return endOfWrite(world, deviceId, resource, isRefused);
     };
     return answerRemote(Call(function, client, {device_id, uri, payload}, Needs::SignIn), device_id, uri, callback,
-                        userData, work);
+                        userData, work, finish);
 }
 
 int getRemote(Function& function, homeloom_client_h client, const char* device_id, const char* uri,
               homeloom_client_remote_cb callback, void* userData) {
-    const auto work = [deviceId = Argument(device_id).text(), uri = Argument(uri).text()](World& world) {
-        return read(world, deviceId, uri);
-    };
+    const auto work = [deviceId = Argument(device_id).text(), uri = Argument(uri).text()](
+                          World& world, const HandoverPtr&) { return read(world, deviceId, uri); };
     return answerRemote(Call(function, client, {device_id, uri}, Needs::SignIn), device_id, uri, callback, userData,
-                        work);
+                        work, nullptr);
 }
 
 auto findSubscription(std::vector<Subscription>& subscriptions, const std::string& text) {

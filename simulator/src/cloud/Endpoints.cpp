@@ -59,14 +59,18 @@ WebAnswer describeDevice(World& world, const WebRequest& request) {
         {"deviceId", device->id}, {"label", device->nick}, {"name", device->name}, {"locationId", device->location}});
 }
 
-WebAnswer command(World& world, const WebRequest& request) {
+WebAnswer command(World& world, std::unique_lock<std::mutex>& lock, const WebRequest& request) {
     const std::size_t length = request.path.size() - devicesPath.size() - commandsEnding.size();
     Device* device = world.device(request.path.substr(devicesPath.size(), length));
     if (device == nullptr) {
         return Endpoints::error(403, "the account has no such device");
     }
     json::object reply;
-    if (executeCommands(world, *device, request.body, reply) != HOMELOOM_CLIENT_ERROR_NONE) {
+    const int code = executeCommands(world, lock, *device, request.body, reply);
+    if (code == HOMELOOM_CLIENT_ERROR_IO) {
+        return Endpoints::error(504, "the device says nothing");
+    }
+    if (code != HOMELOOM_CLIENT_ERROR_NONE) {
         return Endpoints::error(422, "the device doesn't know such a command");
     }
     return document(reply);
@@ -161,7 +165,7 @@ std::string Endpoints::nameOf(const std::string& method, const std::string& path
 
 WebAnswer Endpoints::answer(const std::string& name, const WebRequest& request) {
     World& world = World::instance();
-    const std::lock_guard<std::mutex> lock(world.mutex);
+    std::unique_lock<std::mutex> lock(world.mutex);
     if (name.empty()) {
         return error(404, "there is nothing");
     }
@@ -176,7 +180,7 @@ WebAnswer Endpoints::answer(const std::string& name, const WebRequest& request) 
         return describeDevice(world, request);
     }
     if (name == "commands") {
-        return command(world, request);
+        return command(world, lock, request);
     }
     return name == "stream" ? openStream(world, request) : linkFile(world, request);
 }

@@ -153,7 +153,7 @@ int homeloom_core_execute_device(homeloom_client_h client, const char* device_id
                                  char** response_json) {
     static Function& function = functionNamed(__func__);
     return Call(function, client, {device_id, json_command}, Needs::SignIn, response_json)
-        .now([&](World& world, Client&) -> int {
+        .now([&](World& world, Client&, std::unique_lock<std::mutex>& lock) -> int {
             Device* device = world.device(device_id);
             if (device == nullptr) {
                 return HOMELOOM_CLIENT_ERROR_NO_DATA;
@@ -162,7 +162,7 @@ int homeloom_core_execute_device(homeloom_client_h client, const char* device_id
                 return HOMELOOM_CLIENT_ERROR_IO;
             }
             json::object reply;
-            const int code = executeCommands(world, *device, json_command, reply);
+            const int code = executeCommands(world, lock, *device, json_command, reply);
             const json::value value = reply;
             return code != 0 ? code : give(response_json, &value);
         });

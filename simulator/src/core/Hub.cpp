@@ -48,7 +48,7 @@ std::string createIrDevice(World& world, const std::string& locationId, const js
     device.core.manufacturerName = textMember(request, "mnId");
     device.core.details = detailsOfIrDevice(parent, request);
     const std::string id = device.id;
-    world.addDevice(std::move(device));
+    world.addDevices({std::move(device)});
     return id;
 }
 

@@ -45,15 +45,19 @@ void postLifecycle(World& world, const char* lifecycle, const std::string& locat
                     toText(json::object{{"lifecycle", lifecycle}, {"locationId", locationId}, {"sceneId", id}}));
 }
 
-/// Actions on devices that are gone or unreachable are skipped, and the scene then fails.
-bool run(World& world, const Scene& scene) {
+/// Actions on devices that are gone or unreachable are skipped, and the scene then fails, as with those that refuse.
+bool run(World& world, const Scene& scene, const HandoverPtr& handover) {
     bool isDone = true;
     for (const SceneAction& action : scene.actions) {
         Device* device = world.device(action.device);
-        isDone =
-            device != nullptr && device->status != Disconnected && world.change(*device, {action.change}) && isDone;
+        isDone = device != nullptr && device->status != Disconnected &&
+                 world.command(*device, {action.change}, handover) == 0 && isDone;
     }
     return isDone;
+}
+
+JsonAnswer endOfScene(const std::string& id, bool isDone) {
+    return success(toText(json::object{{"id", id}, {"result", isDone ? "Success" : "Failure"}}));
 }
 
 }  // namespace
@@ -98,14 +102,17 @@ int homeloom_core_execute_scene_async(homeloom_client_h client, const char* loca
                                       homeloom_core_json_cb callback, void* user_data) {
     static Function& function = functionNamed(__func__);
     const Call call(function, client, {location_id, scene_id}, Needs::SignIn);
-    const auto work = [locationId = Argument(location_id).text(), id = Argument(scene_id).text()](World& world) {
+    const std::string id = Argument(scene_id).text();
+    const auto work = [locationId = Argument(location_id).text(), id](World& world, const HandoverPtr& handover) {
         const auto scene = findScene(world, locationId, id);
         if (scene == world.home.scenes.end()) {
             return noScene(id);
         }
-        return success(toText(json::object{{"id", id}, {"result", run(world, *scene) ? "Success" : "Failure"}}));
+        handover->isRefused = !run(world, *scene, handover);
+        return endOfScene(id, !handover->isRefused);
     };
-    return answerJson(call, callback, user_data, work);
+    const auto finish = [id](World&, bool isRefused) { return endOfScene(id, !isRefused); };
+    return answerJson(call, callback, user_data, work, finish);
 }
 
 int homeloom_core_create_scene_async(homeloom_client_h client, const char* location_id, const char* scene_json,

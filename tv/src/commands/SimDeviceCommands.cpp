@@ -1,12 +1,12 @@
 #include <algorithm>
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 #include <simulator/Agent.h>
 
 #include "Command.h"
 #include "CommandError.h"
 #include "Desk.h"
+#include "DeviceChanges.h"
 #include "Lookups.h"
 #include "Output.h"
 #include "SimNames.h"
@@ -19,39 +19,6 @@ namespace {
 
 simulator::Agent& agent() {
     return simulator::Agent::instance();
-}
-
-// "switch" and "x.com.norvane.da.state" are both found by their last part, in any case.
-bool isProperty(const std::string& property, const std::string& wanted) {
-    const std::string name = lowered(property);
-    const std::string text = lowered(wanted);
-    return name == text ||
-           (name.size() > text.size() && name.compare(name.size() - text.size(), text.size(), text) == 0 &&
-            name[name.size() - text.size() - 1] == '.');
-}
-
-simulator::Change findProperty(const simulator::Device& device, const std::string& wanted, const std::string& value) {
-    std::vector<simulator::Change> found;
-    for (const auto& resource : device.resources) {
-        for (const auto& property : resource.properties) {
-            if (isProperty(property.name, wanted)) {
-                found.push_back({resource.uri, property.name, value});
-            }
-        }
-    }
-    if (found.size() == 1) {
-        return found.front();
-    }
-    Words all;
-    for (const auto& resource : device.resources) {
-        for (const auto& property : resource.properties) {
-            if (found.empty() || isProperty(property.name, wanted)) {
-                all.push_back(resource.uri + " " + property.name);
-            }
-        }
-    }
-    throw CommandError(fmt::format("{} has {} property \"{}\"; it has:\n  {}", device.id,
-                                   found.empty() ? "no" : "more than one", wanted, fmt::join(all, "\n  ")));
 }
 
 [[noreturn]] void refuse(const simulator::Device& device, const std::vector<simulator::Change>& changes) {
@@ -70,21 +37,7 @@ void set(Desk& desk, const Words& words) {
     std::size_t at = 0;
     const std::string id = deviceLookup(agent().home()).take(words, at);
     const simulator::Device device = agent().device(id).value();
-    std::vector<simulator::Change> changes;
-    if (words.size() == at + 3 && words[at].compare(0, 1, "/") == 0) {
-        changes.push_back({words[at], words[at + 1], words[at + 2]});
-    } else {
-        for (; at < words.size(); ++at) {
-            const auto assignment = splitAssignment(words[at]);
-            if (!assignment) {
-                throw UsageError();
-            }
-            changes.push_back(findProperty(device, assignment->first, assignment->second));
-        }
-    }
-    if (changes.empty()) {
-        throw UsageError();
-    }
+    const std::vector<simulator::Change> changes = readChanges(device, words, at);
     desk.pump();
     if (!agent().set(id, changes)) {
         refuse(device, changes);

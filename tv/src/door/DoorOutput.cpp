@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include "Command.h"
+#include "CommandError.h"
 #include "Desk.h"
 #include "HomeView.h"
 #include "JsonOutput.h"
@@ -20,6 +21,17 @@ std::string quoted(const std::string& text) {
     return VMFramework::json::JsonValue(text).toString();
 }
 
+// Without its last bracket: more may follow.
+std::string commandDocument(const std::string& id, const std::string& line, const std::string& error,
+                            const std::vector<std::string>& said) {
+    std::string document = jsonLine(line, error.empty(), said);
+    document.pop_back();
+    if (!id.empty()) {
+        document = fmt::format("{{\"id\":{},{}", id, document.substr(1));
+    }
+    return error.empty() ? document : document + ",\"error\":" + quoted(error);
+}
+
 }  // namespace
 
 DoorOutput::DoorOutput(Output& console, EventStream& events, bool followsClients)
@@ -32,6 +44,20 @@ std::string DoorOutput::run(Desk& desk, const CommandBody& body) {
     setStyle(_console.style());
     _client = nullptr;
     return std::exchange(_answer, {});
+}
+
+std::optional<std::string> DoorOutput::runAtOnce(const CommandBody& body) {
+    std::string error;
+    try {
+        if (!tv::runAtOnce(body.line)) {
+            return std::nullopt;
+        }
+    } catch (const CommandError& e) {
+        error = e.what();
+    }
+    const std::string document = commandDocument(body.id, body.line, error, {});
+    _events.publish("command", document + "}");
+    return document + ",\"reports\":[]}";
 }
 
 void DoorOutput::endStart(const HomeView& home) {
@@ -49,14 +75,7 @@ void DoorOutput::beginCommand(const std::string& line) {
 }
 
 void DoorOutput::endCommand(const std::string& error, const HomeView& home) {
-    std::string document = jsonLine(_line, error.empty(), _said);
-    document.pop_back();
-    if (_client != nullptr && !_client->id.empty()) {
-        document = fmt::format("{{\"id\":{},{}", _client->id, document.substr(1));
-    }
-    if (!error.empty()) {
-        document += ",\"error\":" + quoted(error);
-    }
+    const std::string document = commandDocument(_client != nullptr ? _client->id : "", _line, error, _said);
     // Those who listen to the events had the reports already.
     _events.publish("command", document + "}");
     _events.publishSimChange();  // faults and the like, of which nobody else tells

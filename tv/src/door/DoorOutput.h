@@ -2,6 +2,7 @@
 #define HOMELOOM_TV_DOOR_DOOROUTPUT_H
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,6 +23,8 @@ public:
 
     /// Runs a client's command, and returns the document that answers it.
     std::string run(Desk& desk, const CommandBody& body);
+    /// The same on any thread, for a command that can't wait for its turn; none for all others.
+    std::optional<std::string> runAtOnce(const CommandBody& body);
 
     void endStart(const HomeView& home) override;
     void beginCommand(const std::string& line) override;

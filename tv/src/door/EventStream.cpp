@@ -10,6 +10,7 @@
 #include <fmt/format.h>
 #include <simulator/Agent.h>
 
+#include "DeviceChanges.h"
 #include "JsonOutput.h"
 #include "door/SimDocument.h"
 
@@ -42,11 +43,15 @@ std::string quoted(const std::string& text) {
 EventStream::EventStream(EventRing::Limits limits) : _start(chooseStart()), _ring(_start, limits) {
     _listener = desktop::framework::addListener([this](const ReportPtr& report) { push(report); });
     simulator::Agent::instance().setChangeObserver([this] { publishSimChange(); });
+    simulator::Agent::instance().setCommandObserver([this](const simulator::DeviceCommand& command) {
+        publish("device_command", fmt::format("{{\"device_command\":{}}}", jsonLine(command)));
+    });
     _thread = std::thread([this] { run(); });
 }
 
 EventStream::~EventStream() {
     simulator::Agent::instance().setChangeObserver(nullptr);
+    simulator::Agent::instance().setCommandObserver(nullptr);
     desktop::framework::removeListener(_listener);
     close();
     {

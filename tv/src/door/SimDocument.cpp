@@ -10,6 +10,7 @@
 #include <simulator/Cloud.h>
 #include <boost/json.hpp>
 
+#include "DeviceChanges.h"
 #include "SimNames.h"
 
 namespace homeloom::tv {
@@ -27,7 +28,7 @@ json::value valueOf(const std::string& text) {
     return error ? json::value(text) : value;
 }
 
-json::value deviceJson(const simulator::Device& device) {
+json::value deviceJson(const simulator::Device& device, bool isDriven) {
     json::array resources;
     for (const simulator::Resource& resource : device.resources) {
         json::object values;
@@ -41,6 +42,7 @@ json::value deviceJson(const simulator::Device& device) {
             {"type", device.types.empty() ? "" : device.types.front()},
             {"vid", device.vid},
             {"present", true},
+            {"driven", isDriven},
             {"status", deviceStatusNames().at(static_cast<std::size_t>(device.status))},
             {"resources", std::move(resources)}};
 }
@@ -166,10 +168,16 @@ std::string languageSetting() {
 std::string simDocument() {
     const auto& agent = simulator::Agent::instance();
     json::array devices;
+    const std::vector<std::string> driven = agent.driven();
     for (const simulator::Device& device : agent.home().devices) {
-        devices.push_back(deviceJson(device));
+        devices.push_back(deviceJson(device, std::binary_search(driven.begin(), driven.end(), device.id)));
+    }
+    json::array commands;
+    for (const simulator::DeviceCommand& command : agent.openCommands()) {
+        commands.push_back(valueOf(jsonLine(command)));
     }
     return json::serialize(json::object{{"devices", std::move(devices)},
+                                        {"device_commands", std::move(commands)},
                                         {"faults", agentFaults()},
                                         {"cloud_faults", cloudFaults()},
                                         {"agent_functions", textsOf(simulator::Agent::functionNames())},

@@ -31,8 +31,6 @@ export class DevicesTab {
         this._id = "";
         /** @type {any} */
         this._sim = null;
-        /** @type {{number: number, device_id: string, uri: string, values: any}[]} commands that a driver has to answer */
-        this._waiting = [];
     }
 
     /** @param {HTMLElement} body */
@@ -53,7 +51,6 @@ export class DevicesTab {
         body.append(labelled(t("find"), this._filter), this._found, this._title,
                     el("div", { class: "line" }, labelled(t("presence"), this._status), this._driver, this._remove),
                     this._commands, this._values, this._makeAdd());
-        this._drawCommands();
     }
 
     _makeAdd() {
@@ -73,6 +70,7 @@ export class DevicesTab {
         }
         this._drawFound();
         this._draw();
+        this._drawCommands(sim.device_commands);
     }
 
     _drawFound() {
@@ -123,39 +121,19 @@ export class DevicesTab {
                   el("span", { class: "value-name", text: name }), field);
     }
 
-    async _switchDriver() {
+    _switchDriver() {
         const isOn = this._driver.getAttribute("aria-pressed") === "true";
-        const answer = await run(this._page, "sim driver", this._id, isOn ? "off" : "on");
-        if (answer.succeeded) {
-            this._driver.setAttribute("aria-pressed", String(!isOn));
-        }
+        run(this._page, "sim driver", this._id, isOn ? "off" : "on");
     }
 
-    /** @param {string} type @param {any} document */
-    heard(type, document) {
-        if (type === "hello") {
-            this._waiting = [];
-        } else if (type === "device_command") {
-            this._waiting = [...this._waiting.slice(-19), document.device_command];
-        } else {
-            return;
-        }
-        this._drawCommands();
-    }
-
-    _drawCommands() {
-        if (!this._commands) {
-            return;
-        }
-        keyed(this._commands, this._waiting, ({ number }) => String(number), (command) => {
-            const answer = (/** @type {string} */ word) => {
-                this._waiting = this._waiting.filter(({ number }) => number !== command.number);
-                this._drawCommands();
-                run(this._page, "sim driver", word, String(command.number));
-            };
+    /** @param {{number: number, device_id: string, uri: string, values: any}[]} open commands that a driver has to answer */
+    _drawCommands(open) {
+        keyed(this._commands, open, ({ number }) => String(number), ({ number, device_id, uri, values }) => {
+            const verdict = (/** @type {string} */ word) => button(t(word), word === "refuse" ? "close" : "check",
+                                                                  () => run(this._page, `sim driver ${word}`, String(number)));
             return el("div", { class: "line command" },
-                el("span", { class: "value-name", text: `${command.device_id} ${command.uri} ${JSON.stringify(command.values)}` }),
-                button(t("confirm"), "check", () => answer("confirm")), button(t("refuse"), "close", () => answer("refuse")));
+                el("span", { class: "value-name", text: `${device_id} ${uri} ${JSON.stringify(values)}` }),
+                verdict("confirm"), verdict("refuse"));
         });
     }
 }
