@@ -37,8 +37,13 @@ export interface TV {
     device(id: string): Promise<Device>;
     /** All requests, notifies, endpoint fields and commands that there are. */
     catalogue(): Promise<any>;
-    /** All that happens from the first step of the iteration on; the first event is `hello`, the state of everything. */
-    events(options?: { signal?: AbortSignal }): AsyncGenerator<TVEvent>;
+    /** The other side: the devices as they really are, faults, what a device's driver has to answer, ... */
+    sim(): Promise<any>;
+    /**
+     * All that happens from the first step of the iteration on; the first event is `hello`, the state of everything. With
+     * `last`, the id of an event, it goes on after that. `opened` is told whenever a connection stands.
+     */
+    events(options?: { signal?: AbortSignal; last?: number; opened?: () => void }): AsyncGenerator<TVEvent>;
     /** Waits until the device's state text is of the pattern ("Washing*"), for so many milliseconds. */
     waitForState(id: string, pattern: string, options?: { timeout?: number }): Promise<Device>;
 }

@@ -59,19 +59,39 @@ export function matches(text, pattern) {
  * @returns {AsyncGenerator<TVEvent>}
  */
 export async function* parseEvents(chunks) {
-    let begun = "";
-    for await (const chunk of chunks) {
-        const messages = (begun + chunk).replaceAll("\r", "").split("\n\n");
-        begun = messages.pop() ?? "";
-        for (const message of messages) {
-            const fields = new Map(message.split("\n").map((line) => [line.slice(0, line.indexOf(":")), line]));
-            /** @param {string} name */
-            const field = (name) => fields.get(name)?.slice(name.length + 1).trimStart();
-            const data = field("data");
+    /** @type {Record<string, string>} */
+    let fields = {};
+    for await (const line of linesOf(chunks)) {
+        if (line === "") {
+            const { data, id, event = "message" } = fields;
+            fields = {};
             if (data !== undefined) {
-                yield { id: Number(field("id")), type: field("event") ?? "message", data: JSON.parse(data) };
+                yield { id: Number(id), type: event, data: JSON.parse(data) };
             }
+            continue;
         }
+        const colon = line.indexOf(":");
+        fields[line.slice(0, colon)] = line.slice(colon + 1).trimStart();
+    }
+}
+
+/**
+ * A long line comes in many chunks, so that what has come of it is only joined at its end.
+ * @param {AsyncIterable<string>} chunks
+ * @returns {AsyncGenerator<string>}
+ */
+async function* linesOf(chunks) {
+    /** @type {string[]} */
+    let begun = [];
+    for await (const chunk of chunks) {
+        let from = 0;
+        for (let end = chunk.indexOf("\n"); end >= 0; end = chunk.indexOf("\n", from)) {
+            const line = begun.join("") + chunk.slice(from, end);
+            begun = [];
+            from = end + 1;
+            yield line.endsWith("\r") ? line.slice(0, -1) : line;
+        }
+        begun.push(chunk.slice(from));
     }
 }
 
@@ -170,18 +190,26 @@ export class TV {
     }
 
     /**
+     * The other side: the devices as they really are, faults, what a device's driver has to answer, ...
+     * @returns {Promise<any>}
+     */
+    sim() {
+        return this.#json("v1/sim");
+    }
+
+    /**
      * All that happens from the first step of the iteration on; the first event is `hello`, the state of everything. A
-     * connection that is lost is made anew, without a gap; the iteration ends with an error when the TV is gone.
-     * @param {{ signal?: AbortSignal }} options
+     * connection that is lost is made anew, without a gap; the iteration ends with an error when the TV is gone. With `last`,
+     * the id of an event, it goes on after that. `opened` is told whenever a connection stands.
+     * @param {{ signal?: AbortSignal, last?: number, opened?: () => void }} options
      * @returns {AsyncGenerator<TVEvent>}
      */
-    async *events({ signal } = {}) {
-        /** @type {number | undefined} */
-        let last;
+    async *events({ signal, last, opened } = {}) {
         for (;;) {
             /** @type {Record<string, string>} */
             const headers = last === undefined ? {} : { "Last-Event-ID": String(last) };
             const response = await this.#ask("v1/events", { headers, signal });
+            opened?.();
             try {
                 for await (const event of parseEvents(textOf(/** @type {ReadableStream} */ (response.body)))) {
                     last = event.id;

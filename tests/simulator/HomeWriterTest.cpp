@@ -89,8 +89,8 @@ TEST_F(HomeAsItIs, IsWrittenAfterAllThatHappenedInIt) {
     odd.id = "odd";
     odd.core = {};
     odd.energyThisMonth = 0;
-    odd.resources.push_back({"/odd", {{"whole", "Double", "5"}, {"shape", "Object", "{}"}}, true});
     odd.resources.push_back({"/unknown", {{"on", "String", "null"}}, false});
+    odd.resources.push_back({"/odd", {{"whole", "Double", "5"}, {"shape", "Object", "{}"}}, true});
     agent.addDevice(odd);
     simulator::Device bare = simulator::newDevice(agent.home().models.at("HL-OVEN-OV7"));
     bare.id = "bare";

@@ -21,6 +21,13 @@ FLAGS = ["--headless=new", "--no-sandbox", "--disable-gpu", "--disable-quic", "-
          "--force-prefers-reduced-motion", "--window-size=1920,1080"]
 
 
+def apartment():
+    """The apartment's document, its models in place."""
+    home = json.loads((ROOT / "homes/apartment.json").read_text())
+    home["models"] = [json.loads((ROOT / "homes" / name).read_text()) for name in home["models"]]
+    return home
+
+
 class Tv:
     """A desk TV with its door open; `port` 0 takes any free one."""
 
@@ -106,7 +113,7 @@ class Screen:
     def card(self, key):
         """Title, state and looks of a card among the elements; None if it isn't."""
         return self.js("""
-            const card = document.querySelector(`hl-list .row:not([hidden]) [data-key="${CSS.escape(arguments[0])}"]`);
+            const card = document.querySelector(`hl-list .row:not([hidden]) hl-card:not([hidden]) [data-key="${CSS.escape(arguments[0])}"]`);
             return card && {title: card.querySelector('.card-title').textContent, label: card.getAttribute('aria-label'),
                             state: card.querySelector('.card-state').textContent, look: card.dataset.look,
                             pressed: card.getAttribute('aria-pressed')}""", key)

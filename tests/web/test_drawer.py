@@ -44,8 +44,30 @@ class OtherSide(ScreenTest):
         screen.focus("scene:good-night")
         screen.press("ENTER")
         screen.until_shown(".toast-error")
+        # One of the TV's own functions, at its second call.
+        screen.js("""const [name, code, , number] = [...document.querySelectorAll('select[aria-label="Function of the TV"]')]
+                .flatMap((select) => [select, ...select.closest('.line').querySelectorAll('input')]);
+            name.value = 'KRCurlEasy.send';
+            [code.value, number.value] = ['-7', '2'];
+            name.closest('.line').querySelector('button').click()""")
+        screen.until_shown(".faults", "KRCurlEasy.send fail -7")
         self.click("Clear all")
+        screen.until_gone(".faults", "KRCurlEasy.send")
         screen.until_gone(".faults", "homeloom_core_execute_scene_async")
+
+    def test_answers_for_a_device_that_it_drives(self):
+        screen = self.screen
+        screen.focus("device:bedside-lamp")
+        screen.press("d")
+        self.click("Driven by a program")
+        screen.until_shown('.drawer-body button[aria-pressed="true"]', "Driven")
+        for verdict, state in [("Confirm", "On · 30%"), ("Refuse", "On · 30%")]:
+            screen.focus("device:bedside-lamp")
+            screen.press("ENTER")
+            screen.until_shown(".command", "bedside-lamp /capability/switch/main/0")
+            self.click(verdict)
+            screen.until_gone(".command", "bedside-lamp")
+            screen.until(lambda: screen.state("device:bedside-lamp") == state, f"{state} after {verdict}")
 
     def test_works_the_session(self):
         screen = self.screen

@@ -4,15 +4,14 @@ import tempfile
 import unittest
 from pathlib import Path
 
-from desk import ROOT, ScreenTest
+from desk import ScreenTest, apartment
 
 MARKUP = '<img src="x" onerror="window.hit = true"><script>window.hit = true</script>\'"&amp;'
 
 
 def poisoned_home():
     """The apartment with markup in every text that somebody may choose."""
-    home = json.loads((ROOT / "homes/apartment.json").read_text())
-    home["models"] = [json.loads((ROOT / "homes" / name).read_text()) for name in home["models"]]
+    home = apartment()
     for location in home["locations"]:
         location["name"] += MARKUP
         location["owner"]["name"] += MARKUP

@@ -120,9 +120,11 @@ std::string eventSchema() {
     for (const char* const report : {"load_result", "device_list", "device_found", "notify", "result"}) {
         reports.push_back(reference(report));
     }
-    const json::object command = object(
-        {{"command", text()}, {"succeeded", flag()}, {"output", arrayOf(text())}},
-        {{"id", text()}, {"error", text("why it failed")}, {"reports", arrayOf(json::object{{"anyOf", reports}})}});
+    const json::object command = object({{"command", text()}, {"succeeded", flag()}, {"output", arrayOf(text())}},
+                                        {{"id", json::object{{"type", {"string", "number"}}}},
+                                         {"error", text("why it failed")},
+                                         {"reports", arrayOf(json::object{{"anyOf", reports}})},
+                                         {"reports_left_out", wholeNumber()}});
     return document(
         "event", "What homeloom-tv tells programs: one document each", {{"anyOf", std::move(forms)}},
         {{"load_result", object({{"call", only("load_result")}, {"plugin", text()}, {"status", wholeNumber()}})},

@@ -132,8 +132,13 @@ std::unique_ptr<Door> makeDoor(const Arguments& arguments, Inbox& inbox, Output&
         return nullptr;
     }
     const auto page = findShared(programPath(), std::filesystem::path("web") / "index.html");
-    return std::make_unique<Door>(Door::Options{*arguments.serve, arguments.token, page.parent_path(), arguments.json},
-                                  inbox, out);
+    auto client = findShared(programPath(), std::filesystem::path("clients") / "js" / "homeloom.js");
+    if (client.empty()) {
+        client = findShared(programPath(), std::filesystem::path("js") / "homeloom.js");  // installed
+    }
+    return std::make_unique<Door>(
+        Door::Options{*arguments.serve, arguments.token, page.parent_path(), client.parent_path(), arguments.json},
+        inbox, out);
 }
 
 // The clock that nobody but the desk turns. While commands run, each has it turned itself; between them only what waits

@@ -1,18 +1,11 @@
 // @ts-check
-/** The page's way to the TV: a stream of events that comes back after a break, and commands. */
+/** The page's way to the TV: a stream of events that comes back after a break, and commands that tell how they went. */
+import { CommandFailed, connect } from "/client/homeloom.js";
 
-/**
- * @typedef {object} Answer
- * @property {string} command
- * @property {boolean} succeeded
- * @property {string[]} output
- * @property {any[]} reports what was reported while the command ran
- * @property {string} [error]
- */
+/** @typedef {import("/client/homeloom.js").CommandResult} Answer */
 
 const firstRetryMs = 500;
 const lastRetryMs = 5000;
-const types = ["hello", "report", "command", "device_command", "sim", "lost"];
 
 export class Door {
     /**
@@ -22,55 +15,49 @@ export class Door {
     constructor(onEvent, onConnection) {
         this._onEvent = onEvent;
         this._onConnection = onConnection;
-        this._lastId = "";
-        this._retryMs = firstRetryMs;
-        /** @type {EventSource|null} */
-        this._source = null;
-        this._open();
+        this._tv = connect(location.origin);
+        this._listen();
     }
 
-    // The browser's own way of coming back is not used: it keeps a pace of seconds, and gives up on some errors.
-    _open() {
-        const query = this._lastId === "" ? "" : `?last_event_id=${encodeURIComponent(this._lastId)}`;
-        const source = new EventSource(`/v1/events${query}`);
-        this._source = source;
-        source.onopen = () => {
-            this._retryMs = firstRetryMs;
+    // Without end: the page stands for as long as somebody looks at it, and the TV may go and come back.
+    async _listen() {
+        /** @type {number|undefined} */
+        let last;
+        let retryMs = firstRetryMs;
+        const opened = () => {
+            retryMs = firstRetryMs;
             this._onConnection(true);
         };
-        source.onerror = () => {
-            source.close();
-            this._onConnection(false);
-            setTimeout(() => this._open(), this._retryMs);
-            this._retryMs = Math.min(this._retryMs * 2, lastRetryMs);
-        };
-        for (const type of types) {
-            source.addEventListener(type, (event) => {
-                this._lastId = event.lastEventId;
-                this._onEvent(type, JSON.parse(event.data), event.lastEventId);
-            });
+        for (;;) {
+            try {
+                for await (const { id, type, data } of this._tv.events({ last, opened })) {
+                    last = id;
+                    try {
+                        this._onEvent(type, data, String(id));
+                    } catch (error) {
+                        reportError(error);  // a fault of the page's own, and none of the connection
+                    }
+                }
+            } catch {
+                this._onConnection(false);
+            }
+            await new Promise((resolve) => setTimeout(resolve, retryMs));
+            retryMs = Math.min(retryMs * 2, lastRetryMs);
         }
     }
 
-    /** Closes the stream and opens it anew from the beginning: a fresh `hello` comes. */
-    restart() {
-        this._source?.close();
-        this._lastId = "";
-        this._open();
-    }
-
     /**
-     * @param {string} command its words, such as "sim set"
+     * @param {string} command its words, such as "sim set", or a line as typed at the console
      * @param {string[]} words its arguments, each taken as it is
      * @returns {Promise<Answer>} also for a command that fails
      */
-    command(command, ...words) {
-        return this._post({ command, arguments: words });
-    }
-
-    /** @param {string} line as typed at the console @returns {Promise<Answer>} */
-    line(line) {
-        return this._post({ command: line });
+    async command(command, ...words) {
+        try {
+            return await this._tv.command(/** @type {any} */ (command), ...words);
+        } catch (error) {
+            return error instanceof CommandFailed ? error.result
+                : { command, succeeded: false, output: [], reports: [], error: String(error) };
+        }
     }
 
     /** @param {string} name @param {Record<string, string|number|boolean>} [properties] @returns {Promise<Answer>} */
@@ -78,30 +65,9 @@ export class Door {
         return this.command("request", name, ...Object.entries(properties).map(([key, value]) => `${key}=${value}`));
     }
 
-    /** @param {string} path @returns {Promise<any>} */
-    async fetch(path) {
-        const response = await fetch(path);
-        const document = await response.json();
-        if (!response.ok) {
-            throw new Error(document?.error?.reason ?? response.statusText);
-        }
-        return document;
-    }
-
-    /** @param {object} body @returns {Promise<Answer>} */
-    async _post(body) {
-        const failed = (/** @type {string} */ error) => ({ command: "", succeeded: false, output: [], reports: [], error });
-        try {
-            const response = await fetch("/v1/commands", {
-                method: "POST",
-                headers: { "Content-Type": "application/json" },
-                body: JSON.stringify(body),
-            });
-            const document = await response.json();
-            return response.ok ? document : failed(document?.error?.reason ?? response.statusText);
-        } catch (error) {
-            return failed(String(error));
-        }
+    /** The other side. @returns {Promise<any>} */
+    sim() {
+        return this._tv.sim();
     }
 }
 

@@ -119,7 +119,7 @@ export class Drawer extends HTMLElement {
         this._isStale = false;
         setAttribute(this, "aria-busy", "true");
         try {
-            tab.show(await this._page?.door.fetch("/v1/sim"));
+            tab.show(await this._page?.door.sim());
         } catch {
             // The connection is gone: its banner tells, and hello brings us back.
         }

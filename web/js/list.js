@@ -36,6 +36,7 @@ export class HomeList extends HTMLElement {
         this.focusKey = "";
         this._wasMoved = false;  // until then the focus is on the first card, whatever comes before it
         this._column = 0;
+        this._wish = "";  // what had the focus until it went away; empty: nothing, or it was moved since
         this._spacer = el("div", { class: "rows", role: "presentation" });
         /** @type {(entry: Entry) => import("./views.js").View} */
         this.viewOf = () => { throw new Error("not set"); };
@@ -51,6 +52,7 @@ export class HomeList extends HTMLElement {
             this._column = -1;
             this._wasMoved = true;
         }, { passive: true });
+        this.addEventListener("click", () => { this._wish = ""; });
         this.addEventListener("focusin", (event) => this._focused(event));
         this.addEventListener("focusout", (event) => {
             // To nowhere: the card was taken away, or the window lost the focus. It's still the list's.
@@ -95,10 +97,17 @@ export class HomeList extends HTMLElement {
     _keepFocusKey(before) {
         if (!this._wasMoved) {
             this.focusKey = this._order[0] ?? "";
+            return;
+        }
+        // A home that has just come back may begin without what comes last in it.
+        if (this._places.has(this._wish)) {
+            this.focusKey = this._wish;
+            this._wish = "";
         }
         if (this._places.has(this.focusKey)) {
             return;
         }
+        this._wish ||= this.focusKey;
         const at = before.indexOf(this.focusKey);
         let key = this._order[0] ?? "";
         for (let step = 1; at >= 0 && step < before.length; ++step) {
@@ -321,6 +330,7 @@ export class HomeList extends HTMLElement {
     /** @param {string} key */
     _setFocusKey(key) {
         if (key !== this.focusKey) {
+            this._wish = "";
             const before = this._card(this.focusKey);
             if (before !== undefined) {
                 before.button.tabIndex = -1;

@@ -295,7 +295,7 @@ export class Page {
 
     /** Takes the agent's connection away, or gives it back. */
     async switchAgent() {
-        const { agent_state: state } = await this.door.fetch("/v1/sim");
+        const { agent_state: state } = await this.door.sim();
         this.door.command("sim agent", state === "connected" ? "io-error" : "connected");
     }
 

@@ -4,7 +4,6 @@ import http.client
 import socket
 import time
 import urllib.parse
-from types import TracebackType
 from typing import Any, Self
 
 from . import _protocol as protocol
@@ -15,7 +14,7 @@ from ._protocol import Answer, CommandResult, Device, Event
 SILENCE = 45.0
 
 
-class Events:
+class Events(protocol.Closing):
     """The events of a TV from now on, as an iterator without end. The first one is `hello`, the state of everything.
 
     A connection that is lost is made anew, without a gap; ConnectionError tells that the TV is gone.
@@ -52,14 +51,6 @@ class Events:
         self._closed = True
         self._response.close()
         self._connection.close()
-
-    def __enter__(self) -> Self:
-        return self
-
-    def __exit__(
-        self, kind: type[BaseException] | None, error: BaseException | None, trace: TracebackType | None
-    ) -> None:
-        self.close()
 
     def _open(self) -> None:
         headers = {} if self._last is None else {"Last-Event-ID": str(self._last)}
@@ -98,7 +89,7 @@ class Events:
         return sock
 
 
-class TV:
+class TV(protocol.Closing):
     """A desk TV. Of any thread: each request has a connection of its own."""
 
     def __init__(self, url: str, token: str | None = None, timeout: float = 60) -> None:
@@ -158,14 +149,6 @@ class TV:
 
     def close(self) -> None:
         """Does nothing: no connection outlives its request. The clients that own a TV stop it here."""
-
-    def __enter__(self) -> Self:
-        return self
-
-    def __exit__(
-        self, kind: type[BaseException] | None, error: BaseException | None, trace: TracebackType | None
-    ) -> None:
-        self.close()
 
     def _device_if_there(self, device_id: str) -> Device | None:
         try:

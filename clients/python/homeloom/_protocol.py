@@ -5,7 +5,8 @@ import json
 import urllib.parse
 from collections.abc import Iterable, Mapping
 from dataclasses import dataclass
-from typing import Any
+from types import TracebackType
+from typing import Any, Self
 
 Value = str | int | bool
 Json = dict[str, Any]
@@ -165,6 +166,21 @@ def changes_device(event: Event, device_id: str) -> bool:
 def not_in_time(device_id: str, pattern: str, device: Device | None) -> TimeoutError:
     state = f'says "{device.state_text}"' if device else "isn't there"
     return TimeoutError(f'{device_id} {state}, and not "{pattern}"')
+
+
+class Closing:
+    """What is closed at the end of a `with`."""
+
+    def close(self) -> None:
+        raise NotImplementedError
+
+    def __enter__(self) -> Self:
+        return self
+
+    def __exit__(
+        self, kind: type[BaseException] | None, error: BaseException | None, trace: TracebackType | None
+    ) -> None:
+        self.close()
 
 
 class EventParser:

@@ -9,7 +9,9 @@ import signal
 import subprocess
 import sys
 import threading
+import urllib.request
 
+import jsonschema
 import pytest
 
 import homeloom
@@ -54,6 +56,36 @@ def test_events_come_without_a_gap(homeloom_tv: homeloom.TV) -> None:
     assert "hl_device_state_updated" in {event.name for event in seen}
 
 
+def test_all_that_the_door_tells_fits_its_schema(homeloom_tv: homeloom.TV) -> None:
+    tv = homeloom_tv
+    with urllib.request.urlopen(tv.url + "v1/schema/event") as answer:
+        schema = jsonschema.Draft202012Validator(json.load(answer))
+    commands = ["do washer", "sim driver bedside-lamp on", "sim sign-out", "sim sign-in", "sim remove device dryer"]
+    seen = set()
+    with tv.events() as events:
+        for number, command in enumerate([*commands, "do bedside-lamp"]):
+            if command == "do bedside-lamp":
+                threading.Thread(target=lambda: tv.do("bedside-lamp")).start()
+            else:
+                body = json.dumps({"id": number, "command": command}).encode()
+                request = urllib.request.Request(tv.url + "v1/commands", body, {"Content-Type": "application/json"})
+                with urllib.request.urlopen(request) as answer:
+                    schema.validate(json.load(answer))
+        for event in events:
+            schema.validate(event.data)
+            seen.add(event.type)
+            if event.type == "device_command":
+                tv.command("sim driver confirm", str(event.data["device_command"]["number"]))
+            if event.data.get("command") == "do bedside-lamp":
+                break
+    assert seen >= {"hello", "report", "command", "device_command", "sim"}
+    for left_out in (
+        {"lost": 3},
+        {"command": "x", "succeeded": True, "output": [], "reports": [], "reports_left_out": 2},
+    ):
+        schema.validate(left_out)
+
+
 def test_the_same_with_asyncio() -> None:
     async def run() -> None:
         async with await homeloom.aio.start(arguments=["--hub", "off"]) as tv:
@@ -75,7 +107,7 @@ def test_the_same_with_asyncio() -> None:
 def test_a_lamp_that_is_a_program(homeloom_tv: homeloom.TV) -> None:
     tv = homeloom_tv
     environment = {**os.environ, "PYTHONPATH": str(README.parent)}
-    command = [sys.executable, README.parent / "examples/lamp.py", tv.url, "ceiling-light"]
+    command = [sys.executable, str(README.parent / "examples/lamp.py"), tv.url, "ceiling-light"]
     with subprocess.Popen(command, env=environment, stdout=subprocess.PIPE, text=True) as lamp:
         assert lamp.stdout is not None and lamp.stdout.readline() == "(dark)\n"
         assert tv.do("ceiling-light").reports

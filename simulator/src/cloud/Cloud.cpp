@@ -30,6 +30,7 @@ constexpr std::size_t kConnections = 256;
 constexpr int kBacklog = 128;
 constexpr std::size_t kHugeBytes = std::size_t{32} << 20;
 constexpr std::size_t kBlockBytes = std::size_t{16} << 10;
+constexpr std::size_t kLongestBody = std::size_t{1} << 20;  // far above what the plug-in sends
 constexpr std::chrono::milliseconds kTrickle{20};
 constexpr char kLoopback[] = "127.0.0.1";
 
@@ -144,11 +145,13 @@ void Cloud::Server::start() {
     });
     http->new_task_queue = [] { return new ConnectionThreads(kConnections, "cloud", serve); };
     http->set_tcp_nodelay(true);
+    http->set_payload_max_length(kLongestBody);
     const auto handler = [this](const httplib::Request& request, httplib::Response& response) {
         handle(request, response);
     };
     http->Get(".*", handler).Post(".*", handler).Put(".*", handler).Delete(".*", handler);
     int socket = -1;
+    // The library's own options would let a second program share the port.
     http->set_socket_options([&socket](int file) { socket = file; });
     const int bound = http->bind_to_any_port(kLoopback);
     if (bound <= 0) {

@@ -81,12 +81,16 @@ int codeOf(const Words& words) {
     return *code;
 }
 
+bool isOfDesk(const std::string& function) {
+    const auto& names = desktop::failableFunctions();
+    return std::binary_search(names.begin(), names.end(), function);
+}
+
 // The desk's own functions can do nothing but fail.
 void fail(Desk&, const Words& words) {
     const int code = codeOf(words);
     const Place place = placeOf(words[0]);
-    const auto& names = desktop::failableFunctions();
-    if (!std::binary_search(names.begin(), names.end(), place.function)) {
+    if (!isOfDesk(place.function)) {
         setFault(words, 2, Fault::fail(code));
         return;
     }
@@ -162,6 +166,9 @@ void list(Desk& desk, const Words& words) {
                    {fault.remaining < 0 ? "" : "for " + counted(static_cast<std::size_t>(fault.remaining), "call"),
                     Tone::Dim}});
     }
+    for (const auto& [name, code] : desktop::failingCalls()) {
+        table.add({name, faultText(Fault::fail(code))});
+    }
     desk.out().say(table);
 }
 
@@ -173,6 +180,8 @@ void clear(Desk& desk, const Words& words) {
     if (words.empty()) {
         agent().clearFaults();
         desktop::passCalls();
+    } else if (isOfDesk(words[0])) {
+        desktop::passCalls(words[0]);
     } else {
         agent().clearFault(functionNamed(words[0]));
     }

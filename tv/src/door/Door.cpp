@@ -119,6 +119,7 @@ Door::Impl::Impl(const Options& options, Inbox& inbox, Output& console)
     setUpRoutes();
     if (!options.web.empty()) {
         _server.set_mount_point("/", options.web.string());
+        _server.set_mount_point("/client", options.client.string());
         // Icons stay where their package has put them; without it the page does without.
         _server.set_mount_point("/fonts", HOMELOOM_ICON_FONT_DIR);
     }

@@ -19,9 +19,10 @@ class Door {
 public:
     struct Options {
         DoorAddress address;
-        std::string token;            // empty: none is asked for
-        std::filesystem::path web;    // the page's folder; empty: there is none
-        bool consoleFollows = false;  // the console also gets what clients' commands say
+        std::string token;             // empty: none is asked for
+        std::filesystem::path web;     // the page's folder; empty: there is none
+        std::filesystem::path client;  // the folder of the JavaScript client, which the page uses
+        bool consoleFollows = false;   // the console also gets what clients' commands say
     };
 
     /// Takes the port, and hears what happens from now on; who knocks has to wait for open(). Throws std::runtime_error

@@ -5,6 +5,7 @@
 #include <ctime>
 
 #include <clock/Clock.h>
+#include <desktop/CallFaults.h>
 #include <desktop/Settings.h>
 #include <simulator/Agent.h>
 #include <simulator/Cloud.h>
@@ -122,6 +123,9 @@ json::array agentFaults() {
     for (const auto& [function, fault] : simulator::Agent::instance().faults()) {
         faults.push_back(faultJson("function", function, fault));
     }
+    for (const auto& [function, code] : desktop::failingCalls()) {
+        faults.push_back({{"function", function}, {"kind", "fail"}, {"code", code}});
+    }
     return faults;
 }
 
@@ -181,6 +185,7 @@ std::string simDocument() {
                                         {"faults", agentFaults()},
                                         {"cloud_faults", cloudFaults()},
                                         {"agent_functions", textsOf(simulator::Agent::functionNames())},
+                                        {"desk_functions", textsOf(desktop::failableFunctions())},
                                         {"cloud_endpoints", textsOf(simulator::Cloud::endpointNames())},
                                         {"signed_in", agent.isSignedIn()},
                                         {"agent_state", agentState()},

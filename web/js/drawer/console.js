@@ -55,7 +55,7 @@ export class ConsoleTab {
     /** @param {string} line */
     async _send(line) {
         this._write(`> ${line}`);
-        const answer = await this._page.door.line(line);
+        const answer = await this._page.door.command(line);
         answer.output.forEach((said) => this._write(said));
         if (answer.error) {
             this._write(`✗ ${answer.error}`);

@@ -2,6 +2,7 @@
 #define HOMELOOM_DESKTOP_CALLFAULTS_H
 
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,9 @@ inline CallRange firstCalls(int count) {
 /// Throws std::invalid_argument for a name that is no such function, and for code 0. Replaces what was set for it.
 void failCalls(const std::string& function, int code, CallRange range = {});
 void passCalls();
+void passCalls(const std::string& function);
+/// What was set so and isn't used up, with the codes.
+std::map<std::string, int> failingCalls();
 
 /// Told of each call of such a function, on the caller's thread, before anything else happens. Null takes it away.
 void setDeskCallObserver(std::function<void(const char* function)> observer);

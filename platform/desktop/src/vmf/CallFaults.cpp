@@ -142,6 +142,23 @@ void passCalls() {
     updateWatched();
 }
 
+void passCalls(const std::string& function) {
+    const std::lock_guard lock(faultsMutex);
+    faults().erase(function);
+    updateWatched();
+}
+
+std::map<std::string, int> failingCalls() {
+    const std::lock_guard lock(faultsMutex);
+    std::map<std::string, int> failing;
+    for (const auto& [function, fault] : faults()) {
+        if (fault.range.times != 0) {
+            failing[function] = fault.code;
+        }
+    }
+    return failing;
+}
+
 void setDeskCallObserver(std::function<void(const char*)> told) {
     const std::lock_guard lock(faultsMutex);
     isObserved = told != nullptr;
