@@ -25,9 +25,6 @@ using testing::IsEmpty;
 namespace {
 
 constexpr char kStreamUri[] = "/capability/videoStream/main/0";
-constexpr char kStop[] =
-    R"({"commands":[{"component":"main","capability":"videoStream","command":"stopStream","arguments":[]}]})";
-
 struct Way {
     const char* request;
     const char* device;
@@ -99,50 +96,9 @@ protected:
 
     int Count(const std::string& function) { return desk.agent.callCount("homeloom_client_" + function); }
 
-    std::vector<std::string> Conditions() {
-        std::vector<std::string> lines;
-        for (const auto& condition : desk.agent.conditions()) {
-            lines.push_back(condition.uri + " " + condition.property + " " + condition.type + " " + condition.value);
-        }
-        return lines;
-    }
-
     Desk desk{Desk::apartmentWith({"living-camera", "porch-camera", "doorbell", "washer"})};
     simulator::Cloud& cloud = desk.startCloud();
 };
-
-TEST_F(Camera, TellsItsStreamByEachWay) {
-    EXPECT_EQ(toText(*desk.ask("hl_get_avp_camera_url", {{"device_id", "living-camera"}})),
-              R"(notify hl_get_avp_camera_url device_id='living-camera' camera_stream_url=)"
-              R"('{"InHomeURL":"rtsps://streams.home.example/living-camera",)"
-              R"("OutHomeURL":"rtsps://streams.home.example/living-camera"}' access_token='token-of-mina')");
-    auto requests = cloud.requests();
-    ASSERT_EQ(requests.size(), 1u);
-    EXPECT_EQ(requests[0].host, "av.homeloom.example");
-    EXPECT_EQ(requests[0].target, "/v1/stream?source_id=living-camera");
-    EXPECT_EQ(requests[0].header("Authorization"), "Bearer token-of-mina");
-    EXPECT_EQ(requests[0].header("Content-Length"), "0");
-
-    settings::setString("db/homeloom/server/env", R"({"IoTCloud":"DEV","UiMeta":"PROD"})");
-    for (const auto& [request, device] : kOwnWays) {
-        const std::size_t subscriptions = desk.agent.subscriptions().size();
-        cloud.resetRequests();
-        EXPECT_EQ(toText(*desk.ask(request, {{"device_id", device}})),
-                  "notify " + std::string(request) + " device_id='" + device +
-                      "' camera_stream_url='rtsp://192.0.2.40/live'");
-        // Stopped before it was told, and always by way of production.
-        requests = cloud.requests();
-        ASSERT_EQ(requests.size(), 1u) << request;
-        EXPECT_EQ(requests[0].host, "api.homeloom.example");
-        EXPECT_EQ(requests[0].target, "/v1/devices/" + std::string(device) + "/commands");
-        EXPECT_EQ(requests[0].header("Authorization"), "Bearer token-of-mina");
-        EXPECT_EQ(requests[0].body, kStop);
-        EXPECT_EQ(desk.agent.value(device, kStreamUri, "liveStream"), "false");
-        EXPECT_EQ(desk.agent.subscriptions().size(), subscriptions);
-    }
-    // The doorbell's request takes the list callbacks away.
-    EXPECT_GT(Count("unset_device_list_updated_cb"), 0);
-}
 
 TEST_F(Camera, AsksTheServiceOfItsEnvironment) {
     const struct {
@@ -173,19 +129,6 @@ TEST_F(Camera, AsksForWhateverIdWithWhateverToken) {
     EXPECT_THAT(UrlOf("hl_get_avp_camera_url", camera.id), HasSubstr("rtsps://"));
     EXPECT_EQ(cloud.requests().back().target, "/v1/stream?source_id=cam%201%26x%3D%3F%23%C3%A9");
     EXPECT_EQ(cloud.requests().back().header("Authorization"), "Bearer " + account.accessToken);
-}
-
-TEST_F(Camera, WithoutAStreamAnswersAnEmptyAddress) {
-    EXPECT_EQ(UrlOf("hl_get_none_avp_camera_url", "living-camera"), "");
-    EXPECT_EQ(UrlOf("hl_get_avp_camera_url", "porch-camera"), "");
-    EXPECT_EQ(UrlOf("hl_get_avp_camera_url", "washer"), "");
-    EXPECT_THAT(cloud.requests(), IsEmpty());
-    for (const auto& [request, device] : kOwnWays) {
-        for (const char* function : {"homeloom_client_subscribe", "homeloom_client_set_remote_attributes"}) {
-            desk.agent.fault(function, Fault::fail(-5).times(1));
-            EXPECT_EQ(UrlOf(request, device), "") << request << " " << function;
-        }
-    }
 }
 
 TEST_F(Camera, SurvivesWhateverTheServiceAnswers) {
@@ -284,46 +227,6 @@ TEST_F(Camera, MayGoWhileItsStreamIsAwaited) {
     Tell("doorbell", told("rtsp://late"));
     desk.settle();
     EXPECT_THAT(desk.lines(), testing::Not(testing::Contains(HasSubstr("rtsp://late"))));
-}
-
-TEST_F(Camera, NotifiesOfOneKindAtATime) {
-    const auto change = [this](const char* request, const char* device, int type) {
-        return desk.ask(request, {{"device_id", device}, {"camera_notification_type", type}});
-    };
-    const struct {
-        int type;
-        const char* kind;
-        const char* rest;
-        const char* bundle;
-    } cases[] = {{1, "motionSensor", " value Boolean true", "MOTION"},
-                 {3, "motionSensor", " value Boolean true", "MOTION"},
-                 {2, "soundSensor", " value Boolean true", "SOUND"},
-                 {4, "objectDetection", " value String human", "HUMAN"},
-                 {8, "button", " button String pushed", "BELL"}};
-    for (const auto& [type, kind, rest, bundle] : cases) {
-        const std::string uri = "/capability/" + std::string(kind);
-        EXPECT_TRUE(change("hl_set_camera_notification", "doorbell", type)->properties.flag("result"));
-        EXPECT_THAT(Conditions(), ElementsAre(uri + "/0" + rest, uri + "/main/0" + rest)) << type;
-        const auto condition = desk.agent.conditions().front();
-        EXPECT_EQ(condition.appId, "com.norvane.tv.iot-service-notification-v2");
-        EXPECT_EQ(condition.deviceId, "doorbell");
-        EXPECT_EQ(condition.bundle, R"([{"key":"ServiceId","data":"VideoNotification"},{"key":"Type","data":")" +
-                                        std::string(bundle) + R"("},{"key":"Id","data":"doorbell"}])");
-        const auto unset = change("hl_unset_camera_notification", "doorbell", type);
-        EXPECT_TRUE(unset->properties.flag("result"));
-        EXPECT_EQ(unset->properties.number("camera_notification_type"), type);
-        EXPECT_THAT(Conditions(), IsEmpty());
-    }
-    desk.agent.resetCalls();
-    EXPECT_FALSE(change("hl_set_camera_notification", "doorbell", 16)->properties.flag("result"));
-    EXPECT_EQ(Count("app_launch_condition_create"), 0);
-    for (const char* function :
-         {"app_launch_condition_create", "app_launch_condition_set_string", "add_app_launch_condition"}) {
-        desk.agent.resetCalls();
-        desk.agent.fault("homeloom_client_" + std::string(function), Fault::fail(-5).times(1));
-        EXPECT_FALSE(change("hl_set_camera_notification", "doorbell", 1)->properties.flag("result")) << function;
-        EXPECT_EQ(Count("app_launch_condition_create"), 1) << "the twin is not tried";
-    }
 }
 
 TEST_F(Camera, IsServedAsOneForAsLongAsItsTypeSaysSo) {

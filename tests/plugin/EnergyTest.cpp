@@ -23,11 +23,8 @@ using VMFramework::json::JsonValue;
 
 namespace {
 
-constexpr int kSmartAppEvent = 4096;
-constexpr char kExecute[] = "homeloom_core_execute_installed_app";
 constexpr char kStatus[] = "homeloom_core_get_device_status";
 constexpr char kUpdated[] = "hl_energy_info_updated";
-constexpr char kEvent[] = R"({"name":"HomeLoomEnergy","installedAppId":"installed-energy"})";
 
 class EnergyRequest : public testing::Test {
 protected:
@@ -70,41 +67,6 @@ protected:
 };
 
 }  // namespace
-
-TEST_F(EnergyRequest, IsAnsweredWithTheConsumptionAndThenWithTheSavingMode) {
-    const auto first = Ask();
-    EXPECT_TRUE(first->properties.flag("result"));
-    EXPECT_THAT(DevicesOf(*first), UnorderedElementsAre("washer 9200 false", "dryer 15400 false", "aircon 61000 false",
-                                                        "purifier 3100 false", "fridge 28300 false"));
-    const auto second = desk.waitForNotify(kUpdated);
-    EXPECT_EQ(second->transaction, 0u);
-    EXPECT_TRUE(second->properties.flag("result"));
-    EXPECT_THAT(DevicesOf(*second), UnorderedElementsAre("washer 9200 true", "dryer 15400 false", "aircon 61000 true",
-                                                         "purifier 3100 false", "fridge 28300 false"));
-    EXPECT_THAT(desk.agent.calls().at(kExecute).arguments,
-                ElementsAre("installed-energy",
-                            R"({"method":"GET","apiType":"ES_API",)"
-                            R"("uri":"/v3/tv/consumped-energy-devices?period=thisMonth","parameters":{}})"));
-}
-
-TEST_F(EnergyRequest, AnEventBringsOnlyTheSecondReport) {
-    for (const char* event : {R"({"name":"Other","installedAppId":"installed-energy"})", R"({"name":7})", "{}", "[]",
-                              "no JSON", R"({"name":{}})"}) {
-        desk.agent.sendEvent(kSmartAppEvent, event);
-    }
-    desk.settle();
-    EXPECT_THAT(desk.lines(), IsEmpty());
-    EXPECT_EQ(desk.agent.callCount(kExecute), 0);
-    desk.agent.sendEvent(kSmartAppEvent, kEvent);
-    desk.settle();
-    ASSERT_THAT(desk.lines(), ElementsAre(StartsWith(std::string("notify ") + kUpdated + " result=true")));
-    EXPECT_THAT(DevicesOf(*desk.waitForNotify(kUpdated)), testing::Contains("aircon 61000 true"));
-
-    desk.mark();
-    desk.agent.fault(kExecute, Fault::fail(-5).times(1));
-    desk.agent.sendEvent(kSmartAppEvent, kEvent);
-    EXPECT_FALSE(desk.waitForNotify(kUpdated)->properties.flag("result"));
-}
 
 TEST_F(EnergyRequest, LeavesTheRequestThreadFreeForTheNext) {
     desk.agent.fault(kStatus, Fault::never());

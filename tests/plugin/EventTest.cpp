@@ -15,9 +15,7 @@ using testing::StartsWith;
 
 namespace {
 
-constexpr int kDeviceEvent = 1;
 constexpr int kLifecycle = 2;
-constexpr int kHealth = 4;
 
 class Event : public testing::Test {
 protected:
@@ -37,47 +35,10 @@ protected:
         return desk.lines();
     }
 
-    std::vector<std::string> Health(const std::string& deviceId, const std::string& status) {
-        return CausedBy(kHealth, R"({"deviceId":")" + deviceId + R"(","status":")" + status + R"("})");
-    }
-
     Desk desk{Desk::apartmentWith({"washer", "hub-plug", "hub-button", "tv-hub"})};
 };
 
 }  // namespace
-
-TEST_F(Event, HealthCountsForDevicesOfTheLocalHubOnly) {
-    EXPECT_THAT(Health("washer", "OFFLINE"), IsEmpty());
-    EXPECT_THAT(Health("hub-plug", "ONLINE"), IsEmpty());  // as it is
-    EXPECT_THAT(Health("hub-plug", "OFFLINE"), SizeIs(1));
-    EXPECT_EQ(desk.screen().stateText("hub-plug"), "Disconnected");
-    EXPECT_THAT(Health("hub-plug", "OFFLINE"), IsEmpty());
-    // A fresh reading of the values, and one notification more.
-    EXPECT_THAT(Health("hub-plug", "ONLINE"), SizeIs(testing::Ge(2U)));
-    EXPECT_EQ(desk.screen().number("hub-plug", "cloud_device_status"), 0);
-    EXPECT_THAT(Health("hub-plug", "UNKNOWN"), SizeIs(1));
-    EXPECT_EQ(desk.screen().number("hub-plug", "cloud_device_status"), 3);
-}
-
-TEST_F(Event, ADeviceEventCountsIfTheHubServesTheDeviceAndTheCanvasKnowsTheState) {
-    const struct {
-        const char* json;
-        std::size_t notifies;
-    } cases[] = {
-        {R"({"deviceId":"hub-plug","capability":"switch","stateChange":true,"valueType":"string","value":"on"})", 1},
-        {R"({"deviceId":"hub-plug","capability":"switch","stateChange":false,"valueType":"string","value":"on"})", 0},
-        {R"({"deviceId":"hub-plug","capability":"switch","stateChange":true,"valueType":"integer","value":"1"})", 0},
-        {R"({"deviceId":"hub-plug","capability":"switch","stateChange":true,"valueType":"string","value":"odd"})", 0},
-        {R"({"deviceId":"washer","capability":"switch","stateChange":true,"valueType":"string","value":"on"})", 0},
-        {R"({"deviceId":"washer","capability":"webrtc"})", 0},
-        {"no JSON", 0}};
-    for (const auto& [json, notifies] : cases) {
-        EXPECT_THAT(CausedBy(kDeviceEvent, json), SizeIs(notifies)) << json;
-    }
-    EXPECT_TRUE(desk.log.contains("parsing is failed."));
-    EXPECT_EQ(desk.screen().stateText("hub-plug"), "On");
-    EXPECT_THAT(CausedBy(8, cases[0].json), IsEmpty());  // a kind that nobody asked for
-}
 
 TEST_F(Event, OnlyAnUpdateOfTheDeviceListReadsTheHomeAnew) {
     const struct {

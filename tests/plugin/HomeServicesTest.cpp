@@ -33,28 +33,7 @@ protected:
     Desk desk{Desk::apartmentWith({"washer", "hall-motion"})};
 };
 
-// Replies without the word that counts.
-const char* const kNoSuccess[] = {R"({"message":"FAILED"})", R"({"message":["SUCCESS"]})", "{}", "[]", "SUCCESS", ""};
-
 }  // namespace
-
-TEST_F(HomeServices, ThePlatformsWordDecidesWhetherAProfileWasTaken) {
-    const Desk::Fields profile = {
-        {"push_provider", "p"}, {"push_reg_id", "r"}, {"push_app_id", "a"}, {"locale", "ko_KR"}};
-    const std::string answer = "result set_third_party_notification result=";
-    EXPECT_EQ(Ask("set_third_party_notification", profile), answer + "true");
-    EXPECT_EQ(Ask("get_third_party_notification"),
-              "result get_third_party_notification result=true push_provider='p' push_reg_id='r' push_app_id='a' "
-              "locale='ko_KR'");
-    for (const char* text : kNoSuccess) {
-        desk.agent.fault("homeloom_core_update_notification_profile", Fault::say(text));
-        EXPECT_EQ(Ask("set_third_party_notification", profile), answer + "false") << text;
-    }
-    desk.agent.fault("homeloom_core_update_notification_profile", Fault::say(R"({"message":"SUCCESS"})"));
-    EXPECT_EQ(Ask("set_third_party_notification", profile), answer + "true");
-    desk.agent.fault("homeloom_core_get_notification_profile", Fault::answer(-5));
-    EXPECT_THAT(Ask("get_third_party_notification"), HasSubstr("result=false"));
-}
 
 TEST_F(HomeServices, OnlyAListOfTextsChangesTheBlockedDevices) {
     const auto block = [&](const std::string& list) {
@@ -101,20 +80,4 @@ TEST_F(HomeServices, AChangeOfTheBlockedDevicesIsToldWhileItIsWatched) {
     EXPECT_THAT(change(), ElementsAre("notify third_party_notification_status_updated"));
     handler->UnsetThirdPartyNotificationUpdateCb();
     EXPECT_THAT(change(), IsEmpty());
-}
-
-TEST_F(HomeServices, AUsageEventIsSentOnce) {
-    const Desk::Fields event = {{"active_user_event_category", 3},
-                                {"active_user_event_action", 4},
-                                {"active_user_event_label", "label"},
-                                {"active_user_event_metadata", "{}"}};
-    EXPECT_EQ(Ask("hl_send_active_user_event", event), "notify hl_send_active_user_event result=true");
-    desk.agent.fault("homeloom_core_send_active_user_event", Fault::fail(-5));
-    EXPECT_EQ(Ask("hl_send_active_user_event", event), "notify hl_send_active_user_event result=false");
-    const auto events = desk.agent.userEvents();
-    ASSERT_EQ(events.size(), 1u);
-    EXPECT_EQ(events[0].category, 3);
-    EXPECT_EQ(events[0].action, 4);
-    EXPECT_EQ(events[0].label, "label");
-    EXPECT_EQ(desk.agent.callCount("homeloom_core_send_active_user_event"), 2) << "not tried again";
 }

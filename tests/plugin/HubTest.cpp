@@ -108,7 +108,6 @@ protected:
     std::function<void()> Event(int number, const std::string& data = "") {
         return [this, number, data] { app.hub.sendEvent(number, data); };
     }
-    std::vector<std::string> LastFields() { return app.hub.requests().back().fields; }
     long Resets() {
         app.hub.waitIdle();
         const auto requests = app.hub.requests();
@@ -130,45 +129,6 @@ protected:
 };
 
 // ---- Onboarding and reset ----
-
-TEST_F(Hub, OnboardingFromBeginningToEnd) {
-    Connect();
-    app.hub.setOnboarding(HubApp::Course::Manual);
-    app.hub.setReset(HubApp::Course::Manual);
-    const Fields place{{"hl_hub_location_id", "home"}, {"hl_hub_room_id", "living"}};
-    const std::string progress = "notify hl_hub_onboarding_progress ";
-    const std::string reset = "notify hl_reset_hub_result hl_reset_hub_result_data=";
-
-    const auto before = app.hub.requests().size();
-    Expect({progress + "hl_hub_progress=-999"}, Ask("hl_start_hub_onboarding", {{"hl_hub_location_id", ""}}));
-    Expect({progress + "hl_hub_progress=-999"}, Ask("hl_start_hub_onboarding", {{"location_id", "home"}}));
-    EXPECT_EQ(app.hub.requests().size(), before);
-
-    Expect({"result hl_start_hub_onboarding"}, Ask("hl_start_hub_onboarding", place));
-    EXPECT_THAT(LastFields(), ElementsAre("token-of-mina", "home", "living"));
-    Expect({progress + "hl_hub_agent_install_started='hub_agent_install_started'"}, Event(9));
-    Expect({progress + "hl_hub_progress=42"}, Event(0, "42"));
-    Expect({progress + "hl_hub_progress=-999"}, Event(3));
-    Expect({"result hl_stop_hub_onboarding"}, Ask("hl_stop_hub_onboarding"));
-
-    Expect({"result hl_start_hub_onboarding"}, Ask("hl_start_hub_onboarding", place));
-    app.hub.setHubInfo(R"({"hub_di":"new-hub","user_id":"jun"})");
-    Expect({progress + "hl_hub_onboarding_success_data='{}'",
-            R"(notify hl_get_hub_info hl_hub_info='{"hub_di":"new-hub","user_id":"jun"}')"},
-           Event(1, "{}"));
-    EXPECT_EQ(HubIPCProxy::GetInstance().GetHubDeviceID(), "new-hub");
-    EXPECT_EQ(HubIPCProxy::GetInstance().GetLoginIDHubOnboarded(), "jun");
-
-    Expect({"result hl_reset_hub"}, Ask("hl_reset_hub"));
-    Expect({reset + "'fail'"}, Event(5));
-    EXPECT_EQ(HubIPCProxy::GetInstance().GetHubDeviceID(), "new-hub");
-    Expect({reset + "'success'"}, Event(4));
-    EXPECT_EQ(HubIPCProxy::GetInstance().GetHubDeviceID(), "");
-    EXPECT_EQ(HubIPCProxy::GetInstance().GetLoginIDHubOnboarded(), "");
-    for (const int event : {2, 6, 7, 8, -1, 11}) {
-        Expect({}, Event(event, "1"));
-    }
-}
 
 TEST_F(Hub, BadDataOfAnEventHarmsNobody) {
     ConnectAndOnboard();
@@ -200,31 +160,6 @@ TEST_F(Hub, InfoIsPassedOnAsItStandsAndKeptIfItIsAnObject) {
 
     app.hub.setAnswers(HubApp::Answers::Malformed);
     Expect({"notify hl_get_hub_info"}, Ask("hl_get_hub_info"));
-}
-
-TEST_F(Hub, DongleIsResetAndTellsOfItself) {
-    Connect();
-    const auto before = app.hub.requests().size();
-    // The dongle's own event may come before the acknowledgement.
-    Ask("hl_reset_dongle")();
-    desk.waitForReport("the acknowledgement", [](const auto& r) { return toText(r) == "result hl_reset_dongle"; });
-    desk.waitForNotify("hl_get_hub_info");
-    desk.settle();
-    EXPECT_EQ(app.hub.requests().at(before).name, "ResetDongle");
-    Expect({kHubInfoLine}, Event(10, "attached"));
-    EXPECT_TRUE(desk.log.contains("dongle status : attached"));
-}
-
-TEST_F(Hub, ARequestThatCannotBeSentIsNotAnswered) {
-    Connect();
-    rpc::failSend(-5);
-    for (const char* name : {"hl_stop_hub_onboarding", "hl_reset_hub", "hl_reset_dongle"}) {
-        Expect({}, Ask(name));
-    }
-    Expect({}, Ask("hl_start_hub_onboarding", {{"hl_hub_location_id", "home"}}));
-    Expect({"notify hl_get_hub_info"}, Ask("hl_get_hub_info"));
-    rpc::failSend(0);
-    Expect({kHubInfoLine}, Ask("hl_get_hub_info"));
 }
 
 // ---- Connection ----
@@ -356,35 +291,6 @@ TEST_F(Hub, PackageManagerThatFailsLeavesTheConnection) {
 }
 
 // ---- Discovery ----
-
-TEST_F(Hub, DiscoveryOfDevices) {
-    desk.startAndShow();
-    desk.settle();
-    const auto start = [](const char* hub, int seconds) {
-        return Fields{{"location_id", "home"}, {"hl_hub_di", hub}, {"hl_hub_discovery_timeout", seconds}};
-    };
-    const Fields stop{{"location_id", "home"}, {"hl_hub_di", kHub}};
-    const char* const kStart = "hl_start_hub_device_discovery";
-    const char* const kStop = "hl_stop_hub_device_discovery";
-    Expect({"result hl_start_hub_device_discovery result=true hl_hub_di='tv-hub'"}, Ask(kStart, start(kHub, 30)));
-    EXPECT_THAT(desk.agent.calls().at("homeloom_core_start_hub_device_discover").arguments,
-                ElementsAre(kHub, "30", "false", "false", "1"));
-    Expect({"result hl_start_hub_device_discovery result=true hl_hub_di='tv-hub'"}, Ask(kStart, start(kHub, 0)));
-    Expect({"result hl_start_hub_device_discovery result=false hl_hub_di='nobody'"}, Ask(kStart, start("nobody", 1)));
-    Expect({"result hl_stop_hub_device_discovery result=true hl_hub_di='tv-hub'"}, Ask(kStop, stop));
-    const int calls = desk.agent.callCount("homeloom_core_start_hub_device_discover");
-    Expect({}, Ask(kStart, start("", 30)));
-    Expect({}, Ask(kStart, start(kHub, -1)));
-    Expect({}, Ask(kStop));
-    EXPECT_EQ(desk.agent.callCount("homeloom_core_start_hub_device_discover"), calls);
-    desk.agent.fault("homeloom_core_stop_hub_device_discover", Fault::fail(-5));
-    Expect({"result hl_stop_hub_device_discovery result=false hl_hub_di='tv-hub'"}, Ask(kStop, stop));
-    desk.agent.fault("homeloom_client_connect", Fault::never());
-    desk.agent.changeConnection(Agent::Connection::IoError);
-    EXPECT_TRUE(WaitFor("will start Reinit"));
-    Expect({}, Ask(kStart, start(kHub, 30)));
-    Expect({}, Ask(kStop, stop));
-}
 
 // ---- A hub that has gone from the account ----
 

@@ -26,7 +26,6 @@ namespace {
 
 constexpr char kRequest[] = "hl_get_installed_service_app_info";
 constexpr char kCatalog[] = "homeloom_core_get_catalog_app_list_async";
-constexpr char kGetString[] = "homeloom_core_installed_app_get_string";
 constexpr int kInstalledAppEvent = 2048;
 
 class ServiceApp : public testing::Test {
@@ -58,42 +57,7 @@ protected:
 
 const simulator::InstalledApp kApp = {
     "installed", "Display Name", "AUTHORIZED", "app-public-dr", "home", R"({"pluginId":"plugin"})", ""};
-constexpr char kAppJson[] =
-    R"([{"installedAppId":"installed","endpointAppId":"app-public-dr","appInternalName":"Display Name",)"
-    R"("serviceCode":"PUBLIC_DR","pluginUri":"https://plugins.home.example/dr","locationId":"home",)"
-    R"("pluginId":"plugin","renderingData":""}])";
-
 }  // namespace
-
-TEST_F(ServiceApp, AreToldByLocation) {
-    Start();
-    EXPECT_EQ(Ask(), R"([{"installedAppId":"installed-savings","endpointAppId":"app-public-dr",)"
-                     R"("appInternalName":"Savings Together","serviceCode":"PUBLIC_DR",)"
-                     R"("pluginUri":"https://plugins.home.example/dr","locationId":"home",)"
-                     R"("pluginId":"com.norvane.savings","renderingData":""}])");
-    EXPECT_THAT(Ask("parents"), testing::HasSubstr(R"("installedAppId":"installed-dr-parents")"));
-    EXPECT_EQ(Ask("nowhere"), "");
-    EXPECT_EQ(desk.agent.callCount(kCatalog), 1) << "read once";
-    desk.agent.fault("homeloom_core_get_installed_app_list_async", Fault::answer(-5));
-    EXPECT_EQ(Ask("home", false), "");
-}
-
-TEST_F(ServiceApp, AnEventTellsThemAnew) {
-    Start();
-    for (const char* event : {R"({"lifecycle":"UPDATE","locationId":"parents"})", "no JSON"}) {
-        desk.agent.sendEvent(kInstalledAppEvent, event);
-    }
-    desk.settle();
-    EXPECT_THAT(desk.lines(), IsEmpty());
-    for (const char* lifecycle : {"CREATE", "DELETE"}) {
-        desk.mark();
-        desk.agent.sendEvent(kInstalledAppEvent,
-                             R"({"locationId":"parents","lifecycle":")" + std::string(lifecycle) + R"("})");
-        const auto notify = desk.waitForNotify("hl_installed_service_app_info_updated");
-        EXPECT_EQ(notify->properties.text("location_id"), "parents");
-        EXPECT_NE(notify->properties.text("installed_service_app_info_json"), "");
-    }
-}
 
 TEST_F(ServiceApp, TheCatalogIsThatOfTheCountry) {
     Start();

@@ -74,16 +74,6 @@ TEST_F(Session, SignedOutAtFirst) {
     EXPECT_TRUE(shown.isSignedIn);
 }
 
-TEST_F(Session, WaitsForTheCloud) {
-    desk.agent.setState(2);
-    desk.start();
-    desk.waitForStatus(2);
-    desk.agent.setState(1);
-    desk.agent.changeConnection(Agent::Connection::Disconnected);
-    desk.fireTimer();
-    desk.waitForStatus(0);
-}
-
 // ---- The disclaimer ----
 
 TEST_F(Session, StaysSilentUntilTheDisclaimerIsAccepted) {
@@ -164,25 +154,6 @@ TEST_P(BadSession, IsLostAndTheMapIsBuiltAnew) {
     EXPECT_EQ(shown.status, 0);
     EXPECT_EQ(desk.log.count("start build devices"), 1);
     StartWasher(desk);
-}
-
-TEST_F(Session, GivesUpAfterTwelveTriesUntilSomethingElseConnects) {
-    desk.agent.fault(kConnect, Fault::fail(-5));
-    desk.start();
-    for (int tries = 1; tries <= 12; ++tries) {
-        EXPECT_EQ(desk.screen().status, -1);
-        desk.fireTimer();
-    }
-    desk.waitForStatus(1);
-    EXPECT_EQ(desk.agent.callCount(kConnect), 13);
-    EXPECT_EQ(desk.log.count("5 sec delayed, will start Reinit"), 12);
-    EXPECT_TRUE(desk.log.contains("retry count is max, do not execute retry logic"));
-    EXPECT_EQ(desk.armedTimers(), 0);
-
-    desk.agent.clearFaults();
-    desk.setDisclaimer(1);
-    desk.waitForStatus(0);
-    desk.waitFor("the washer", IsShown);
 }
 
 TEST_F(Session, AConnectionThatIsLetGoOfBeforeItIsHandledIsTriedAgain) {

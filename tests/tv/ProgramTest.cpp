@@ -154,51 +154,6 @@ TEST(Program, KeepsStillUntilTheDisclaimerIsAccepted) {
     EXPECT_THAT(result.output, HasSubstr("The disclaimer is not accepted"));
 }
 
-TEST(Program, PlaysTheOtherSide) {
-    const Finished result = runSteps({
-        {"sim rename device dryer New Dryer", HasSubstr("home     33 devices")},
-        {"sim move new dryer kitchen", HasSubstr("home     33 devices")},
-        {"device New Dryer", HasSubstr("room                               Kitchen\n")},
-        {"sim add device washer-2 HL-WASHER-WF24 kitchen", HasSubstr("home     34 devices")},
-        {"do washer-2", HasSubstr("washer-2: Washing")},
-        {"sim add room home Study", HasSubstr("home     34 devices")},
-        {"rooms", HasSubstr("  Study\n")},
-        {"sim status dishwasher disconnected", HasSubstr("home     34 devices")},
-        {"sim sse device-health deviceId=hub-plug status=OFFLINE",
-         HasSubstr("Reading Lamp: Disconnected (disconnected)")},
-        {"sim sse favorite {\"locationId\": \"home\"}",
-         HasSubstr("notify   hl_favorite_updated  get_favorite_result=true")},
-        {"sim sse 8 {}", HasSubstr("The plug-in reported nothing.")},
-        // Numbers outside of all that the contract's enumerations span: the undefined-behaviour sanitizer reads along.
-        {"sim sse -1 {}", HasSubstr("The plug-in reported nothing.")},
-        {"sim agent -7", HasSubstr("The plug-in reported nothing.")},
-        {"sim agent 524289", HasSubstr("The plug-in reported nothing.")},
-        {"setting db/menu_widget/language ko_KR.utf8", _},
-        {"sim set washer /operational/state/vs/0 x.com.norvane.da.state Pause", HasSubstr("Washer: 일시정지")},
-        {"sim fail set_remote_attributes -5 1", _},
-        {"sim faults", HasSubstr("homeloom_client_set_remote_attributes  fails with -5  for 1 call")},
-        {"do washer", HasSubstr("failed: the plug-in could not do it")},
-        {"do  washer", HasSubstr("result=true")},
-        {"sim calls set_remote_attributes", HasSubstr("    3  homeloom_client_set_remote_attributes")},
-        {"sim clear", _},
-        {"request hl_get_device_info device_id=washer", HasSubstr("state    Washer: ")},
-        {"request hl_get_accesstoken_uid", HasSubstr("access_token=token-of-mina uid=user-mina")},
-        {"sim update start", _},
-        {"request hl_create_room location_id=home room_name=Attic", HasSubstr("failed: no answer came")},
-        {"sim update end", HasSubstr("home     34 devices")},
-        {"sim  update end", "The plug-in was connected already."},
-        {"sim remove device washer-2", _},
-        {"scan", AllOf(HasSubstr("home     33 devices"), HasSubstr("What has changed:\n  devices/washer-2  {"))},
-        {"sim remove device oven", _},
-        {"models", ContainsRegex("HL-OVEN-OV7 +Norvane Oven +oic.d.oven +0 devices\n")},
-        {"sim add device oven-2 HL-OVEN-OV7 kitchen", HasSubstr("home     33 devices")},
-        {"device oven-2", AllOf(ContainsRegex("icon_url +oven.svg"), ContainsRegex("type +oic.d.oven"))},
-        {"setting memory/velmora/hl_dev_exist", HasSubstr("hl_dev_exist_true")},
-        {"sim sign-in jun@home.example", HasSubstr("account  signed out\naccount  signed in")},
-    });
-    EXPECT_THAT(result.output, Not(HasSubstr("left behind")));
-}
-
 TEST(Program, WorksTheHubControlApplication) {
     runSteps({
         {"sim hub info", HasSubstr(R"({"hub_di":"","user_id":""})")},
@@ -323,22 +278,6 @@ TEST(Program, ComparesSettledRuns) {
     const std::string first = transcript();
     EXPECT_EQ(withoutHome(first), withoutHome(transcript()));
     EXPECT_THAT(first, HasSubstr(R"("id":"washer","name":"Washer","nick":"Washer","type":"oic.d.washer",)"));
-}
-
-TEST(Program, LetsTheCloudMisbehave) {
-    // The same request, told apart by its blanks.
-    runSteps({{"sim cloud fail stream:living 500 1", _},
-              {"sim cloud faults", HasSubstr("stream:living  fails with 500  for 1 request")},
-              {"request hl_get_avp_camera_url device_id=living-camera", HasSubstr("failed: ")},
-              {"sim cloud requests reset", _},
-              {"sim cloud down", _},
-              {"request  hl_get_avp_camera_url device_id=living-camera", HasSubstr("failed: ")},
-              {"sim cloud up", _},
-              {"request   hl_get_avp_camera_url device_id=living-camera", HasSubstr("rtsps://")},
-              {"sim cloud requests", "POST  av.homeloom.example/v1/stream?source_id=living-camera"},
-              {"sim cloud cut strem", HasSubstr("no endpoint strem; there are commands, devices")},
-              {"sim cloud fail stream 200", HasSubstr("\"200\" is no code of a failure")},
-              {"sim cloud delay stream", HasSubstr("usage: sim cloud delay ENDPOINT[:PART] TIME [REQUESTS]")}});
 }
 
 TEST(Program, SendsEveryRequestByItsName) {

@@ -156,18 +156,33 @@ bool runAtOnce(const std::string& line) {
     return true;
 }
 
+namespace {
+
+void settle(Desk& desk, std::string& error) {
+    try {
+        desk.settle();
+    } catch (const CommandError& e) {
+        error = error.empty() ? e.what() : error;
+    }
+}
+
+}  // namespace
+
 bool runLine(Desk& desk, const std::string& line) {
     Output& out = desk.out();
     desk.pump();
     out.beginCommand(line);
+    std::string error;
     try {
         runCommand(desk, line);
-        out.endCommand("", desk.home());
-        return true;
     } catch (const CommandError& e) {
-        out.endCommand(e.what(), desk.home());
-        return false;
+        error = e.what();
     }
+    if (out.wantsWholeSteps() && !desk.hasQuit()) {
+        settle(desk, error);
+    }
+    out.endCommand(error, desk.home());
+    return error.empty();
 }
 
 }  // namespace homeloom::tv

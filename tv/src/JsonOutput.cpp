@@ -86,6 +86,8 @@ public:
 
     void endStart(const HomeView& home) override { writeStep(home); }
 
+    bool wantsWholeSteps() const override { return _settled; }
+
     void beginCommand(const std::string& line) override {
         _command = line;
         _said.clear();

@@ -30,6 +30,8 @@ public:
     const Style& style() const { return _style; }
     /// Reports aren't shown for as long as it is muted, where people read.
     virtual void mute(bool muted) { _muted = muted; }
+    /// Whether a command's step shall hold all that it caused, and not only what it waited for itself.
+    virtual bool wantsWholeSteps() const { return false; }
 
 protected:
     bool isMuted() const { return _muted; }

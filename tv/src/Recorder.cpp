@@ -26,6 +26,29 @@ std::string withoutPorts(const std::string& text) {
                : std::regex_replace(text, port, "$1:PORT");
 }
 
+// Whether a device has an empty text or none depends on what came first, its list or its metadata; to the screen it is
+// the same.
+JsonValue withoutEmptyTexts(const JsonValue& home) {
+    JsonValue devices = JsonValue::CreateArray();
+    const JsonValue all = home["devices"];
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        const JsonValue device = all[i];
+        JsonValue kept = JsonValue::CreateObject();
+        for (const std::string& name : device.getMemberNames()) {
+            const JsonValue value = device[name];
+            if (!value.isString() || !value.asString().empty()) {
+                kept.set(name, value);
+            }
+        }
+        devices.append(kept);
+    }
+    JsonValue result = JsonValue::CreateObject();
+    for (const std::string& name : home.getMemberNames()) {
+        result.set(name, name == "devices" ? devices : home[name]);
+    }
+    return result;
+}
+
 std::string lineOf(const char* name, const std::string& text) {
     return fmt::format("{{\"{}\":{}}}", name, JsonValue(text).toString());
 }
@@ -43,7 +66,7 @@ void Recorder::writeStep(const HomeView& home) {
     for (const std::string& call : _step.take(home)) {
         line(call);
     }
-    JsonValue now = JsonValue::Create(jsonLine(home))["home"];
+    JsonValue now = withoutEmptyTexts(JsonValue::Create(jsonLine(home))["home"]);
     if (_view != nullptr || !_brief) {
         for (const Difference& difference : differences(_home, now)) {
             const std::string place = JsonValue(difference.place).toString();

@@ -33,6 +33,7 @@ public:
     void say(const std::string& line) override;
     void report(const Report& report, const HomeView& home) override;
     void mute(bool muted) override;
+    bool wantsWholeSteps() const override { return true; }
 
     /// The session ends: what was still reported is written. The desk is still there.
     void end();

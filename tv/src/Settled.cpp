@@ -16,6 +16,9 @@ using VMFramework::json::JsonValue;
 // The devices of an energy service come in any order, inside the text of a property.
 constexpr char kEnergyDevices[] = "energyInfoJson";
 
+// More than any step has.
+constexpr std::size_t kUntied = 1U << 30U;
+
 Value ordered(const Value& value) {
     const auto* const text = std::get_if<std::string>(&value);
     if (text == nullptr || text->find(kEnergyDevices) == std::string::npos) {
@@ -49,7 +52,9 @@ Report ordered(Report report) {
 void SettledStep::add(const Report& report) {
     const bool isState = report.kind == Report::Kind::Notify && report.name == "hl_device_state_updated";
     const bool replaces = isState || report.kind == Report::Kind::DeviceList;
-    const Key key(report.kind, report.name, report.properties.text("device_id"), replaces ? 0 : _reports.size());
+    // An answer may come before or after what it tells of, since they come from different threads.
+    const std::size_t number = _reports.size() + (report.transaction == 0 ? kUntied : 0);
+    const Key key(report.kind, report.name, report.properties.text("device_id"), replaces ? 0 : number);
     _reports[key] = jsonLine(ordered(report));
     _hasList = _hasList || report.kind == Report::Kind::DeviceList;
 }

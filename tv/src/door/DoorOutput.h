@@ -32,6 +32,7 @@ public:
     void say(const std::string& line) override;
     void report(const Report& report, const HomeView& home) override;
     void mute(bool muted) override;
+    bool wantsWholeSteps() const override { return _console.wantsWholeSteps(); }
 
 private:
     bool reachesConsole() const { return _client == nullptr || _followsClients; }
