@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstring>
 #include <mutex>
 
 #include <desktop/CallFaults.h>
@@ -17,12 +18,17 @@ namespace {
 using simulator::Agent;
 using VMFramework::json::JsonValue;
 
+constexpr char kServiceManager[] = "norvane_svcmgr_";
+
 bool endsWith(const std::string& text, const std::string& end) {
     return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
 
 // Functions that only look at a record, or end it, wait for nobody.
 bool canWait(const std::string& function) {
+    if (function.compare(0, std::strlen(kServiceManager), kServiceManager) == 0) {
+        return false;  // the host's own thread calls it
+    }
     for (const char* const end :
          {"_get_string", "_get_int", "_get_string_array", "_set_string", "_create", "_destroy"}) {
         if (endsWith(function, end)) {

@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <simulator/Agent.h>
+
 #include "RequestTable.h"
 
 namespace homeloom::sweep {
@@ -12,6 +14,9 @@ namespace {
 namespace framework = desktop::framework;
 using tv::RequestSpec;
 
+// With this the plug-in lets go of the session, and of all that it still waits for there.
+constexpr char kDisconnect[] = "homeloom_client_disconnect";
+
 }  // namespace
 
 RequestLog::RequestLog() {
@@ -19,14 +24,27 @@ RequestLog::RequestLog() {
     framework::setRequestObserver(
         [this](framework::TransactionId id, const std::string& name, const desktop::Fields& arguments) {
             const std::lock_guard<std::mutex> lock(_mutex);
-            _requests[id].name = name;
-            _requests[id].device = arguments.text("device_id");
+            _requests[id] = {name, arguments.text("device_id"), false, !isMet(name)};
+        });
+    _callObserver = simulator::Agent::instance().addCallObserver(
+        [this](const std::string& function, const std::vector<std::string>&) {
+            if (function == kDisconnect) {
+                noteEndOfSession();
+            }
         });
 }
 
 RequestLog::~RequestLog() {
+    simulator::Agent::instance().removeCallObserver(_callObserver);
     framework::setRequestObserver(nullptr);
     framework::removeListener(_listener);
+}
+
+void RequestLog::noteEndOfSession() {
+    const std::lock_guard<std::mutex> lock(_mutex);
+    for (auto& [id, request] : _requests) {
+        request.lackedNeed = request.lackedNeed || _answers.count(id) == 0;
+    }
 }
 
 void RequestLog::note(const framework::Report& report) {
@@ -34,10 +52,28 @@ void RequestLog::note(const framework::Report& report) {
     if (report.transaction != 0) {
         _answers[report.transaction].push_back(report.name);
     }
+    if (report.name == "sign_in_state_changed") {
+        _isSignedIn = report.properties.flag("is_sign_in");
+    }
     if (report.name == "hl_device_state_updated") {
         for (auto& [id, request] : _requests) {
             request.hasState = request.hasState || request.device == report.properties.text("device_id");
         }
+    }
+}
+
+bool RequestLog::isMet(const std::string& request) const {
+    const RequestSpec* const spec = tv::findRequest(request);
+    const RequestSpec::Need need = spec != nullptr ? spec->need : RequestSpec::Need::Nothing;
+    // Nobody is signed in for the plug-in without a connection.
+    return need == RequestSpec::Need::Nothing ||
+           (simulator::Agent::instance().isConnected() && (need == RequestSpec::Need::ConnectedAgent || _isSignedIn));
+}
+
+void RequestLog::look() {
+    const std::lock_guard<std::mutex> lock(_mutex);
+    for (auto& [id, request] : _requests) {
+        request.lackedNeed = request.lackedNeed || (_answers.count(id) == 0 && !isMet(request.name));
     }
 }
 
@@ -61,7 +97,9 @@ std::vector<Problem> RequestLog::judge() const {
         };
         const bool isAnswered = spec->answer == RequestSpec::Answer::State ? request.hasState : !answers.empty();
         if (spec->answer != RequestSpec::Answer::None && !isAnswered) {
-            add("was not answered");
+            if (!request.lackedNeed) {
+                add("was not answered");
+            }
         } else if (spec->answer == RequestSpec::Answer::None && isAnswered) {
             add(fmt::format("was answered: {}", fmt::join(answers, ", ")));
         } else if (answers.size() > 1) {

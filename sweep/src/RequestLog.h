@@ -23,6 +23,8 @@ public:
     RequestLog& operator=(const RequestLog&) = delete;
 
     int count() const;
+    /// To be called after each command: who lacked something by then that the plug-in needs may remain unanswered.
+    void look();
     /// What is wrong with the answers that have come so far, by the table of requests.
     std::vector<Problem> judge() const;
 
@@ -30,15 +32,20 @@ private:
     struct Request {
         std::string name;
         std::string device;
-        bool hasState = false;  // the device's state was told since
+        bool hasState = false;    // the device's state was told since
+        bool lackedNeed = false;  // without which there is no answer, or its session ended
     };
 
     void note(const desktop::framework::Report& report);
+    bool isMet(const std::string& request) const;
+    void noteEndOfSession();
 
     mutable std::mutex _mutex;
     std::map<desktop::framework::TransactionId, Request> _requests;
     std::map<desktop::framework::TransactionId, std::vector<std::string>> _answers;  // their names
+    bool _isSignedIn = false;                                                        // as the plug-in told
     int _listener = 0;
+    int _callObserver = 0;
 };
 
 }  // namespace homeloom::sweep

@@ -19,8 +19,7 @@ namespace {
 
 // After this, whatever a fault has kept waiting has come or is given up, retries included.
 constexpr std::chrono::seconds kHealTime{120};
-// A quarter of a minute above the longest that anything under way may take.
-constexpr std::chrono::seconds kUnloadLimit{30};
+constexpr std::chrono::seconds kSettleLimit{30};
 
 void addAll(std::vector<Problem>& problems, Judge judge, const std::vector<std::string>& texts) {
     for (const std::string& text : texts) {
@@ -37,7 +36,7 @@ public:
         {
             // Faults may hit from the first call on.
             const CallCounter calls;
-            const RequestLog requests;
+            RequestLog requests;
             for (const Place& fault : _faults) {
                 arm(fault);
             }
@@ -74,10 +73,11 @@ private:
         }
     }
 
-    void playScript(tv::Desk& desk, const CallCounter& calls, const RequestLog& requests) {
+    void playScript(tv::Desk& desk, const CallCounter& calls, RequestLog& requests) {
         settleStart(desk);
         for (const std::string& line : _script) {
             runLine(desk, line);
+            requests.look();
         }
         _verdict.census = calls.census();
         _verdict.calls = calls.count();
@@ -95,7 +95,10 @@ private:
         _afterSignIn = tv::jsonLine(desk.home());
     }
 
-    static void passTime(tv::Desk& desk) { desk.settle(kHealTime); }
+    static void passTime(tv::Desk& desk) {
+        desk.watch(kHealTime);
+        desk.settle(kSettleLimit);
+    }
 
     // That a command fails where something goes wrong is as it should be.
     void runLine(tv::Desk& desk, const std::string& line) {

@@ -2,11 +2,13 @@
 #define HOMELOOM_SWEEP_STAGE_H
 
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include <clock/Turner.h>
 #include <simulator/Home.h>
 
 #include "CloudHost.h"
@@ -49,6 +51,8 @@ public:
 private:
     void prepare();
 
+    // Nobody here waits for a person: time goes on as soon as everything rests.
+    const clock::Turner _turner;
     const StageOptions _options;
     const simulator::Home _home;
     std::optional<tv::HubHost> _hub;
@@ -66,6 +70,8 @@ void settleStart(tv::Desk& desk);
 void runScriptLine(tv::Desk& desk, const std::string& line);
 /// Threads of this process.
 int threadCount();
+/// The time by this machine's clock, which no stage turns.
+std::chrono::steady_clock::time_point machineNow();
 
 /// Finds a file of the product, installed or in the sources around a build tree: "homes/apartment.json". Throws
 /// std::runtime_error if there is none.

@@ -7,6 +7,7 @@
 #include "Options.h"
 #include "Runner.h"
 #include "Session.h"
+#include "Soak.h"
 #include "Storm.h"
 #include "Storms.h"
 #include "Sweep.h"
@@ -44,6 +45,9 @@ int runStorm(const Options& options) {
 }
 
 int run(Options options) {
+    if (options.soak > 0) {
+        return soak(options);
+    }
     if (options.storm) {
         return runStorm(options);
     }
