@@ -35,12 +35,7 @@ Function symbol(void* library, const char* name) {
 Desk::Desk(simulator::Home home) {
     simulator::Agent::instance().load(std::move(home));
     homeloom::desktop::settings::setInt("db/menu/glade_deck/homedatacontrol/defaultdisclaimeragree", 1);
-    _library = dlopen(HOMELOOM_PLUGIN_PATH, RTLD_NOW | RTLD_LOCAL);
-    if (_library == nullptr) {
-        fail(dlerror());
-    }
-    _createPlugin = symbol<bool (*)()>(_library, "CreatePlugin");
-    _destroyPlugin = symbol<bool (*)()>(_library, "DestroyPlugin");
+    open();
     framework::keepReports(1);  // the desk's memory and time are not what is measured
     _listener = framework::addListener([this](const framework::ReportPtr& report) {
         if (report->kind == framework::Report::Kind::DeviceList) {
@@ -56,6 +51,15 @@ Desk::~Desk() {
     framework::removeListener(_listener);
     simulator::Agent::instance().reset();
     homeloom::desktop::settings::reset();
+}
+
+void Desk::open() {
+    _library = dlopen(HOMELOOM_PLUGIN_PATH, RTLD_NOW | RTLD_LOCAL);
+    if (_library == nullptr) {
+        fail(dlerror());
+    }
+    _createPlugin = symbol<bool (*)()>(_library, "CreatePlugin");
+    _destroyPlugin = symbol<bool (*)()>(_library, "DestroyPlugin");
 }
 
 void Desk::create() {

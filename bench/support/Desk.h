@@ -36,6 +36,8 @@ public:
     static void waitForRest();
     /// destroy(), and closes the library: nothing of the plug-in is left.
     void close();
+    /// Opens the library again after close(). The home is as it was.
+    void open();
 
 private:
     void* _library = nullptr;
