@@ -262,6 +262,10 @@ TEST_F(Groups, RequestsAreAnsweredAsTheAgentAnswers) {
         EXPECT_THAT(Reported(), ElementsAre("notify " + std::string(row.name) + "=true" + row.fields + row.more));
         EXPECT_THAT(agent.Calls(operation), ElementsAre(row.call, row.call));
     }
+    // An id that is no text is none.
+    agent.answers["DeleteCoreScene"].texts = {R"({"id":{}})"};
+    scenes.DeleteScene(nullptr, "flat", "tea");
+    EXPECT_THAT(Reported(), ElementsAre("notify hl_delete_scene result=true location_id='flat'"));
 }
 
 TEST_F(Groups, WhatTheSceneDidDecidesAndNotTheCode) {
