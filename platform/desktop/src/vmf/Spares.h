@@ -22,7 +22,7 @@ public:
         return object;
     }
 
-    void give(std::unique_ptr<Object> object) {
+    void give([[maybe_unused]] std::unique_ptr<Object> object) {
 #ifndef __SANITIZE_ADDRESS__
         if (_objects.size() < MAX_SPARES) {
             _objects.push_back(std::move(object));
