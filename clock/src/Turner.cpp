@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <optional>
 #include <thread>
 
 #include "clock/Clock.h"
@@ -14,15 +15,18 @@ namespace {
 // Held while a turner turns, so that none does once a pause has begun.
 std::mutex pausing;
 int pauses = 0;
+unsigned long pausesBegun = 0;
 
-bool isPaused() {
+/// The number of pauses up to now, or nothing while one lasts.
+std::optional<unsigned long> unpaused() {
     const std::lock_guard<std::mutex> lock(pausing);
-    return pauses > 0;
+    return pauses == 0 ? std::make_optional(pausesBegun) : std::nullopt;
 }
 
-bool leapUnlessPaused() {
+// A pause that came and went since then may have known of the same rest, and wanted the clock to stand.
+bool leapUnlessPausedSince(unsigned long begun) {
     const std::lock_guard<std::mutex> lock(pausing);
-    return pauses == 0 && leapToNextDeadline();
+    return pauses == 0 && pausesBegun == begun && leapToNextDeadline();
 }
 
 }  // namespace
@@ -30,6 +34,7 @@ bool leapUnlessPaused() {
 Turner::Pause::Pause() {
     const std::lock_guard<std::mutex> lock(pausing);
     ++pauses;
+    ++pausesBegun;
 }
 
 Turner::Pause::~Pause() {
@@ -64,7 +69,8 @@ void Turner::turn() {
     while (!_isOver) {
         lock.unlock();
         // A program that never rests, since somebody asks for the time again and again, needs it to go on all the more.
-        const bool hasTurned = !isPaused() && (isAtRest() || limit.isReached()) && leapUnlessPaused();
+        const auto begun = unpaused();
+        const bool hasTurned = begun && (isAtRest() || limit.isReached()) && leapUnlessPausedSince(*begun);
         lock.lock();
         if (hasTurned) {
             nap = kShortestNap;
