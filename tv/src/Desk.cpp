@@ -1,7 +1,6 @@
 #include "Desk.h"
 
 #include <algorithm>
-#include <optional>
 
 #include <clock/Clock.h>
 #include <clock/Rest.h>
@@ -44,17 +43,19 @@ public:
         const clock::Exempt exempt;
         const auto now = std::chrono::steady_clock::now();
         if (desktop::web::requestsUnderWay() <= simulator::Cloud::instance().pendingRequests()) {
-            _since.reset();
-        } else if (!_since) {
+            _isUnderWay = false;
+        } else if (!_isUnderWay) {
+            _isUnderWay = true;
             _since = now;
         }
-        return _since && now - *_since < kLongestDelivery;
+        return _isUnderWay && now - _since < kLongestDelivery;
     }
-    void restart() { _since.reset(); }
+    void restart() { _isUnderWay = false; }
 
 private:
     static constexpr std::chrono::seconds kLongestDelivery{2};
-    std::optional<std::chrono::steady_clock::time_point> _since;
+    bool _isUnderWay = false;
+    std::chrono::steady_clock::time_point _since;
 };
 
 // In the machine's time: what comes may come while the clock stands.
