@@ -1,8 +1,17 @@
 // A week of a home's life: ten million events over 200 devices, with persons, sign-outs, agent updates and faults among
 // them. What the plug-in holds at the end must be what a plug-in holds that has lived in the same home for three hours.
 // The clock is turned, so that a week takes as long as its events need. The argument says how many hours are lived.
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <iterator>
+#include <random>
+#include <string>
+#include <system_error>
+#include <vector>
 
 #include <clock/Clock.h>
 #include <clock/Rest.h>
@@ -12,15 +21,6 @@
 #include <simulator/Agent.h>
 #include <simulator/HomeLoader.h>
 #include <simulator/ServiceManager.h>
-
-#include <array>
-#include <atomic>
-#include <chrono>
-#include <cstdlib>
-#include <random>
-#include <string>
-#include <system_error>
-#include <vector>
 
 #include "support/Desk.h"
 #include "support/Figures.h"
@@ -158,7 +158,7 @@ private:
 
     // One function of the agent fails for a while, in one of the ways in which it can.
     void misfortune() {
-        const auto& names = simulator::Agent::functionNames();
+        const auto& names = _mayFail;
         const std::array<simulator::Fault, 6> faults = {
             simulator::Fault::fail(-5),  simulator::Fault::answer(-5), simulator::Fault::say("no document {"),
             simulator::Fault::late(31s), simulator::Fault::twice(),    simulator::Fault::null()};
@@ -188,7 +188,16 @@ private:
         clk::advance(kWhile);
     }
 
+    // A record whose destruction fails stays: the agent's doing, and nobody's leak.
+    static std::vector<std::string> allButDestroyers() {
+        std::vector<std::string> names = simulator::Agent::functionNames();
+        const auto destroys = [](const std::string& name) { return name.find("_destroy") != std::string::npos; };
+        names.erase(std::remove_if(names.begin(), names.end(), destroys), names.end());
+        return names;
+    }
+
     const simulator::Home& _home;
+    const std::vector<std::string> _mayFail = allButDestroyers();
     std::mt19937 _lot{1};
     long _events = 0;
 };

@@ -142,13 +142,6 @@ std::variant<Options, int> parseOptions(int argc, char** argv) {
         ->type_name("N")
         ->check(CLI::Range(1, 1000000))
         ->group(others);
-    app.add_option("--soak", options.soak,
-                   "A home of 200 devices, or the given one, lives for so many minutes of the machine, "
-                   "a week in about a quarter of an hour, and may not hold more at the end than "
-                   "after its first hour")
-        ->type_name("MINUTES")
-        ->check(CLI::Range(1, 100000))
-        ->group(others);
     app.add_option("--unload-at", options.unloadAt,
                    "The same at the plug-in's call of that number; may be given more than once")
         ->type_name("CALL")

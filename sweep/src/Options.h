@@ -41,7 +41,6 @@ struct Options {
     bool printsStorm = false;
 
     int unload = 0;  // moments; 0: none
-    int soak = 0;    // minutes of the machine; 0: none
 
     // One run, in this process
     std::vector<Place> faults;

@@ -3,11 +3,11 @@
 #include <glib.h>
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <stdexcept>
 #include <thread>
 
-#include <clock/Clock.h>
 #include <desktop/Framework.h>
 #include <desktop/Guard.h>
 #include <desktop/Settings.h>
@@ -134,11 +134,6 @@ void runScriptLine(tv::Desk& desk, const std::string& line) {
     const bool waits = line.size() < 2 || line.compare(line.size() - 2, 2, " &") != 0;
     desk.setLimit(waits ? kCommandLimit : std::chrono::seconds(0));
     tv::runCommand(desk, waits ? line : line.substr(0, line.size() - 2));
-}
-
-std::chrono::steady_clock::time_point machineNow() {
-    const clock::Exempt exempt;
-    return std::chrono::steady_clock::now();
 }
 
 int threadCount() {

@@ -2,7 +2,6 @@
 #define HOMELOOM_SWEEP_STAGE_H
 
 #include <atomic>
-#include <chrono>
 #include <functional>
 #include <optional>
 #include <string>
@@ -70,8 +69,6 @@ void settleStart(tv::Desk& desk);
 void runScriptLine(tv::Desk& desk, const std::string& line);
 /// Threads of this process.
 int threadCount();
-/// The time by this machine's clock, which no stage turns.
-std::chrono::steady_clock::time_point machineNow();
 
 /// Finds a file of the product, installed or in the sources around a build tree: "homes/apartment.json". Throws
 /// std::runtime_error if there is none.

@@ -7,7 +7,6 @@
 #include "Options.h"
 #include "Runner.h"
 #include "Session.h"
-#include "Soak.h"
 #include "Storm.h"
 #include "Storms.h"
 #include "Sweep.h"
@@ -45,9 +44,6 @@ int runStorm(const Options& options) {
 }
 
 int run(Options options) {
-    if (options.soak > 0) {
-        return soak(options);
-    }
     if (options.storm) {
         return runStorm(options);
     }
