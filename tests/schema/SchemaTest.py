@@ -26,7 +26,9 @@ GOOD: Any = {
             "resources": {"/x": {"on": True, "level": 5, "options": {"type": "Object", "value": {}}}, "_comment": ""},
             "reactions": [{"when": {"/x": {"on": None}}, "set": {"/x": {"level": 9}}, "after_ms": 10}],
             "commands": [{"capability": "switch", "command": "on", "set": {"/x": {"on": True}}}],
-            "confirms": [{"when": {"/x": {"on": None}}, "refuses": True, "after_ms": 10, "set": {"/x": {"level": None}}}],
+            "confirms": [
+                {"when": {"/x": {"on": None}}, "refuses": True, "after_ms": 10, "set": {"/x": {"level": None}}}
+            ],
         }
     ],
     "devices": [{"id": "d", "vid": "m", "location": "l", "status": "hidden", "resources": {"/x": {"level": 7}}}],

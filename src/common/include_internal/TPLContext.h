@@ -197,11 +197,10 @@ bool CContext<T>::_InvokeJob(const std::shared_ptr<CJob>& job, Invoker& invoker)
     bool entered = false;
     try {
         const std::shared_ptr<T> owner(_owner);
-        const auto process = [this, &owner, &entered] {
+        invoker.Invoke([this, owner, &entered] {
             entered = true;
             _ProcessJob();
-        };
-        invoker.Invoke(std::ref(process));
+        });
     } catch (...) {
         if (!entered) {
             // Once entered, _ProcessJob has cleared the flag itself. Clearing it twice could take it from a
