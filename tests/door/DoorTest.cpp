@@ -55,6 +55,7 @@ TEST(DoorTest, TellsTheHomeAndWhatACommandChangesInIt) {
 TEST(DoorTest, LetsAProgramStandBehindADevice) {
     Program program;
     Listener listener(program);
+    listener.next("hello");
     program.post("sim driver bedside-lamp on", kText);
     JsonValue done;
     const auto command = [&] {
@@ -87,6 +88,7 @@ TEST(DoorTest, LetsAProgramStandBehindADevice) {
 TEST(DoorTest, ShowsTheOtherSide) {
     const Program program;
     Listener listener(program);
+    listener.next("hello");
     EXPECT_TRUE(program.post("sim fail homeloom_core_execute_scene_async -5 2", kText)["succeeded"].asBool());
     listener.next("sim");
     program.post("sim set kitchen-plug value=on", kText);
