@@ -111,12 +111,14 @@ Desk::Ending Desk::wait(const std::function<bool(const Report&)>& sees, millisec
             throw CommandError("interrupted");
         }
         const bool isStanding = clock::isStanding();
+        // Asked before the rest: an answer that is given between the two is seen as owed, or as work.
+        const bool isHopeless = patience == Patience::Hope && !answersArePending();
         const bool rests =
             (clock::isAtRest() && _inbox.activity() == activity && !network.delivers()) || workLimit.isReached();
         if (clock::now() >= end && (rests || !isStanding)) {
             return Ending::Limit;
         }
-        if (rests && (patience == Patience::Rest || (patience == Patience::Hope && !answersArePending()))) {
+        if (rests && (patience == Patience::Rest || isHopeless)) {
             return Ending::Rest;
         }
         if (!rests || !isStanding) {
