@@ -86,7 +86,7 @@ void CHomeLoomClient::_DisconnectHLClient() {
 
 void CHomeLoomClient::_RequestService(const std::shared_ptr<CTransaction>& transaction) {
     HL_TRACE(this);
-    try {
+    Guarded([&] {
         const std::string name = transaction->GetRequestPropertyList()->GetName();
         if (name.empty()) {
             throw CException("property_name is empty!", kErrorEmptyArgument);
@@ -103,9 +103,7 @@ void CHomeLoomClient::_RequestService(const std::shared_ptr<CTransaction>& trans
         }
         HL_LOGI("normal request : %s", name.c_str());
         _normalDispatcher.EnqueueData([this, name, transaction] { _RunRequest(name, transaction); }, name);
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    });
 }
 
 void CHomeLoomClient::_RunRequest(const std::string& name, const std::shared_ptr<CTransaction>& transaction) {

@@ -85,13 +85,7 @@ void CHomeLoomClient::_MakeRequestHandlerMap() {
     add(HL_ONBOARD_IR_DEVICE, &Client::OnboardIrDevice, WholeList{});
 
     // Device control
-    _requestHandlers[HL_DO_MAIN_ACTION] = [this](const Transaction& transaction) {
-        HL_LOGI("%s", HL_DO_MAIN_ACTION);
-        const auto list = transaction->GetRequestPropertyList();
-        const std::string actionUrl = list->GetString(ACTION_URL);
-        const std::string deviceId = list->GetString(DEVICE_ID);
-        _client.SetProperty(transaction, deviceId, actionUrl);
-    };
+    add(HL_DO_MAIN_ACTION, &Client::SetProperty, Text{DEVICE_ID}, Text{ACTION_URL});
     _requestHandlers[HL_GET_DEVICE_INFO] = [this](const Transaction& transaction) {
         HL_LOGI("%s", HL_GET_DEVICE_INFO);
         // The answer is the state notification that the reading causes; the request itself gets none.

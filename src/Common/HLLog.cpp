@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 #include "Common/CException.h"
 
@@ -18,6 +19,12 @@ constexpr std::size_t kTraceLineSize = 1024;
 const char* BaseName(const char* path) {
     const char* slash = std::strrchr(path, '/');
     return slash != nullptr ? slash + 1 : path;
+}
+
+// "createCanvas" of "VMFramework::HomeLoom::HomeloomClient::createCanvas()::<lambda()>".
+std::string_view NameOf(std::string_view function) {
+    const std::string_view path = function.substr(0, function.find('('));
+    return path.substr(path.find_last_of(" :") + 1);
 }
 
 std::string Format(const char* format, va_list arguments) {
@@ -46,7 +53,9 @@ void Write(log_priority priority, const char* tag, const Place& place, const cha
         std::snprintf(line, sizeof(line), "[HLPLUGIN] %s", message.c_str());
         dlog_trace_write(line);
     }
-    dlog_print(priority, tag, "%s : %s(%d)  %s", BaseName(place.file), place.function, place.line, message.c_str());
+    const std::string_view name = NameOf(place.function);
+    dlog_print(priority, tag, "%s : %.*s(%d)  %s", BaseName(place.file), static_cast<int>(name.size()), name.data(),
+               place.line, message.c_str());
 }
 
 void WriteException(const Place& place, const std::exception& exception) {

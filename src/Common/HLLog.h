@@ -13,12 +13,15 @@
 #define HL_LOGI(...) HL_LOG_TAGGED(DLOG_INFO, VMFramework::HomeLoom::Log::kTag, __VA_ARGS__)
 #define HL_LOGE(...) HL_LOG_TAGGED(DLOG_ERROR, VMFramework::HomeLoom::Log::kTag, __VA_ARGS__)
 
-#define HL_LOG_TAGGED(priority, tag, ...)                                                                  \
-    do {                                                                                                   \
-        if (VMFramework::HomeLoom::Log::IsTaken(priority, tag)) {                                          \
-            VMFramework::HomeLoom::Log::Write(priority, tag, {__FILE__, __func__, __LINE__}, __VA_ARGS__); \
-        }                                                                                                  \
+#define HL_LOG_TAGGED(priority, tag, ...)                                                                     \
+    do {                                                                                                      \
+        if (VMFramework::HomeLoom::Log::IsTaken(priority, tag)) {                                             \
+            VMFramework::HomeLoom::Log::Write(priority, tag, {__FILE__, HL_FUNCTION, __LINE__}, __VA_ARGS__); \
+        }                                                                                                     \
     } while (false)
+
+// A lambda has no name of its own: its lines name the function around it, for which the log needs the whole signature.
+#define HL_FUNCTION (VMFramework::HomeLoom::Log::IsLambda(__func__) ? __PRETTY_FUNCTION__ : __func__)
 
 // For a helper that logs on behalf of whoever called it: the line names the caller, and the helper takes
 // 'const Log::Place& caller = HL_CALLER' as its last parameter. An exception is logged by Log::WriteException.
@@ -34,11 +37,9 @@
 // The call trace of the frame: "Entered" here, "Left" at the end of the scope.
 #define HL_TRACE(object) const VMFramework::HomeLoom::Log::CallTrace hlCallTrace({__FILE__, __func__, __LINE__}, object)
 
-// What every catch shell does with what it caught:
-//   catch (const std::exception& e) { HL_LOG_EXCEPTION(e); }
-// Anything that is no std::exception passes the shell.
+// What every catch shell does with what it caught (the shells are in Guarded.h).
 #define HL_LOG_EXCEPTION(exception) \
-    VMFramework::HomeLoom::Log::WriteException({__FILE__, __func__, __LINE__}, exception)
+    VMFramework::HomeLoom::Log::WriteException({__FILE__, HL_FUNCTION, __LINE__}, exception)
 
 namespace VMFramework::HomeLoom::Log {
 
@@ -46,9 +47,13 @@ inline constexpr char kTag[] = "VM_HOMELOOM_PLUGIN";
 
 struct Place {
     const char* file;
-    const char* function;
+    const char* function;  // of a lambda the signature
     int line;
 };
+
+constexpr bool IsLambda(const char* function) {
+    return __builtin_strcmp(function, "operator()") == 0;
+}
 
 inline bool IsTaken(log_priority priority, const char* tag) {
     return dlog_is_enabled(priority, tag) || dlog_trace_is_active();

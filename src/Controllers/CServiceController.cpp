@@ -242,25 +242,21 @@ void CServiceController::_RequestResult(const std::shared_ptr<IPropertyListHelpe
 
 void CServiceController::_ReportRequestResult(const std::shared_ptr<IPropertyListHelper>& list) {
     HL_TRACE(this);
-    try {
+    Guarded([&] {
         HL_LOGE("_ReportRequestResult, property list name: %s. with transaction(NULL)", list->GetName().c_str());
         vmf_service_handler_send_request_result(_serviceHandler, VmfString(kServiceName), list->GetHandle(), nullptr,
                                                 0);
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    });
 }
 
 void CServiceController::_ReportServiceNotify(const std::shared_ptr<IPropertyListHelper>& list) {
     HL_TRACE(this);
-    try {
+    Guarded([&] {
         HL_LOGE("_ReportServiceNotify, property list name: %s. with transaction(NULL)", list->GetName().c_str());
         ThrowUnlessZero(
             vmf_service_handler_notify(_serviceHandler, VmfString(kServiceName), list->GetHandle(), nullptr, 0),
             "service_handler_notify failed");
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    });
 }
 
 void CServiceController::_ReportDeviceList(const std::shared_ptr<IEndpointListHelper>& list) {
@@ -282,7 +278,7 @@ void CServiceController::_ReportDeviceFound(const std::shared_ptr<IEndpointHelpe
 
 void CServiceController::_ReportPluginStatus(PluginStatus status) {
     HL_TRACE(this);
-    try {
+    LogThrown([&] {
         if (_status == PluginStatus::Available) {
             HL_LOGI("already loaded");
             return;
@@ -291,10 +287,7 @@ void CServiceController::_ReportPluginStatus(PluginStatus status) {
         ThrowUnlessZero(vmf_plugin_send_load_result(VmfString(kPluginName), static_cast<int>(status)),
                         "send load result failed");
         _status = status;
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        throw;
-    }
+    });
 }
 
 void CServiceController::_OnRequestService(vmf_service_handler_h, vmf_transaction_h transaction,

@@ -2,7 +2,6 @@
 #include "Homeloom/HomeloomClient.h"
 
 #include <cstring>
-#include <exception>
 #include <utility>
 
 #include "Common/CException.h"
@@ -103,7 +102,7 @@ void HomeloomClient::Deinit() {
 }
 
 void HomeloomClient::initClient() {
-    try {
+    LogThrown([&] {
         const std::lock_guard<std::recursive_mutex> lock(_sessionMutex);
         if (getIsAgentConnected()) {
             HL_LOGI("TesselClient is already created, and agent connected");
@@ -116,10 +115,7 @@ void HomeloomClient::initClient() {
         connectClient();
         // A connected event that has arrived meanwhile is a job that waits for the session's mutex.
         bindHandlers();
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        throw;
-    }
+    });
 }
 
 void HomeloomClient::bindHandlers() {
@@ -145,7 +141,7 @@ void HomeloomClient::bindHandlers() {
 
 // The session's mutex is not held here: teardown joins threads that take it.
 void HomeloomClient::deinitClient() {
-    try {
+    LogThrown([&] {
         HL_LOGI("deinitClient Start");
         _isLifecycleOver = true;
         {
@@ -182,10 +178,7 @@ void HomeloomClient::deinitClient() {
         // Also for the timer of a device that had left the list.
         MainLoopTimer::WaitForCallbacks();
         HL_LOGI("deinitClient End");
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        throw;
-    }
+    });
 }
 
 void HomeloomClient::quitHandlers() {
@@ -378,8 +371,7 @@ void HomeloomClient::unsetDisclaimerAgreeChangedCallback() {
 // ---- Connection state ----
 
 void HomeloomClient::_HomeLoomClientConnectionStateChanged(homeloom_client_error_e result,
-                                                           homeloom_client_connection_state_e state,
-                                                           void* userData) try {
+                                                           homeloom_client_connection_state_e state, void* userData) {
     HL_LOGI("_HomeLoomClientConnectionStateChanged(): Result [%d] , Status [%d]", static_cast<int>(result),
             static_cast<int>(state));
     if (userData == nullptr) {
@@ -387,24 +379,16 @@ void HomeloomClient::_HomeLoomClientConnectionStateChanged(homeloom_client_error
         return;
     }
     auto* session = static_cast<HomeloomClient*>(userData);
-    if (session->_isTerminating) {
-        return;
-    }
-    if (state == HOMELOOM_CLIENT_CONNECTION_STATE_IO_ERROR) {
+    if (!session->_isTerminating && state == HOMELOOM_CLIENT_CONNECTION_STATE_IO_ERROR) {
         HL_LOGE("clear all job from sceduler right away");
         session->clearJobFromScheduler();
     }
-    session->AddJobToScheduler([session, result, state] { session->onConnectionStateChanged(result, state); },
-                               "_HomeLoomClientConnectionStateChanged");
-} catch (const std::exception& e) {
-    HL_LOG_EXCEPTION(e);
+    queueJob(userData, "_HomeLoomClientConnectionStateChanged",
+             [result, state](HomeloomClient& self) { self.onConnectionStateChanged(result, state); });
 }
 
 void HomeloomClient::onConnectionStateChanged(homeloom_client_error_e result,
                                               homeloom_client_connection_state_e state) {
-    if (_isTerminating) {
-        return;
-    }
     switch (state) {
         case HOMELOOM_CLIENT_CONNECTION_STATE_CONNECTED:
             if (!_isConnectionWanted) {
@@ -480,22 +464,13 @@ void HomeloomClient::handleAgentDisconnection() {
 
 // ---- Sign-in ----
 
-void HomeloomClient::_HomeLoomClientSignInStateChanged(bool isSignedIn, void* userData) try {
+void HomeloomClient::_HomeLoomClientSignInStateChanged(bool isSignedIn, void* userData) {
     HL_LOGI("_HomeLoomClientSignInStateChanged(): isSignedIn: %d", isSignedIn);
-    auto* session = static_cast<HomeloomClient*>(userData);
-    if (session == nullptr || session->_isTerminating) {
-        return;
-    }
-    session->AddJobToScheduler([session, isSignedIn] { session->onSignInStateChanged(isSignedIn); },
-                               "_HomeLoomClientSignInStateChanged");
-} catch (const std::exception& e) {
-    HL_LOG_EXCEPTION(e);
+    queueJob(userData, "_HomeLoomClientSignInStateChanged",
+             [isSignedIn](HomeloomClient& session) { session.onSignInStateChanged(isSignedIn); });
 }
 
 void HomeloomClient::onSignInStateChanged(bool isSignedIn) {
-    if (_isTerminating) {
-        return;
-    }
     if (isLoginIdChanged()) {
         Metadata::GetInstance().ClearMetadataMaps();
         // Without a sign-out in between the old user's devices are still there. Only new ones get metadata.

@@ -215,6 +215,10 @@ private:
 
     /// Neither throws: an agent callback must not end in an exception.
     void AddJobToScheduler(std::function<void()> job, const std::string& name);
+    /// What the agent's callbacks do: queues the job, which gets the session. Neither queues nor runs it once the
+    /// session is ending.
+    template <typename Job>
+    static void queueJob(void* userData, const char* name, Job job, const Log::Place& caller = HL_CALLER);
     void clearJobFromScheduler();
 
     void _ConnectTimerCallback();
@@ -255,6 +259,7 @@ private:
     bool needHubResetWithDeviceList(const std::vector<std::string>& deviceIds);
     bool checkHubResetPreCondition(const std::string& hubId);
     bool requestIsHubExist(const std::string& hubId);
+    void resetHubIf(bool isGone);
 
     // ---- Events (HomeloomClientEvents.cpp) ----
 
@@ -305,8 +310,8 @@ private:
     bool isSkippedWithoutAgent() const;
     /// Null, and logged, for a device that is none.
     std::shared_ptr<CameraDevice> findCamera(const std::string& deviceId) const;
-    /// Hands a request that is not refused to the handler's method. Logs when there is no handler: a request that
-    /// arrives during an update of the agent ends without an answer.
+    /// Hands a request that is not refused, or an event, to the handler's method. Logs when there is no handler: what
+    /// arrives during an update of the agent ends there, a request without an answer.
     template <typename Handler, typename Method, typename... Args>
     static void forward(bool isRefused, const HandlerSlot<Handler>& slot, Method method, const Args&... args);
     /// Hands a request to the camera. Where none has that id, the answer is 'failure', with the id.
@@ -371,6 +376,20 @@ private:
     std::shared_ptr<WifiLockerHandler> _wifiLockerHandler;
 };
 
+template <typename Job>
+void HomeloomClient::queueJob(void* userData, const char* name, Job job, const Log::Place& caller) {
+    auto* const session = static_cast<HomeloomClient*>(userData);
+    if (session == nullptr || session->_isTerminating) {
+        return;
+    }
+    const auto runUnlessEnding = [session, job = std::move(job)]() mutable {
+        if (!session->_isTerminating) {
+            job(*session);
+        }
+    };
+    Guarded([&] { session->AddJobToScheduler(runUnlessEnding, name); }, caller);
+}
+
 template <typename Handler, typename Method, typename... Args>
 void HomeloomClient::forward(bool isRefused, const HandlerSlot<Handler>& slot, Method method, const Args&... args) {
     if (isRefused) {
@@ -379,7 +398,7 @@ void HomeloomClient::forward(bool isRefused, const HandlerSlot<Handler>& slot, M
     if (const auto handler = slot.Get()) {
         (*handler.*method)(args...);
     } else {
-        HL_LOGE("handler is gone, the request ends here");
+        HL_LOGE("handler is gone, what it was asked ends here");
     }
 }
 

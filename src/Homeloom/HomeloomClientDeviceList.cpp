@@ -1,7 +1,6 @@
 // From the agent's device details to the framework's device list.
 
 #include <algorithm>
-#include <exception>
 #include <memory>
 #include <mutex>
 #include <utility>
@@ -10,6 +9,7 @@
 
 #include "Common/CException.h"
 #include "Common/CHLUtil.h"
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
 #include "Common/WayOut.h"
@@ -32,22 +32,13 @@ namespace {
 
 constexpr char kUnknownDeviceType[] = "unknown";
 
-// Empty on failure, which is logged.
-std::string DetailText(ITesselHandler& agent, homeloom_client_device_detail_h detail, int property, const char* failure,
-                       const Log::Place& caller = HL_CALLER) {
-    std::string text;
-    if (agent.DeviceDetailGetString(detail, property, text) != 0) {
-        HL_LOG_AT(DLOG_ERROR, caller, "%s", failure);
-        text.clear();
-    }
-    return text;
-}
+enum class Text { Optional, Required };
 
-// For what a device can't be without: an empty text counts as a failure.
-std::string RequiredText(ITesselHandler& agent, homeloom_client_device_detail_h detail, int property,
-                         const char* failure, const Log::Place& caller = HL_CALLER) {
+// Empty on failure, which is logged. What a device can't be without fails when it is empty, too.
+std::string DetailText(ITesselHandler& agent, homeloom_client_device_detail_h detail, int property, const char* failure,
+                       Text kind = Text::Optional, const Log::Place& caller = HL_CALLER) {
     std::string text;
-    if (agent.DeviceDetailGetString(detail, property, text) != 0 || text.empty()) {
+    if (agent.DeviceDetailGetString(detail, property, text) != 0 || (kind == Text::Required && text.empty())) {
         HL_LOG_AT(DLOG_ERROR, caller, "%s", failure);
         text.clear();
     }
@@ -97,10 +88,7 @@ void HomeloomClient::buildNewDeviceMap(std::unique_lock<std::recursive_mutex> se
     // Again: a build that was abandoned half-way lacks devices, and the user's hub must not be reset for that.
     requireClientAvailable();
     sessionLock.unlock();
-    if (NeedHubReset()) {
-        HL_LOGI("hub is deleted, go to reset hub");
-        RequestResetHub(nullptr);
-    }
+    resetHubIf(NeedHubReset());
     OnProfileUpdateEvent(UpdateList::MapRebuilt);
 }
 
@@ -109,7 +97,7 @@ bool HomeloomClient::GetDevicesInfo() {
         HL_LOGI("GetDevicesInfo agent not connected. skip!");
         return false;
     }
-    try {
+    return GuardedOr(false, [&] {
         AgentList<homeloom_client_device_detail_h> details(_agent, &ITesselHandler::DeviceDetailDestroy);
         const int result = _agent.GetDeviceDetailList(details.list, details.count);
         HL_LOGI("ret of get_device_detail_list: %d, detail_cnt: %d", result, details.count);
@@ -128,14 +116,11 @@ bool HomeloomClient::GetDevicesInfo() {
         }
         buildDeviceDetailList(details.list, details.count);
         return true;
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        return false;
-    }
+    });
 }
 
 void HomeloomClient::buildDeviceDetailList(homeloom_client_device_detail_h* list, int count) {
-    try {
+    LogThrown([&] {
         if (!getIsAgentConnected()) {
             throw CException("buildDeviceDetailList agent not connected. throw!", kErrorFailed);
         }
@@ -194,24 +179,21 @@ void HomeloomClient::buildDeviceDetailList(homeloom_client_device_detail_h* list
         }
         devices->ParseMetadata();
         createCanvas();
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        throw;
-    }
+    });
 }
 
 bool HomeloomClient::readDeviceDetail(homeloom_client_device_detail_h detail, Device::_deviceInfo& info,
                                       std::vector<std::string>& uris, std::vector<std::string>& osvUris) {
     // "geting" stands so in the log of every TV.
-    info.device_id = RequiredText(_agent, detail, HOMELOOM_CLIENT_DEVICE_DETAIL_PROPERTY_DEVICE_ID,
-                                  "geting device_id failed or device_id is null");
+    info.device_id = DetailText(_agent, detail, HOMELOOM_CLIENT_DEVICE_DETAIL_PROPERTY_DEVICE_ID,
+                                "geting device_id failed or device_id is null", Text::Required);
     if (info.device_id.empty()) {
         return false;
     }
     const auto devices = _deviceHandler.Get();
     info.device_name = devices ? devices->GetDeviceNameFromDeviceDetail(detail) : std::string();
-    info.vid =
-        RequiredText(_agent, detail, HOMELOOM_CLIENT_DEVICE_DETAIL_PROPERTY_VID, "geting vid failed or vid is null");
+    info.vid = DetailText(_agent, detail, HOMELOOM_CLIENT_DEVICE_DETAIL_PROPERTY_VID,
+                          "geting vid failed or vid is null", Text::Required);
     if (info.vid.empty()) {
         return false;
     }
@@ -336,7 +318,7 @@ void HomeloomClient::SetCostEfficiency() {
 
 // Called with the session's mutex held. Whatever is thrown ends the sending: no half list goes out.
 void HomeloomClient::sendDeviceInfoToUI() {
-    try {
+    Guarded([&] {
         const auto scenes = _sceneHandler.Get();
         const auto routines = _routineHandler.Get();
         const auto locations = _locationHandler.Get();
@@ -362,9 +344,7 @@ void HomeloomClient::sendDeviceInfoToUI() {
             IWayOut::Get().ReportDeviceList(list);
         }
         CHLUtil::PrintTimeStamp("DEVICE LIST SENT");
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    });
 }
 
 void HomeloomClient::StartScan() {
@@ -468,6 +448,13 @@ bool HomeloomClient::checkHubResetPreCondition(const std::string& hubId) {
         return false;
     }
     return true;
+}
+
+void HomeloomClient::resetHubIf(bool isGone) {
+    if (isGone) {
+        HL_LOGI("hub is deleted, go to reset hub");
+        RequestResetHub(nullptr);
+    }
 }
 
 bool HomeloomClient::requestIsHubExist(const std::string& hubId) {

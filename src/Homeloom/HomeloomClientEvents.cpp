@@ -3,7 +3,6 @@
 // The callbacks run on the agent's thread: they copy and queue, nothing else. Everything below them runs on
 // the scheduler's thread, so that events are handled in the order in which they came.
 
-#include <exception>
 #include <memory>
 #include <mutex>
 #include <utility>
@@ -13,6 +12,7 @@
 #include "Common/CException.h"
 #include "Common/CHLUtil.h"
 #include "Common/CText.h"
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
 #include "Common/WayOut.h"
@@ -59,22 +59,14 @@ bool HoldsWhatItSays(const ClientDeviceList& list, int count) {
 
 // ---- Server-sent events ----
 
-void HomeloomClient::_HomeLoomCoreSSEChanged(homeloom_core_sse_e type, long long, const char* json,
-                                             void* userData) try {
-    auto* session = static_cast<HomeloomClient*>(userData);
-    if (session == nullptr || session->_isTerminating) {
-        return;
-    }
-    session->AddJobToScheduler([session, type, text = TextOf(json)] { session->handleSseEvent(type, text); },
-                               "_HomeLoomCoreSSEChanged");
-} catch (const std::exception& e) {
-    HL_LOG_EXCEPTION(e);
+void HomeloomClient::_HomeLoomCoreSSEChanged(homeloom_core_sse_e type, long long, const char* json, void* userData) {
+    Guarded([&] {
+        queueJob(userData, "_HomeLoomCoreSSEChanged",
+                 [type, text = TextOf(json)](HomeloomClient& session) { session.handleSseEvent(type, text); });
+    });
 }
 
 void HomeloomClient::handleSseEvent(homeloom_core_sse_e type, const std::string& json) {
-    if (_isTerminating) {
-        return;
-    }
     switch (type) {
         case HOMELOOM_CORE_SSE_DEVICE_EVENT:
             handleSseDeviceEvent(json);
@@ -210,16 +202,12 @@ bool HomeloomClient::handleSseDeviceListUpdated(const json::JsonValue& event) {
 
 void HomeloomClient::handleSseSceneLifecycleEvent(const std::string& json) {
     HL_LOGI("json : %s", json.c_str());
-    if (const auto scenes = _sceneHandler.Get()) {
-        scenes->HandleSSEScene(json);
-    }
+    forward(false, _sceneHandler, &SceneHandler::HandleSSEScene, json);
 }
 
 void HomeloomClient::handleSseRoutineLifecycleEvent(const std::string& json) {
     HL_LOGI("json : %s", json.c_str());
-    if (const auto routines = _routineHandler.Get()) {
-        routines->HandleSSERoutine(json);
-    }
+    forward(false, _routineHandler, &RoutineHandler::HandleSSERoutine, json);
 }
 
 void HomeloomClient::handleSseFavoriteLifecycleEvent(const std::string& json) {
@@ -341,50 +329,36 @@ void HomeloomClient::OnDeviceStatusUpdateEvent(const std::string& deviceId, int 
 
 // ---- The agent's lists ----
 
-void HomeloomClient::_HomeLoomClientDeviceListChanged(homeloom_client_device_h* list, int count, void* userData) try {
-    auto owner = std::make_shared<const ClientDeviceList>(list, count);
-    auto* session = static_cast<HomeloomClient*>(userData);
-    if (session == nullptr || session->_isTerminating) {
-        return;
-    }
-    session->AddJobToScheduler(
-        [session, count, records = std::move(owner)]() mutable {
-            if (session->_isTerminating) {
-                return;
-            }
-            if (count == 0) {
-                session->onDeviceListEmpty();
-                return;
-            }
-            if (!HoldsWhatItSays(*records, count)) {
-                return;
-            }
-            const std::vector<std::string> ids = DeviceIds(session->_agent, *records);
-            records.reset();
-            session->onDeviceListChanged(ids);
-        },
-        "_HomeLoomClientDeviceListChanged");
-} catch (const std::exception& e) {
-    HL_LOG_EXCEPTION(e);
+void HomeloomClient::_HomeLoomClientDeviceListChanged(homeloom_client_device_h* list, int count, void* userData) {
+    Guarded([&] {
+        const auto job =
+            [count, records = std::make_shared<const ClientDeviceList>(list, count)](HomeloomClient& session) mutable {
+                if (count == 0) {
+                    session.onDeviceListEmpty();
+                    return;
+                }
+                if (!HoldsWhatItSays(*records, count)) {
+                    return;
+                }
+                const std::vector<std::string> ids = DeviceIds(session._agent, *records);
+                records.reset();
+                session.onDeviceListChanged(ids);
+            };
+        queueJob(userData, "_HomeLoomClientDeviceListChanged", job);
+    });
 }
 
 void HomeloomClient::onDeviceListChanged(const std::vector<std::string>& deviceIds) {
     HL_LOGI("device list size : %zu", deviceIds.size());
     OnDeviceListUpdateEvent(deviceIds);
-    if (needHubResetWithDeviceList(deviceIds)) {
-        HL_LOGI("hub is deleted, go to reset hub");
-        _hubHandler->ResetHub(nullptr);
-    }
+    resetHubIf(needHubResetWithDeviceList(deviceIds));
 }
 
 void HomeloomClient::onDeviceListEmpty() {
     HL_LOGI("_HomeLoomClientDeviceListChanged device list is empty");
     deleteDevices();
     OnProfileUpdateEvent(UpdateList::ListEmpty);
-    if (NeedHubReset()) {
-        HL_LOGI("hub is deleted, go to reset hub");
-        _hubHandler->ResetHub(nullptr);
-    }
+    resetHubIf(NeedHubReset());
 }
 
 void HomeloomClient::OnDeviceListUpdateEvent(const std::vector<std::string>& deviceIds) {
@@ -411,25 +385,17 @@ void HomeloomClient::OnDeviceListUpdateEvent(const std::vector<std::string>& dev
 }
 
 void HomeloomClient::_HomeLoomClientDeviceDetailListChanged(homeloom_client_device_detail_h* list, int count,
-                                                            void* userData) try {
-    auto owner = std::make_shared<const ClientDeviceDetailList>(list, count);
-    auto* session = static_cast<HomeloomClient*>(userData);
-    if (session == nullptr || session->_isTerminating) {
-        return;
-    }
-    session->AddJobToScheduler(
-        [session, records = std::move(owner)]() mutable {
-            if (session->_isTerminating) {
-                return;
-            }
-            HL_LOGI("_HomeLoomClientDeviceDetailListChanged(): device_detail_size: %d", records->Count());
-            session->buildDeviceDetailList(records->List(), records->Count());
-            records.reset();
-            session->OnProfileUpdateEvent(UpdateList::DetailsChanged);
-        },
-        "_HomeLoomClientDeviceDetailListChanged");
-} catch (const std::exception& e) {
-    HL_LOG_EXCEPTION(e);
+                                                            void* userData) {
+    Guarded([&] {
+        const auto job =
+            [records = std::make_shared<const ClientDeviceDetailList>(list, count)](HomeloomClient& session) mutable {
+                HL_LOGI("_HomeLoomClientDeviceDetailListChanged(): device_detail_size: %d", records->Count());
+                session.buildDeviceDetailList(records->List(), records->Count());
+                records.reset();
+                session.OnProfileUpdateEvent(UpdateList::DetailsChanged);
+            };
+        queueJob(userData, "_HomeLoomClientDeviceDetailListChanged", job);
+    });
 }
 
 }  // namespace VMFramework::HomeLoom

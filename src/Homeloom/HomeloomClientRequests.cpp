@@ -1,6 +1,5 @@
 // The framework's requests. Most check one guard and forward to the handler that owns the subject.
 
-#include <exception>
 #include <memory>
 #include <mutex>
 #include <utility>
@@ -10,6 +9,7 @@
 #include "Common/CReporter.h"
 #include "Common/CText.h"
 #include "Common/CTransaction.h"
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
 #include "Helpers/CPropertyListHelper.h"
@@ -141,36 +141,32 @@ void HomeloomClient::setValue(const Transaction& transaction, const std::string&
 
 void HomeloomClient::_HomeLoomClientDeviceRemoteRepresentationChanged(int error, const char* deviceId,
                                                                       const char* attributes, const char* uri,
-                                                                      const char* resDataType, void* userData) try {
-    if (userData == nullptr) {
-        HL_LOGE("user_data is null");
-        return;
-    }
-    const auto pending = CallbackTokens::Take<PendingAction>(userData);
-    if (!pending) {
-        // A second answer to one question.
-        return;
-    }
-    HomeloomClient* session = pending->session;
-    if (session->_isTerminating || error != 0) {
-        HL_LOGE("main action of %s ended with error : %d", TextOf(deviceId).c_str(), error);
-        return;
-    }
-    session->AddJobToScheduler(
-        [session, transaction = pending->transaction, id = TextOf(deviceId), text = TextOf(attributes),
-         resource = TextOf(uri),
-         type = TextOf(resDataType)] { session->onRemoteRepresentationChanged(transaction, id, text, resource, type); },
-        "_HomeLoomClientDeviceRemoteRepresentationChanged");
-} catch (const std::exception& e) {
-    HL_LOG_EXCEPTION(e);
+                                                                      const char* resDataType, void* userData) {
+    Guarded([&] {
+        if (userData == nullptr) {
+            HL_LOGE("user_data is null");
+            return;
+        }
+        const auto pending = CallbackTokens::Take<PendingAction>(userData);
+        if (!pending) {
+            // A second answer to one question.
+            return;
+        }
+        if (pending->session->_isTerminating || error != 0) {
+            HL_LOGE("main action of %s ended with error : %d", TextOf(deviceId).c_str(), error);
+            return;
+        }
+        queueJob(pending->session, "_HomeLoomClientDeviceRemoteRepresentationChanged",
+                 [transaction = pending->transaction, id = TextOf(deviceId), text = TextOf(attributes),
+                  resource = TextOf(uri), type = TextOf(resDataType)](HomeloomClient& session) {
+                     session.onRemoteRepresentationChanged(transaction, id, text, resource, type);
+                 });
+    });
 }
 
 void HomeloomClient::onRemoteRepresentationChanged(const Transaction& transaction, const std::string& deviceId,
                                                    const std::string& attributes, const std::string& uri,
                                                    const std::string& resDataType) {
-    if (_isTerminating) {
-        return;
-    }
     HL_LOGI(
         "_HomeLoomClientDeviceRemoteRepresentationChanged(): Device Id: %s, Attributes: %s, URI: %s, Res_data_type: %s",
         deviceId.c_str(), attributes.c_str(), uri.c_str(), resDataType.c_str());
@@ -178,13 +174,11 @@ void HomeloomClient::onRemoteRepresentationChanged(const Transaction& transactio
     info.device_id = deviceId;
     info.uri = uri;
     bool isBuilt = false;
-    try {
+    // A malformed text is an answer too.
+    Guarded([&] {
         const auto devices = _deviceHandler.Get();
         isBuilt = devices && devices->BuildResourceData(deviceId, uri, attributes, resDataType, info.properties);
-    } catch (const std::exception& e) {
-        // A malformed text is an answer too.
-        HL_LOG_EXCEPTION(e);
-    }
+    });
     OnSetPropertyEvent(transaction, isBuilt ? kSuccess : kFailure, info);
 }
 

@@ -1,8 +1,7 @@
 // Requests for home services: push notification, service apps and energy, locker, infrared devices, server environment.
 
-#include <exception>
-
 #include "Common/CReporter.h"
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Homeloom/ExternalService/ExternalServiceHandler.h"
 #include "Homeloom/HomeloomClient.h"
@@ -67,23 +66,14 @@ void HomeloomClient::OnboardIrDevice(const Transaction& transaction, const std::
 void HomeloomClient::SetServerEnv(const Transaction& transaction, int iotCloud, int uiMeta) {
     requireClientAvailable();
     SetServerEnvParam param(transaction);
-    try {
-        param.result = CServerEnvMgr::GetInstance().SetServerEnv(iotCloud, uiMeta);
-    } catch (const std::exception& e) {
-        // A number that names no environment is answered, too.
-        HL_LOG_EXCEPTION(e);
-    }
+    // A number that names no environment is answered, too.
+    Guarded([&] { param.result = CServerEnvMgr::GetInstance().SetServerEnv(iotCloud, uiMeta); });
     Reporter::Report(param);
 }
 
 void HomeloomClient::handleSseSmartAppEvent(const std::string& json) {
     HL_LOGI("json : %s", json.c_str());
-    const auto life = _lifeHandler.Get();
-    if (!life) {
-        HL_LOGE("life handler is gone, the event ends here");
-        return;
-    }
-    life->HandleSseSmartAppEvent(json);
+    forward(false, _lifeHandler, &LifeHandler::HandleSseSmartAppEvent, json);
 }
 
 }  // namespace VMFramework::HomeLoom

@@ -2,11 +2,11 @@
 
 #include <unistd.h>
 
-#include <exception>
 #include <mutex>
 
 #include <norvane_svcmgr.h>
 
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Homeloom/Common/MsgDispatcher.h"
 #include "Homeloom/CoreDevices/CoreDeviceHandler.h"
@@ -52,7 +52,7 @@ void HomeloomClient::agentChangedCb(_EReqType type) {
 // Unlike deinitClient: the handlers are given up, to be made anew; the scheduler is paused and not ended; the watch for
 // updates stays. A caller that is still in a handler keeps it alive.
 void HomeloomClient::deinitClientByAgentUpdate() {
-    try {
+    LogThrown([&] {
         HL_LOGI("deinitClientByAgentUpdate Start");
         _isTerminating = true;
         _agent.Quit();
@@ -77,14 +77,11 @@ void HomeloomClient::deinitClientByAgentUpdate() {
         deregisterCallbacks();
         disconnectClient();
         HL_LOGI("deinitClientByAgentUpdate End");
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        throw;
-    }
+    });
 }
 
 void HomeloomClient::initClientByAgentUpdate() {
-    try {
+    LogThrown([&] {
         const std::lock_guard<std::recursive_mutex> lock(_sessionMutex);
         HL_LOGI("initClientByAgentUpdate Start");
         _isTerminating = false;
@@ -96,10 +93,7 @@ void HomeloomClient::initClientByAgentUpdate() {
         connectClient();
         bindHandlers();
         HL_LOGI("initClientByAgentUpdate End");
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        throw;
-    }
+    });
 }
 
 void HomeloomClient::boostTesselClient() {

@@ -1,16 +1,15 @@
 // Reads the verdict of a platform response.
 #include "Homeloom/Common/AgentResponse.h"
 
-#include <exception>
-
 #include <VMFramework/JsonValue.h>
 
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 
 namespace VMFramework::HomeLoom {
 
 std::string GetResponseMessage(const std::string& json) {
-    try {
+    return GuardedOr(std::string(), [&]() -> std::string {
         const auto response = json::JsonValue::Create(json);
         const auto message = response["message"];
         if (message.isNull()) {
@@ -18,10 +17,7 @@ std::string GetResponseMessage(const std::string& json) {
             return {};
         }
         return message.asString();
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        return {};
-    }
+    });
 }
 
 }  // namespace VMFramework::HomeLoom

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <exception>
 #include <iterator>
 #include <thread>
 #include <utility>
@@ -11,6 +10,7 @@
 #include <glib.h>
 #include <semaphore.h>
 
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 
 namespace VMFramework::HomeLoom {
@@ -169,11 +169,7 @@ int MainLoopTimer::onTimeout(void* userData) {
         run.runner = std::this_thread::get_id();
         callback.swap(run.callback);
     }
-    try {
-        callback();
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    Guarded([&] { callback(); });
     // What the callback holds may be the last of its timer, and may cancel it.
     callback = nullptr;
     const std::lock_guard<std::mutex> lock(run.mutex);

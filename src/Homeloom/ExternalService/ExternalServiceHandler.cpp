@@ -1,12 +1,12 @@
 // Requests of outside applications for push notifications, and the agent's late answers to them.
 #include "Homeloom/ExternalService/ExternalServiceHandler.h"
 
-#include <exception>
 #include <utility>
 
 #include <VMFramework/JsonValue.h>
 
 #include "Common/CReporter.h"
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Homeloom/Common/AgentResponse.h"
 #include "Homeloom/Common/CallbackTokens.h"
@@ -24,7 +24,7 @@ std::shared_ptr<UserTransactionData> TakeRequest(void* userData) {
         HL_LOGE("user_data is null!");
         return nullptr;
     }
-    return CallbackTokens::Take<UserTransactionData>(userData);
+    return UserTransactionData::Take(userData);
 }
 
 void ReportSetNotification(const std::shared_ptr<CTransaction>& transaction, bool result) {
@@ -37,6 +37,18 @@ void ReportSetStatus(const std::shared_ptr<CTransaction>& transaction, bool resu
     SetThirdPartyNotificationStatusParam param(transaction);
     param.result = result;
     Reporter::Report(param);
+}
+
+// What a callback that says yes or no does, on the agent's thread.
+template <typename Report>
+void QueueResult(const char* callback, bool result, void* userData, Report report) {
+    Guarded([&] {
+        HL_LOGI("result : %d", result);
+        if (const auto request = TakeRequest(userData)) {
+            EnqueueOnScheduler([transaction = request->transaction, result, report] { report(transaction, result); },
+                               callback);
+        }
+    });
 }
 
 void ReportStatus(const std::shared_ptr<CTransaction>& transaction, bool result, const std::string& blockList) {
@@ -81,12 +93,12 @@ void ExternalServiceHandler::GetNotificationProfile(const std::shared_ptr<CTrans
 void ExternalServiceHandler::SetThirdPartyNotification(const std::shared_ptr<CTransaction>& transaction,
                                                        const std::string& provider, const std::string& regId,
                                                        const std::string& appId, const std::string& locale) {
-    void* token = requestToken(transaction);
+    void* token = UserTransactionData::Keep(weak_from_this(), transaction);
     int ret =
         _agent.SetThirdPartyNotification(provider, regId, appId, locale, _HomeLoomClientThirdPartyNotification, token);
     HL_LOGI("set noti ret : %d", ret);
     if (ret != 0) {
-        CallbackTokens::Take<UserTransactionData>(token);
+        UserTransactionData::Take(token);
         ReportSetNotification(transaction, false);
         return;
     }
@@ -99,30 +111,21 @@ void ExternalServiceHandler::UnsetThirdPartyNotificationUpdateCb() {
     _agent.UnsetThirdPartyNotificationStatusUpdatedCb();
 }
 
-void ExternalServiceHandler::_HomeLoomClientThirdPartyNotification(bool result, void* userData) try {
-    HL_LOGI("result : %d", result);
-    if (const auto request = TakeRequest(userData)) {
-        EnqueueOnScheduler([transaction = request->transaction, result] { ReportSetNotification(transaction, result); },
-                           "_HomeLoomClientThirdPartyNotification");
-    }
-} catch (const std::exception& e) {
-    HL_LOG_EXCEPTION(e);
+void ExternalServiceHandler::_HomeLoomClientThirdPartyNotification(bool result, void* userData) {
+    QueueResult("_HomeLoomClientThirdPartyNotification", result, userData, ReportSetNotification);
 }
 
-void ExternalServiceHandler::_HomeLoomClientThirdPartyNotificationStatusUpdated(void* userData) try {
+void ExternalServiceHandler::_HomeLoomClientThirdPartyNotificationStatusUpdated(void* userData) {
     if (userData == nullptr) {
         HL_LOGE("user_data is null!");
         return;
     }
-    EnqueueOnScheduler(
-        [] {
-            HL_LOGI("_HomeLoomClientThirdPartyNotificationStatusUpdated, report to app");
-            ThirdPartyNotificationStatusUpdatedParam param(nullptr);
-            Reporter::Report(param);
-        },
-        "_HomeLoomClientThirdPartyNotificationStatusUpdated");
-} catch (const std::exception& e) {
-    HL_LOG_EXCEPTION(e);
+    const auto job = [] {
+        HL_LOGI("_HomeLoomClientThirdPartyNotificationStatusUpdated, report to app");
+        ThirdPartyNotificationStatusUpdatedParam param(nullptr);
+        Reporter::Report(param);
+    };
+    Guarded([&] { EnqueueOnScheduler(job, "_HomeLoomClientThirdPartyNotificationStatusUpdated"); });
 }
 
 // ---- Block list ----
@@ -134,52 +137,46 @@ void ExternalServiceHandler::SetThirdPartyNotificationStatus(const std::shared_p
         ReportSetStatus(transaction, false);
         return;
     }
-    void* token = requestToken(transaction);
+    void* token = UserTransactionData::Keep(weak_from_this(), transaction);
     const int ret =
         _agent.SetThirdPartyNotificationStatus(deviceIds, _HomeLoomClientSetThirdPartyNotificationStatus, token);
     HL_LOGI("set noti status ret : %d", ret);
     if (ret != 0) {
-        CallbackTokens::Take<UserTransactionData>(token);
+        UserTransactionData::Take(token);
         ReportSetStatus(transaction, false);
     }
 }
 
-void ExternalServiceHandler::_HomeLoomClientSetThirdPartyNotificationStatus(bool result, void* userData) try {
-    HL_LOGI("result : %d", result);
-    if (const auto request = TakeRequest(userData)) {
-        EnqueueOnScheduler([transaction = request->transaction, result] { ReportSetStatus(transaction, result); },
-                           "_HomeLoomClientSetThirdPartyNotificationStatus");
-    }
-} catch (const std::exception& e) {
-    HL_LOG_EXCEPTION(e);
+void ExternalServiceHandler::_HomeLoomClientSetThirdPartyNotificationStatus(bool result, void* userData) {
+    QueueResult("_HomeLoomClientSetThirdPartyNotificationStatus", result, userData, ReportSetStatus);
 }
 
 void ExternalServiceHandler::GetThirdPartyNotificationStatus(const std::shared_ptr<CTransaction>& transaction) {
-    void* token = requestToken(transaction);
+    void* token = UserTransactionData::Keep(weak_from_this(), transaction);
     const int ret = _agent.GetThirdPartyNotificationStatus(_HomeLoomClientGetThirdPartyNotificationStatus, token);
     HL_LOGI("get noti status ret : %d", ret);
     if (ret != 0) {
-        CallbackTokens::Take<UserTransactionData>(token);
+        UserTransactionData::Take(token);
         ReportStatus(transaction, false, "");
     }
 }
 
 void ExternalServiceHandler::_HomeLoomClientGetThirdPartyNotificationStatus(int error, bool, char** deviceIds,
-                                                                            int count, void* userData) try {
-    HL_LOGI("result : %d", error);
-    const auto request = TakeRequest(userData);
-    if (!request) {
-        return;
-    }
-    EnqueueOnScheduler(
-        [transaction = request->transaction, error, json = convertBlockDeviceIdsToJson(deviceIds, count)] {
-            HL_LOGI("_HomeLoomClientGetThirdPartyNotificationStatus() result : %d, device_ids : %s", error,
-                    json.c_str());
-            ReportStatus(transaction, error == 0, json);
-        },
-        "_HomeLoomClientGetThirdPartyNotificationStatus");
-} catch (const std::exception& e) {
-    HL_LOG_EXCEPTION(e);
+                                                                            int count, void* userData) {
+    Guarded([&] {
+        HL_LOGI("result : %d", error);
+        const auto request = TakeRequest(userData);
+        if (!request) {
+            return;
+        }
+        EnqueueOnScheduler(
+            [transaction = request->transaction, error, json = convertBlockDeviceIdsToJson(deviceIds, count)] {
+                HL_LOGI("_HomeLoomClientGetThirdPartyNotificationStatus() result : %d, device_ids : %s", error,
+                        json.c_str());
+                ReportStatus(transaction, error == 0, json);
+            },
+            "_HomeLoomClientGetThirdPartyNotificationStatus");
+    });
 }
 
 std::string ExternalServiceHandler::convertBlockDeviceIdsToJson(char** deviceIds, int count) {
@@ -187,7 +184,7 @@ std::string ExternalServiceHandler::convertBlockDeviceIdsToJson(char** deviceIds
         HL_LOGI("block devices size is 0");
         return {};
     }
-    try {
+    return GuardedOr(std::string(), [&]() -> std::string {
         auto array = json::JsonValue::CreateArray();
         for (int i = 0; i < count; ++i) {
             if (deviceIds[i] != nullptr) {
@@ -198,14 +195,11 @@ std::string ExternalServiceHandler::convertBlockDeviceIdsToJson(char** deviceIds
         std::string json = array.toString();
         HL_LOGI("json_device_ids : %s", json.c_str());
         return json;
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        return {};
-    }
+    });
 }
 
 bool ExternalServiceHandler::convertJsonToBlockDeviceIds(const std::string& json, std::vector<std::string>& deviceIds) {
-    try {
+    return GuardedOr(false, [&] {
         const auto array = json::JsonValue::Create(json);
         if (!array.isArray()) {
             HL_LOGE("block list is no array");
@@ -221,14 +215,7 @@ bool ExternalServiceHandler::convertJsonToBlockDeviceIds(const std::string& json
             HL_LOGI("block_device_id : %s", deviceIds.back().c_str());
         }
         return true;
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        return false;
-    }
-}
-
-void* ExternalServiceHandler::requestToken(const std::shared_ptr<CTransaction>& transaction) {
-    return CallbackTokens::Keep(std::make_shared<UserTransactionData>(weak_from_this(), transaction));
+    });
 }
 
 }  // namespace VMFramework::HomeLoom

@@ -45,7 +45,6 @@ private:
 
     static std::string convertBlockDeviceIdsToJson(char** deviceIds, int count);
     static bool convertJsonToBlockDeviceIds(const std::string& json, std::vector<std::string>& deviceIds);
-    void* requestToken(const std::shared_ptr<CTransaction>& transaction);
     ITesselHandler& _agent;
 };
 

@@ -1,12 +1,12 @@
 // Adds up a location's energy in two stages: consumption at once, saving modes later.
 #include "Homeloom/Life/Energy.h"
 
-#include <exception>
 #include <utility>
 
 #include <VMFramework/JsonValue.h>
 
 #include "Common/CReporter.h"
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Homeloom/Common/MsgDispatcher.h"
 #include "Homeloom/Life/EnergySavingMode.h"
@@ -89,7 +89,7 @@ std::string Energy::requestGetEnergyConsumption(const std::string& installedAppI
 }
 
 bool Energy::parsingConsumpedEnergy(const std::string& text, Consumption& consumption) {
-    try {
+    return GuardedOr(false, [&] {
         const JsonValue document = JsonValue::Create(text);
         const JsonValue body = document["body"];
         if (!body.isArray()) {
@@ -104,10 +104,7 @@ bool Energy::parsingConsumpedEnergy(const std::string& text, Consumption& consum
         // An entry that names no device.
         consumption.erase(std::string());
         return true;
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        return false;
-    }
+    });
 }
 
 // ---- First stage ----
@@ -189,15 +186,12 @@ void Energy::report(const std::shared_ptr<CTransaction>& transaction, bool resul
 }
 
 std::string Energy::makeReportJson(const std::string& installedAppId, const JsonValue& value) {
-    try {
+    return GuardedOr(std::string(), [&]() -> std::string {
         JsonValue report = JsonValue::CreateObject();
         report.set("installedAppId", installedAppId);
         report.set("energyInfoJson", value);
         return report.toString();
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        return {};
-    }
+    });
 }
 
 }  // namespace VMFramework::HomeLoom

@@ -1,11 +1,11 @@
 // Reads the saving mode out of a device's status document.
 #include "Homeloom/Life/EnergySavingMode.h"
 
-#include <exception>
 #include <initializer_list>
 
 #include <VMFramework/JsonValue.h>
 
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 
 namespace VMFramework::HomeLoom {
@@ -56,7 +56,7 @@ bool parsingEnergySavingModeOperation(const JsonValue& status) {
 }
 
 int getDrlcLevel(const JsonValue& status) {
-    try {
+    return GuardedOr(kNoLevel, [&] {
         const JsonValue value = ValueOf(status, kLoadControl, "drlcStatus");
         const JsonValue level = value["drlcLevel"];
         if (!level.isNumber()) {
@@ -66,10 +66,7 @@ int getDrlcLevel(const JsonValue& status) {
         const int number = level.asInt();
         HL_LOGI("drlc level : %d", number);
         return number;
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        return kNoLevel;
-    }
+    });
 }
 
 bool getEnergySavingOperationValue(const JsonValue& status) {

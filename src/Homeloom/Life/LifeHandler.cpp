@@ -5,7 +5,6 @@
 #include <system_settings.h>
 
 #include <ctime>
-#include <exception>
 #include <iomanip>
 #include <locale>
 #include <optional>
@@ -20,6 +19,7 @@
 #include "Common/CHLUtil.h"
 #include "Common/CReporter.h"
 #include "Common/CText.h"
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
 #include "Common/Mutex.h"
@@ -358,7 +358,7 @@ void LifeHandler::GetEnergyInfo(const std::shared_ptr<CTransaction>& transaction
 }
 
 void LifeHandler::HandleSseSmartAppEvent(const std::string& json) {
-    try {
+    Guarded([&] {
         const JsonValue event = JsonValue::Create(json);
         const std::string name = CHLUtil::GetMemberString(event, "name");
         if (name != Names::HOMELOOM_ENERGY) {
@@ -368,9 +368,7 @@ void LifeHandler::HandleSseSmartAppEvent(const std::string& json) {
         const std::string installedAppId = CHLUtil::GetMemberString(event, "installedAppId");
         HL_LOGI("updated installed app id : %s", installedAppId.c_str());
         _energy->EnergyInfoUpdated(installedAppId);
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    });
 }
 
 }  // namespace VMFramework::HomeLoom

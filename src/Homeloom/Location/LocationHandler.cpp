@@ -7,6 +7,7 @@
 #include <VMFramework/JsonValue.h>
 
 #include "Common/CException.h"
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
 #include "Helpers/CEndpointHelper.h"
@@ -44,15 +45,30 @@ std::string ReadGroup(ITesselHandler& agent, homeloom_client_group_h group,
     return value;
 }
 
+/// What the log says where a kind of group can't be read.
+struct Complaints {
+    const char* emptyId;
+    const char* id;
+    const char* name;
+};
+constexpr Complaints kLocation{"locationId is empty", "get location id failed", "get location name failed"};
+constexpr Complaints kRoom{"roomID is empty", "get room id failed", "get room name failed"};
+
 /// The name of the first group of that id; empty if there is none.
 std::string FindGroupName(ITesselHandler& agent, const std::string& id, const LocationHandler::GroupList& list,
-                          int count, const char* idComplaint, const char* nameComplaint) {
-    for (int i = 0; list && i < count; ++i) {
-        if (ReadGroup(agent, list.get()[i], HOMELOOM_CLIENT_GROUP_PROPERTY_ID, idComplaint) == id) {
-            return ReadGroup(agent, list.get()[i], HOMELOOM_CLIENT_GROUP_PROPERTY_NAME, nameComplaint);
+                          int count, const Complaints& complaints, const Log::Place& caller = HL_CALLER) {
+    const auto find = [&]() -> std::string {
+        if (id.empty()) {
+            throw CException(complaints.emptyId, kErrorEmptyArgument);
         }
-    }
-    return {};
+        for (int i = 0; list && i < count; ++i) {
+            if (ReadGroup(agent, list.get()[i], HOMELOOM_CLIENT_GROUP_PROPERTY_ID, complaints.id) == id) {
+                return ReadGroup(agent, list.get()[i], HOMELOOM_CLIENT_GROUP_PROPERTY_NAME, complaints.name);
+            }
+        }
+        return {};
+    };
+    return GuardedOr(std::string(), find, caller);
 }
 
 // Empty for a location that is not in the map. An owner without a name is the user, so a location that nobody
@@ -118,7 +134,7 @@ void* LocationHandler::getToken() {
 
 // On the agent's thread. The list stays the agent's and is not read: everything is read anew.
 void LocationHandler::_HomeLoomClientLocationListUpdated(int notiType, int groupType, homeloom_client_group_h*,
-                                                         int count, const char*, void* userData) try {
+                                                         int count, const char*, void* userData) {
     HL_LOGI("location noti_type: %d, location type: %d, location size: %d", notiType, groupType, count);
     if (notiType == 0) {
         HL_LOGI("skip group noti_type_default");
@@ -127,16 +143,13 @@ void LocationHandler::_HomeLoomClientLocationListUpdated(int notiType, int group
     if (userData == nullptr) {
         return;
     }
-    EnqueueOnScheduler(
-        [userData] {
-            HL_LOGI("location list updated");
-            if (const auto self = CallbackTokens::Find<LocationHandler>(userData)) {
-                self->handleLocationListUpdated();
-            }
-        },
-        "_HomeLoomClientLocationListUpdated");
-} catch (const std::exception& e) {
-    HL_LOG_EXCEPTION(e);
+    const auto job = [userData] {
+        HL_LOGI("location list updated");
+        if (const auto self = CallbackTokens::Find<LocationHandler>(userData)) {
+            self->handleLocationListUpdated();
+        }
+    };
+    Guarded([&] { EnqueueOnScheduler(job, "_HomeLoomClientLocationListUpdated"); });
 }
 
 void LocationHandler::handleLocationListUpdated() {
@@ -190,7 +203,7 @@ void LocationHandler::CleanUpTimer() {
 // ---- Reading ----
 
 LocationHandler::GroupList LocationHandler::GetLocationList(int& count) {
-    try {
+    return LogThrown([&] {
         homeloom_client_group_h* list = nullptr;
         const int ret = _agent.GetGroupList(list, HOMELOOM_CLIENT_GROUP_TYPE_LOCATION, count);
         auto locations = MakeGroupList(_agent, list, count);
@@ -201,14 +214,11 @@ LocationHandler::GroupList LocationHandler::GetLocationList(int& count) {
             throw CException("location handle is null", kErrorNoData);
         }
         return locations;
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        throw;
-    }
+    });
 }
 
 LocationHandler::GroupList LocationHandler::GetRoomList(int& count) {
-    try {
+    return LogThrown([&] {
         homeloom_client_group_h* list = nullptr;
         const int ret = _agent.GetGroupList(list, HOMELOOM_CLIENT_GROUP_TYPE_ROOM, count);
         auto rooms = MakeGroupList(_agent, list, count);
@@ -216,35 +226,16 @@ LocationHandler::GroupList LocationHandler::GetRoomList(int& count) {
             throw CException("get room list failed", kErrorNoData);
         }
         return rooms;
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        throw;
-    }
+    });
 }
 
 std::string LocationHandler::GetLocationNameFromLocationID(const std::string& locationId, const GroupList& list,
                                                            int count) {
-    try {
-        if (locationId.empty()) {
-            throw CException("locationId is empty", kErrorEmptyArgument);
-        }
-        return FindGroupName(_agent, locationId, list, count, "get location id failed", "get location name failed");
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        return {};
-    }
+    return FindGroupName(_agent, locationId, list, count, kLocation);
 }
 
 std::string LocationHandler::GetRoomNameFromRoomID(const std::string& roomId, const GroupList& list, int count) {
-    try {
-        if (roomId.empty()) {
-            throw CException("roomID is empty", kErrorEmptyArgument);
-        }
-        return FindGroupName(_agent, roomId, list, count, "get room id failed", "get room name failed");
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        return {};
-    }
+    return FindGroupName(_agent, roomId, list, count, kRoom);
 }
 
 // Each location once, in the agent's order, which the framework gets to see.
@@ -259,11 +250,9 @@ LocationHandler::NameById LocationHandler::getLocation() {
         return names;
     }
     for (int i = 0; i < count; ++i) {
-        try {
-            std::string id =
-                ReadGroup(_agent, list.get()[i], HOMELOOM_CLIENT_GROUP_PROPERTY_ID, "get location id failed");
-            std::string name =
-                ReadGroup(_agent, list.get()[i], HOMELOOM_CLIENT_GROUP_PROPERTY_NAME, "get location name failed");
+        Guarded([&] {
+            std::string id = ReadGroup(_agent, list.get()[i], HOMELOOM_CLIENT_GROUP_PROPERTY_ID, kLocation.id);
+            std::string name = ReadGroup(_agent, list.get()[i], HOMELOOM_CLIENT_GROUP_PROPERTY_NAME, kLocation.name);
             HL_LOGI("[%d] location id : %s, location name : %s", i, id.c_str(), name.c_str());
             const auto known =
                 std::find_if(names.begin(), names.end(), [&](const auto& entry) { return entry.first == id; });
@@ -272,9 +261,7 @@ LocationHandler::NameById LocationHandler::getLocation() {
             } else {
                 names.emplace_back(std::move(id), std::move(name));
             }
-        } catch (const std::exception& e) {
-            HL_LOG_EXCEPTION(e);
-        }
+        });
     }
     return names;
 }
@@ -338,32 +325,30 @@ std::unordered_map<std::string, std::string> LocationHandler::getLocationIdOwner
             HL_LOGI("LocationeHandler Quit");
             break;
         }
-        try {
+        Guarded([&] {
             const auto location = users[i];
             if (location.isNull()) {
                 HL_LOGE("current location element parsing failed");
-                continue;
+                return;
             }
             const std::string id = location["locationId"].asString();
             const auto owner = location["owner"];
             if (owner.isNull()) {
                 HL_LOGE("current owner element parsing failed");
-                continue;
+                return;
             }
             const std::string accountId = owner["norvaneAccountId"].asString();
             const std::string name = owner["name"].asString();
             owners[id] = accountId == userId ? std::string() : name;
             HL_LOGI("locationd id : %s, location owner name : %s", id.c_str(), owners[id].c_str());
-        } catch (const std::exception& e) {
-            HL_LOG_EXCEPTION(e);
-        }
+        });
     }
     return owners;
 }
 
 std::string LocationHandler::getRoomInfo(const GroupList& rooms, int count, const std::string& locationId,
                                          int& roomCount) {
-    try {
+    return GuardedOr(std::string(), [&]() -> std::string {
         auto array = json::JsonValue::CreateArray();
         for (int i = 0; rooms && i < count; ++i) {
             const homeloom_client_group_h room = rooms.get()[i];
@@ -372,17 +357,13 @@ std::string LocationHandler::getRoomInfo(const GroupList& rooms, int count, cons
                 continue;
             }
             json::JsonValue info;
-            info.set(Names::ROOM_ID, ReadGroup(_agent, room, HOMELOOM_CLIENT_GROUP_PROPERTY_ID, "get room id failed"));
-            info.set(Names::ROOM_NAME,
-                     ReadGroup(_agent, room, HOMELOOM_CLIENT_GROUP_PROPERTY_NAME, "get room name failed"));
+            info.set(Names::ROOM_ID, ReadGroup(_agent, room, HOMELOOM_CLIENT_GROUP_PROPERTY_ID, kRoom.id));
+            info.set(Names::ROOM_NAME, ReadGroup(_agent, room, HOMELOOM_CLIENT_GROUP_PROPERTY_NAME, kRoom.name));
             array.append(info);
             ++roomCount;
         }
         return array.toString();
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        return {};
-    }
+    });
 }
 
 void LocationHandler::GetLocationData(const std::shared_ptr<IEndpointListHelper>& list) {

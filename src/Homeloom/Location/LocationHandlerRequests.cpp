@@ -1,9 +1,8 @@
 // Requests that change rooms, and the place of devices in them.
-#include <exception>
-
 #include <VMFramework/JsonValue.h>
 
 #include "Common/CReporter.h"
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
 #include "Homeloom/Common/CallbackTokens.h"
@@ -31,17 +30,14 @@ void LogReply(int ret, const std::string& errorMessage, const std::string& respo
 }
 
 std::string TextOfReply(const std::string& response, const char* member) {
-    try {
+    return GuardedOr(std::string(), [&]() -> std::string {
         const auto reply = json::JsonValue::Create(response);
         if (reply.isNull()) {
             HL_LOGE("parsing is failed.");
             return {};
         }
         return reply[member].asString();
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        return {};
-    }
+    });
 }
 
 std::string getChangedRoomName(const std::string& response) {
@@ -139,23 +135,19 @@ void LocationHandler::MoveDevices(const std::shared_ptr<CTransaction>& transacti
 }
 
 // On the agent's thread.
-void LocationHandler::_HomeLoomClientMoveDevicesCompleted(int error, void* userData) try {
+void LocationHandler::_HomeLoomClientMoveDevicesCompleted(int error, void* userData) {
     const auto record = CallbackTokens::Take<UserTransactionDataWithExtra>(userData);
     if (!record) {
         HL_LOGE("a move that nobody waits for is completed, result : %d", error);
         return;
     }
-    EnqueueOnScheduler(
-        [error, record] {
-            HL_LOGI("_HomeLoomClientMoveDevicesCompleted(): result : %d, devices_info : %s", error,
-                    record->extra.c_str());
-            const auto info = json::JsonValue::Create(record->extra);
-            ReportMove(record->transaction, error == HOMELOOM_CLIENT_ERROR_NONE, info[Names::DEV_IDS].asString(),
-                       info[Names::DEVICES_SIZE].asInt());
-        },
-        "_HomeLoomClientMoveDevicesCompleted");
-} catch (const std::exception& e) {
-    HL_LOG_EXCEPTION(e);
+    const auto job = [error, record] {
+        HL_LOGI("_HomeLoomClientMoveDevicesCompleted(): result : %d, devices_info : %s", error, record->extra.c_str());
+        const auto info = json::JsonValue::Create(record->extra);
+        ReportMove(record->transaction, error == HOMELOOM_CLIENT_ERROR_NONE, info[Names::DEV_IDS].asString(),
+                   info[Names::DEVICES_SIZE].asInt());
+    };
+    Guarded([&] { EnqueueOnScheduler(job, "_HomeLoomClientMoveDevicesCompleted"); });
 }
 
 }  // namespace VMFramework::HomeLoom

@@ -1,13 +1,13 @@
 // Asks the audio-video service for a stream and reads its address out of the answer.
 #include "Homeloom/Network/CAVPCameraStreamRequester.h"
 
-#include <exception>
 #include <utility>
 
 #include <KRCurl/KRCurlUtility.h>
 #include <VMFramework/JsonValue.h>
 
 #include "Common/CException.h"
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Homeloom/Network/ServerSetting.h"
 #include "Homeloom/Network/ServiceHosts.h"
@@ -27,7 +27,7 @@ bool CAVPCameraStreamRequester::RequestStreamUrl(const std::string& accessToken,
         HL_LOGE("access_token or device_id is empty");
         return false;
     }
-    try {
+    return GuardedOr(false, [&] {
         const std::list<std::string> headers = _GetHeaderList(accessToken);
         HL_LOGI("set option for request, authorization[%s]", headers.front().c_str());
         _SetHeaderList(headers);
@@ -43,10 +43,7 @@ bool CAVPCameraStreamRequester::RequestStreamUrl(const std::string& accessToken,
         // Whatever the code: a body without a stream is what fails.
         streamUrlJson = _GetStreamUrlJson(response);
         return true;
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        return false;
-    }
+    });
 }
 
 std::list<std::string> CAVPCameraStreamRequester::_GetHeaderList(const std::string& accessToken) {
@@ -94,7 +91,7 @@ std::string CAVPCameraStreamRequester::_GetStreamUrlJson(const std::string& resp
 // An empty stream object gives empty texts, which count as an address.
 bool CAVPCameraStreamRequester::_GetStreamUrl(const std::string& response, std::string& sourceId,
                                               std::string& gatewayUrl) {
-    try {
+    return LogThrown([&] {
         HL_LOGI("response[%s]", response.c_str());
         const auto document = json::JsonValue::Create(response);
         const auto stream = document["stream"];
@@ -105,10 +102,7 @@ bool CAVPCameraStreamRequester::_GetStreamUrl(const std::string& response, std::
         sourceId = stream["source_id"].asString();
         HL_LOGI("Device Id is %s, Stream URL is %s", sourceId.c_str(), gatewayUrl.c_str());
         return true;
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        throw;
-    }
+    });
 }
 
 // The form in which other cameras publish their addresses themselves.

@@ -3,9 +3,9 @@
 
 #include <cstddef>
 #include <cstring>
-#include <exception>
 #include <utility>
 
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Homeloom/Network/CurlOption.h"
 
@@ -77,7 +77,7 @@ long Send(KRCurl::KRCurlEasy& easy) {
 long CCurlHandler::RequestHttp(HttpMethod method, const std::string& url, const std::list<std::string>& headers,
                                const std::string& body, const std::string& dataBody,
                                std::function<void(const std::string&)> headerHandler, std::string& responseBody) {
-    try {
+    return LogThrown([&] {
         responseBody.clear();
         _PrintRequest(method, url, headers, body);
         KRCurl::KRCurlEasy easy;
@@ -87,23 +87,17 @@ long CCurlHandler::RequestHttp(HttpMethod method, const std::string& url, const 
                              SetReceiver(easy, _HttpResponseBodyCb, &responseBody) &&
                              (!headerHandler || SetHeaderReceiver(easy, _HttpResponseHeaderCb, &headerHandler));
         return isReady ? Send(easy) : kHttpTransportError;
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        throw;
-    }
+    });
 }
 
 long CCurlHandler::RequestHttpAlive(HttpMethod method, const std::string& url, const std::list<std::string>& headers,
                                     const std::string& body, const std::string& dataBody, RequestBase* request) {
-    try {
+    return LogThrown([&] {
         KRCurl::KRCurlEasy easy;
         const bool isReady = Prepare(easy) && _SetHttpMethod(easy, method, body, dataBody) &&
                              SetAddress(easy, headers, url) && SetReceiver(easy, _HttpAliveResponseBodyCb, request);
         return isReady ? Send(easy) : kHttpTransportError;
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        throw;
-    }
+    });
 }
 
 bool CCurlHandler::_SetHttpMethod(KRCurl::KRCurlEasy& easy, HttpMethod method, const std::string& body,

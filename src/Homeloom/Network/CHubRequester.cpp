@@ -1,8 +1,7 @@
 // Asks the cloud about this TV's hub.
 #include "Homeloom/Network/CHubRequester.h"
 
-#include <exception>
-
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 
 namespace VMFramework::HomeLoom {
@@ -15,7 +14,7 @@ constexpr long kForbidden = 403;
 }  // namespace
 
 bool CHubRequester::RequestIsHubExist(const std::string& accessToken, const std::string& hubDeviceId) {
-    try {
+    return GuardedOr(true, [&] {
         _SetHeaderList({"Authorization: Bearer " + accessToken});
         _SetMethod(HttpMethod::Get);
         _SetUrl(_GetServerUrl() + "devices/" + hubDeviceId);
@@ -25,10 +24,7 @@ bool CHubRequester::RequestIsHubExist(const std::string& accessToken, const std:
         const long code = _Request(response);
         HL_LOGI("HttpError: %ld, responseBody: %s", code, response.c_str());
         return code != kForbidden;
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        return true;
-    }
+    });
 }
 
 }  // namespace VMFramework::HomeLoom

@@ -2,11 +2,11 @@
 #include "Homeloom/Network/CNoneAVPCameraStreamRequester.h"
 
 #include <cstddef>
-#include <exception>
 #include <stdexcept>
 
 #include <VMFramework/JsonValue.h>
 
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Homeloom/Network/ServerSetting.h"
 #include "Homeloom/Network/ServiceHosts.h"
@@ -30,13 +30,10 @@ bool CNoneAVPCameraStreamRequester::StopStream(const std::string& accessToken, c
 
 bool CNoneAVPCameraStreamRequester::send(Command command, const std::string& accessToken, const std::string& deviceId) {
     HL_LOGI("device id[%s]", deviceId.c_str());
-    try {
+    return GuardedOr(false, [&] {
         request(command, accessToken, deviceId);
         return true;
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        return false;
-    }
+    });
 }
 
 void CNoneAVPCameraStreamRequester::request(Command command, const std::string& accessToken,

@@ -13,6 +13,7 @@
 #include <VMFramework/JsonValue.h>
 
 #include "Common/CException.h"
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Homeloom/Network/CurlOption.h"
 #include "Homeloom/Network/ServerSetting.h"
@@ -56,17 +57,14 @@ bool RefrigeratorInsideView::RequestValueRefresh(const std::string& resourceUri,
     if (resourceUri.empty()) {
         return false;
     }
-    try {
+    return GuardedOr(false, [&] {
         auto command = json::JsonValue::CreateObject();
         command.set(kCommand, "refresh");
         auto document = json::JsonValue::CreateObject();
         document.set(kControl, command);
         rcp = document.toString();
         return true;
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        return false;
-    }
+    });
 }
 
 InsideViewUrls RefrigeratorInsideView::RequestImageUrls(const std::string& deviceId, const std::string& representation,
@@ -119,7 +117,7 @@ std::string RefrigeratorInsideView::getServerURL(int type) {
 }
 
 std::string RefrigeratorInsideView::getDateTime(const json::JsonValue& representation) {
-    try {
+    return GuardedOr(std::string(), [&]() -> std::string {
         std::string dateTime = representation[kUpdateTime].asString();
         if (dateTime.empty()) {
             return "";
@@ -137,10 +135,7 @@ std::string RefrigeratorInsideView::getDateTime(const json::JsonValue& represent
         }
         HL_LOGI("parsed_time : %s", text);
         return text;
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        return "";
-    }
+    });
 }
 
 std::string RefrigeratorInsideView::requestImageUrls(const std::vector<std::string>& urls,

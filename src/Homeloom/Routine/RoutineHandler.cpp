@@ -1,11 +1,10 @@
 // Carries out a routine's request, makes endpoints of visible routines, and reports their events.
 #include "Homeloom/Routine/RoutineHandler.h"
 
-#include <exception>
-
 #include <VMFramework/JsonValue.h>
 
 #include "Common/CReporter.h"
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
 #include "Homeloom/Tessel/ITesselHandler.h"
@@ -30,7 +29,7 @@ void RoutineHandler::UpdateRoutineStatus(const std::shared_ptr<CTransaction>& tr
 
 // What can't be read counts as not hidden.
 bool RoutineHandler::IsHidden(const std::string& routineJson) const {
-    try {
+    return GuardedOr(false, [&] {
         const auto routine = json::JsonValue::Create(routineJson);
         if (routine.isNull()) {
             HL_LOGE("routine json parsing failed");
@@ -42,10 +41,7 @@ bool RoutineHandler::IsHidden(const std::string& routineJson) const {
             return false;
         }
         return meta["hidden"].asBool();
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        return false;
-    }
+    });
 }
 
 // ---- Endpoints and events ----

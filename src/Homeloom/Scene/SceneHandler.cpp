@@ -19,16 +19,14 @@ bool parseExecuteSceneResult(int ret, const std::string& json) {
         HL_LOGE("execute scene failed tessel ret : %d", ret);
         return false;
     }
-    try {
+    return GuardedOr(false, [&] {
         const auto reply = json::JsonValue::Create(json);
         if (reply["result"].asString() == "Success") {
             return true;
         }
         HL_LOGE("execute scene failed scene id : %s", reply["id"].asString().c_str());
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
-    return false;
+        return false;
+    });
 }
 
 std::string getSceneIdWithResultJson(const std::string& json) {

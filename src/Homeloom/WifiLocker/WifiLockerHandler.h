@@ -26,7 +26,6 @@ private:
                                                       void* userData);
 
     static int getEnabledValue(const std::string& response);
-    void* requestToken(const std::shared_ptr<CTransaction>& transaction);
     ITesselHandler& _agent;
 };
 
