@@ -16,10 +16,10 @@ enum ErrorCode : int {
     kErrorQuit = 10            ///< the handler is already quitting
 };
 
-/// A failure of the plug-in's own. what() is the message followed by "(error:", the code and ")".
-class CException : public std::domain_error {
+/// A failure with a code. what() is the message followed by "(error:", the code and ")".
+class CodedException : public std::domain_error {
 public:
-    CException(const std::string& message, int code)
+    CodedException(const std::string& message, int code)
         : std::domain_error(message + "(error:" + std::to_string(code) + ")"), _code(code) {}
 
     int GetErrorCode() const noexcept { return _code; }
@@ -28,16 +28,14 @@ private:
     int _code;
 };
 
+/// A failure of the plug-in's own.
+class CException : public CodedException {
+    using CodedException::CodedException;
+};
+
 /// A failed agent call; the code is the agent's.
-class CException_HLClient : public std::domain_error {
-public:
-    CException_HLClient(const std::string& message, int code)
-        : std::domain_error(message + "(error:" + std::to_string(code) + ")"), _code(code) {}
-
-    int GetErrorCode() const noexcept { return _code; }
-
-private:
-    int _code;
+class CException_HLClient : public CodedException {
+    using CodedException::CodedException;
 };
 
 }  // namespace VMFramework::HomeLoom

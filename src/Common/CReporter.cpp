@@ -109,14 +109,14 @@ void RoomUpdated(ReportParam& base) {
     Reporter::sendNotify(param.transaction, list);
 }
 
+// These two have the same text: a search of the log for it finds both.
+
 void SetServerEnv(ReportParam& base) {
-    // The twin has the same text: whoever searches the log for it finds both.
     HL_LOGI("SetServerEnv try to report!");
     SendAs(Reporter::sendNotify, HL_SET_SERVER_ENV, static_cast<SetServerEnvParam&>(base));
 }
 
 void GetAccessTokenUid(ReportParam& base) {
-    // The twin has the same text: whoever searches the log for it finds both.
     HL_LOGI("SetServerEnv try to report!");
     SendAs(Reporter::sendNotify, HL_GET_ACCESSTOKEN_UID, static_cast<GetAccessTokenUidParam&>(base));
 }

@@ -21,10 +21,6 @@ CTransaction::CTransaction(const std::shared_ptr<IPropertyListHelper>& request, 
 
 CTransaction::~CTransaction() = default;
 
-std::shared_ptr<IPropertyListHelper> CTransaction::GetRequestPropertyList() const {
-    return _request;
-}
-
 void CTransaction::SendResult(const std::shared_ptr<IPropertyListHelper>& list) {
     HL_LOGI("SendResult check");
     _resultHandler(list);

@@ -12,7 +12,7 @@ class IPropertyListHelper;
 
 /// One framework request on its way through the system: what was asked, and how to answer it.
 ///
-/// Held by its queued job and by whoever has still to answer. A null pointer is legal everywhere and means that there
+/// Held by its queued job and by what has still to answer. A null pointer is legal everywhere and means that there
 /// is no request to answer: an update that arose by itself. A transaction that is dropped without an answer leaves the
 /// framework without a reply.
 ///
@@ -26,7 +26,7 @@ public:
                                                 NotifyHandler notifyHandler, ResultHandler resultHandler);
     virtual ~CTransaction();
 
-    std::shared_ptr<IPropertyListHelper> GetRequestPropertyList() const;
+    std::shared_ptr<IPropertyListHelper> GetRequestPropertyList() const { return _request; }
     /// An empty handler raises std::bad_function_call.
     void SendResult(const std::shared_ptr<IPropertyListHelper>& list);
     void SendNotify(const std::shared_ptr<IPropertyListHelper>& list);

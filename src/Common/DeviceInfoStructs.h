@@ -6,7 +6,7 @@
 
 namespace VMFramework::HomeLoom {
 
-/// What a button says when nobody presses it, and how long a press shows until then.
+/// What a button at rest says, and how long a press shows before that.
 inline constexpr char kButtonReady[] = "Ready";
 inline constexpr unsigned kButtonStandbyMs = 1000;
 

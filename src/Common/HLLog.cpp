@@ -62,10 +62,8 @@ void WriteException(const Place& place, const std::exception& exception) {
     if (!IsTaken(DLOG_ERROR, kTag)) {
         return;
     }
-    if (const auto* own = dynamic_cast<const CException*>(&exception)) {
-        Write(DLOG_ERROR, kTag, place, "Exception !! - %s(error_code:%d)", own->what(), own->GetErrorCode());
-    } else if (const auto* agent = dynamic_cast<const CException_HLClient*>(&exception)) {
-        Write(DLOG_ERROR, kTag, place, "Exception !! - %s(error_code:%d)", agent->what(), agent->GetErrorCode());
+    if (const auto* coded = dynamic_cast<const CodedException*>(&exception)) {
+        Write(DLOG_ERROR, kTag, place, "Exception !! - %s(error_code:%d)", coded->what(), coded->GetErrorCode());
     } else {
         Write(DLOG_ERROR, kTag, place, "Exception !! - %s", exception.what());
     }

@@ -23,7 +23,7 @@
 // A lambda has no name of its own: its lines name the function around it, for which the log needs the whole signature.
 #define HL_FUNCTION (VMFramework::HomeLoom::Log::IsLambda(__func__) ? __PRETTY_FUNCTION__ : __func__)
 
-// For a helper that logs on behalf of whoever called it: the line names the caller, and the helper takes
+// For a helper that logs on behalf of its caller: the line names the caller, and the helper takes
 // 'const Log::Place& caller = HL_CALLER' as its last parameter. An exception is logged by Log::WriteException.
 #define HL_CALLER \
     { __builtin_FILE(), __builtin_FUNCTION(), __builtin_LINE() }
@@ -62,7 +62,7 @@ inline bool IsTaken(log_priority priority, const char* tag) {
 void Write(log_priority priority, const char* tag, const Place& place, const char* format, ...)
     __attribute__((format(printf, 4, 5)));
 
-/// Logs "Exception !! - ..." at error level, with the code of a CException or CException_HLClient.
+/// Logs "Exception !! - ..." at error level, with the code if it is a CodedException.
 void WriteException(const Place& place, const std::exception& exception);
 
 class CallTrace {

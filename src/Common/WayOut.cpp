@@ -1,4 +1,4 @@
-// Who stands in the plug-in's way out, and what happens to reports while nobody does.
+// Holds the plug-in's way out, and drops reports while none is open.
 #include "Common/WayOut.h"
 
 #include <atomic>

@@ -16,8 +16,8 @@ enum class PluginStatus : int {
     Waiting = 2       ///< the agent still waits for its connection
 };
 
-/// The plug-in's way out: whoever has something to tell the framework calls this and knows nothing of the frame. The
-/// frame fills it with CPluginMgr.
+/// The plug-in's way out: what reports to the framework calls this and knows nothing of the frame. The frame fills it
+/// with CPluginMgr.
 ///
 /// Reports may come from any thread. They are serialised, never throw, and log what failed.
 class IWayOut {

@@ -17,16 +17,6 @@ std::shared_ptr<IEndpointListHelper> IEndpointListHelper::Create() {
     return std::make_shared<CEndpointListHelper>(list);
 }
 
-CEndpointListHelper::CEndpointListHelper(vmf_endpoint_list_h list) noexcept : _list(list) {}
-
-CEndpointListHelper::~CEndpointListHelper() {
-    vmf_endpoint_list_destroy(_list);
-}
-
-vmf_endpoint_list_h CEndpointListHelper::GetHandle() {
-    return _list;
-}
-
 void CEndpointListHelper::Push(vmf_endpoint_h endpoint, vmf_error_e error) {
     if (error != VMF_ERROR_NONE || vmf_endpoint_list_push_endpoint(_list, endpoint) != VMF_ERROR_NONE) {
         HL_LOGE("Push is failed");
@@ -47,22 +37,6 @@ void CEndpointListHelper::Pop(void** endpoint, vmf_error_e* error) {
 
 vmf_endpoint_h CEndpointListHelper::Find(const std::string& deviceId) {
     return vmf_endpoint_list_find(_list, deviceId.c_str());
-}
-
-void* CEndpointListHelper::GetFirst() const {
-    return vmf_endpoint_list_get_first(_list);
-}
-
-void* CEndpointListHelper::GetNext(void* cursor) const {
-    return vmf_endpoint_list_get_next(_list, cursor);
-}
-
-bool CEndpointListHelper::Empty() const {
-    return vmf_endpoint_list_empty(_list);
-}
-
-int CEndpointListHelper::GetCount() const {
-    return _count;
 }
 
 int CEndpointListHelper::GetCount(const std::string& deviceType) const {

@@ -97,10 +97,6 @@ void HomeloomClient::Init() {
     initClient();
 }
 
-void HomeloomClient::Deinit() {
-    deinitClient();
-}
-
 void HomeloomClient::initClient() {
     LogThrown([&] {
         const std::lock_guard<std::recursive_mutex> lock(_sessionMutex);
@@ -229,7 +225,7 @@ void HomeloomClient::disconnectClient() {
     _isConnectionWanted = false;
     const int result = _agent.Disconnect();
     HL_LOGI("homeloom_client_disconnect() ret : %d", result);
-    // The agent has dropped its pending calls, so nobody will come for what waits for their answers.
+    // The agent has dropped its pending calls: what waits for their answers would wait for ever.
     CallbackTokens::DropKept();
 }
 
@@ -299,17 +295,9 @@ int HomeloomClient::getConnectionStatus() {
     return _agent.GetState();
 }
 
-bool HomeloomClient::getIsAgentConnected() const {
-    return _isAgentConnected;
-}
-
 void HomeloomClient::setIsAgentConnected(bool isConnected) {
     const std::lock_guard<std::recursive_mutex> lock(_sessionMutex);
     _isAgentConnected = isConnected;
-}
-
-bool HomeloomClient::isHomeLoomClientAvailable() const {
-    return getIsAgentConnected();
 }
 
 bool HomeloomClient::isClientAvailable() const {
@@ -638,10 +626,6 @@ std::string HomeloomClient::processGetFavorites(const std::string& locationId) {
 std::unordered_map<std::string, core_location_info_struct> HomeloomClient::processGetLocations() {
     const auto location = _locationHandler.Get();
     return location ? location->GetCoreLocations() : std::unordered_map<std::string, core_location_info_struct>();
-}
-
-std::string HomeloomClient::processGetAccessToken() {
-    return GetAccessToken();
 }
 
 bool HomeloomClient::processIsLocalHubConnectedDevice(const std::string& deviceId) {

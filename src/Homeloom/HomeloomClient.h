@@ -69,7 +69,7 @@ public:
     HomeloomClient& operator=(const HomeloomClient&) = delete;
 
     void Init();
-    void Deinit();
+    void Deinit() { deinitClient(); }
 
     // ---- Device list ----
 
@@ -164,8 +164,8 @@ private:
     // ---- Session (HomeloomClient.cpp) ----
 
     bool isClientAvailable() const;
-    bool isHomeLoomClientAvailable() const;
-    bool getIsAgentConnected() const;
+    bool isHomeLoomClientAvailable() const { return getIsAgentConnected(); }
+    bool getIsAgentConnected() const { return _isAgentConnected; }
     std::string GetAccessToken() const;
 
     // Connector
@@ -173,7 +173,7 @@ private:
     void processOnProfileUpdateEvent(UpdateList reason) override;
     std::string processGetFavorites(const std::string& locationId) override;
     std::unordered_map<std::string, core_location_info_struct> processGetLocations() override;
-    std::string processGetAccessToken() override;
+    std::string processGetAccessToken() override { return GetAccessToken(); }
     bool processIsLocalHubConnectedDevice(const std::string& deviceId) override;
     std::string processGetParentIdOfIRDevice(const std::string& deviceJson) override;
 

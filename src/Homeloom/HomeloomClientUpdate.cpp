@@ -67,7 +67,7 @@ void HomeloomClient::deinitClientByAgentUpdate() {
         if (const auto device = _deviceHandler.Get()) {
             device->ClearTimers();
         }
-        // The group callback is the location handler's; without the handler nobody takes it back.
+        // The group callback is the location handler's, which goes with the next line and no longer takes it back.
         _agent.UnsetGroupListUpdatedCb();
         forEachReplaceable([](auto& slot) { slot.Reset(); });
         _retryCounter.Reset();

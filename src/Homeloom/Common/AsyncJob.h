@@ -111,7 +111,7 @@ private:
 
     void giveUp(void* token, const std::atomic<bool>& contextRunning, long long duration) const {
         HL_LOGE("[%s][TIMEOUT] try to set value for promise[%p]", _name.c_str(), token);
-        // Whoever takes the token settles the call. Taken here, a late callback finds the promise satisfied; if the
+        // Taking the token settles the call. Taken here, a late callback finds the promise satisfied; if the
         // callback was quicker by a hair, its reply is destroyed with the promise.
         if (!CallbackTokens::Take<std::promise<Param>>(token)) {
             HL_LOGE("future exception: %s", std::future_error(std::future_errc::promise_already_satisfied).what());

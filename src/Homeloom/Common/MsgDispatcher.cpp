@@ -11,7 +11,7 @@ namespace VMFramework::HomeLoom {
 
 namespace {
 
-// Nobody waits this long: a pusher wakes the thread. It bounds the damage should a wake-up ever get lost.
+// A pusher wakes the thread sooner. This bounds the damage should a wake-up ever get lost.
 constexpr std::chrono::milliseconds kIdleWait{500};
 
 }  // namespace

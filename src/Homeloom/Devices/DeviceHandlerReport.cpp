@@ -22,12 +22,6 @@ namespace {
 
 constexpr char kWebrtcUri[] = "/capability/webrtc/main/0";
 
-struct EndpointDeleter {
-    void operator()(vmf_endpoint_h endpoint) const { vmf_endpoint_destroy(endpoint); }
-};
-// An endpoint that no list owns yet.
-using UnlistedEndpoint = std::unique_ptr<std::remove_pointer_t<vmf_endpoint_h>, EndpointDeleter>;
-
 json::JsonValue getIconsInfo(const json::JsonValue& item) {
     auto icons = json::JsonValue::CreateObject();
     icons.set(Names::ICON_DEVICE_ID, item[Names::ICON_DEVICE_ID].asString());

@@ -170,7 +170,7 @@ void CIrOnboardingInfo::CAcState::ParseQseAcState(const std::string& json) {
     ReadTexts(state["availFanSpeeds"], _availableFanSpeeds);
     ReadTexts(state["availPowers"], _availablePowers);
     if (_availablePowers.size() == 1 && _availablePowers.front() == "single") {
-        // One key that toggles: nobody can tell how the device stands, so it starts out as off.
+        // One key that toggles: the device's state is unknown, so it starts out as off.
         _availablePowers = {"on", "off"};
         _currentPower = "off";
     }

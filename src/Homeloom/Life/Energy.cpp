@@ -45,10 +45,6 @@ void Energy::EnergyInfoUpdated(const std::string& installedAppId) {
     GetEnergyInfo(nullptr, installedAppId);
 }
 
-void Energy::Deinit() {
-    _quit = true;
-}
-
 bool Energy::isQuit() const {
     if (_quit) {
         HL_LOGI("already quit. do nothing");

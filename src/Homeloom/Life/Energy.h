@@ -28,7 +28,7 @@ public:
     /// The energy service says that there is something new: only the second stage.
     void EnergyInfoUpdated(const std::string& installedAppId);
     /// Ends what goes on, soon, and lets nothing begin any more.
-    void Deinit();
+    void Deinit() { _quit = true; }
 
 private:
     using Consumption = std::unordered_map<std::string, int>;  // watt hours by device id

@@ -71,8 +71,8 @@ std::string FindGroupName(ITesselHandler& agent, const std::string& id, const Lo
     return GuardedOr(std::string(), find, caller);
 }
 
-// Empty for a location that is not in the map. An owner without a name is the user, so a location that nobody
-// could be found for counts as the user's own.
+// Empty for a location that is not in the map. An owner without a name is the user, so a location whose owner
+// was not found counts as the user's own.
 std::string getLocationOwnerName(const std::unordered_map<std::string, std::string>& owners, const std::string& id) {
     const auto found = owners.find(id);
     return found != owners.end() ? found->second : std::string();
@@ -387,8 +387,8 @@ void LocationHandler::GetLocationData(const std::shared_ptr<IEndpointListHelper>
         const std::string roomInfo = getRoomInfo(rooms, groupCount, id, roomCount);
         const std::string favorites = getFavorites ? getFavorites(id) : std::string();
 
-        // Nobody owns an endpoint until it is pushed.
         const auto endpoint = IEndpointHelper::Create();
+        UnlistedEndpoint unlisted(endpoint->GetHandle());
         endpoint->SetServiceName(Names::HOMELOOM);
         endpoint->SetDeviceType(Names::HOMELOOM_DUMMY);
         endpoint->SetDeviceId(id);
@@ -402,7 +402,7 @@ void LocationHandler::GetLocationData(const std::shared_ptr<IEndpointListHelper>
         endpoint->SetExtraData(Names::FAVORITE_INFO_ARRAY, favorites);
         HL_LOGI("location id: %s, location name: %s, owner name : %s, room_cnt: %d, room_info : %s", id.c_str(),
                 name.c_str(), ownerName.c_str(), roomCount, roomInfo.c_str());
-        list->Push(endpoint->GetHandle(), VMF_ERROR_NONE);
+        list->Push(unlisted.release(), VMF_ERROR_NONE);
     }
 }
 

@@ -100,12 +100,13 @@ void LocationRecords<Record>::AppendEndpoints(const std::shared_ptr<IEndpointLis
     for (const auto& [id, json] : GetAll()) {
         throwIfQuit();
         const auto endpoint = IEndpointHelper::Create();
+        UnlistedEndpoint unlisted(endpoint->GetHandle());
         endpoint->SetServiceName(Names::HOMELOOM);
         endpoint->SetInterfaceType(_kind.interfaceType);
         endpoint->SetDeviceType(Names::HOMELOOM_DUMMY);
         endpoint->SetDeviceId(id);
         endpoint->SetExtraData(_kind.jsonKey, json);
-        list->Push(endpoint->GetHandle(), VMF_ERROR_NONE);
+        list->Push(unlisted.release(), VMF_ERROR_NONE);
     }
 }
 

@@ -16,19 +16,21 @@ public:
     virtual ~CRestHandler() = default;
 
 protected:
-    virtual void _SetMethod(HttpMethod method);
-    virtual void _SetUrl(const std::string& url);
+    virtual void _SetMethod(HttpMethod method) { _method = method; }
+    virtual void _SetUrl(const std::string& url) { _url = url; }
     /// Whole lines, without their ends.
-    virtual void _SetHeaderList(const std::list<std::string>& headers);
-    virtual void _SetBody(const std::string& body);
+    virtual void _SetHeaderList(const std::list<std::string>& headers) { _headers = headers; }
+    virtual void _SetBody(const std::string& body) { _body = body; }
     /// Data of a POST; wins over the body.
-    virtual void _SetDataBody(const std::string& dataBody);
+    virtual void _SetDataBody(const std::string& dataBody) { _dataBody = dataBody; }
     // Part of the interface; no caller in the plug-in.
     /// Is told of each line of the response's header.
-    virtual void _SetHeaderHandler(std::function<void(const std::string&)> handler);
+    virtual void _SetHeaderHandler(std::function<void(const std::string&)> handler) { _headerHandler.swap(handler); }
 
     /// See CCurlHandler::RequestHttp.
-    long _RequestHttp(std::string& responseBody);
+    long _RequestHttp(std::string& responseBody) {
+        return _curlHandler.RequestHttp(_method, _url, _headers, _body, _dataBody, _headerHandler, responseBody);
+    }
 
 private:
     CCurlHandler _curlHandler;

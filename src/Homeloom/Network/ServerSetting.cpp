@@ -23,14 +23,6 @@ constexpr std::array<const char*, 4> kEnvNames{"PROD", "ACC", "STG", "DEV"};
 
 }  // namespace
 
-e_server_env_ ServerSetting::GetIoTCloudServerEnv() {
-    return GetOrProduction(SERVER_TYPE_IOTCLOUD);
-}
-
-e_server_env_ ServerSetting::GetUImetaServerEnv() {
-    return GetOrProduction(SERVER_TYPE_UIMETA);
-}
-
 e_server_env_ ServerSetting::GetOrProduction(e_server_type_ type) {
     try {
         return get_server_env(type);

@@ -15,8 +15,8 @@ enum e_server_env_ : int { SERVER_ENV_PROD = 0, SERVER_ENV_ACC = 1, SERVER_ENV_S
 class ServerSetting {
 public:
     /// Read from the setting anew each time. Production if that fails.
-    e_server_env_ GetIoTCloudServerEnv();
-    e_server_env_ GetUImetaServerEnv();
+    e_server_env_ GetIoTCloudServerEnv() { return GetOrProduction(SERVER_TYPE_IOTCLOUD); }
+    e_server_env_ GetUImetaServerEnv() { return GetOrProduction(SERVER_TYPE_UIMETA); }
 
     /// These throw when the setting can't be read.
     e_server_env_ get_server_env(e_server_type_ type);

@@ -46,14 +46,6 @@ bool RoutineHandler::IsHidden(const std::string& routineJson) const {
 
 // ---- Endpoints and events ----
 
-void RoutineHandler::GetRoutineData(const std::shared_ptr<IEndpointListHelper>& list) {
-    AppendEndpoints(list);
-}
-
-void RoutineHandler::HandleSSERoutine(const std::string& json) {
-    HandleEvent(json);
-}
-
 template <typename Param>
 void RoutineHandler::reportVisible(const std::string& locationId, const std::string& routineId) {
     Param param(nullptr);

@@ -20,10 +20,10 @@ public:
                              const std::string& routineId, bool enable);
 
     /// One event of the stream. Throws when a member that it reads is no text.
-    void HandleSSERoutine(const std::string& json);
+    void HandleSSERoutine(const std::string& json) { HandleEvent(json); }
     /// Appends one endpoint for each routine of all locations that is not hidden. Throws CException when the handler
     /// quits.
-    void GetRoutineData(const std::shared_ptr<IEndpointListHelper>& list);
+    void GetRoutineData(const std::shared_ptr<IEndpointListHelper>& list) { AppendEndpoints(list); }
 
 private:
     bool IsHidden(const std::string& json) const override;

@@ -110,18 +110,6 @@ void SceneHandler::GetSceneIconInfo(const std::shared_ptr<CTransaction>& transac
 
 // ---- Endpoints and events ----
 
-int SceneHandler::GetSceneCount() {
-    return static_cast<int>(GetAll().size());
-}
-
-void SceneHandler::GetSceneData(const std::shared_ptr<IEndpointListHelper>& list) {
-    AppendEndpoints(list);
-}
-
-void SceneHandler::HandleSSEScene(const std::string& json) {
-    HandleEvent(json);
-}
-
 void SceneHandler::Created(const std::string& locationId, const std::string& sceneId) {
     HL_LOGI("[sceneCreated] location_id : %s, scene_id : %s", locationId.c_str(), sceneId.c_str());
     ReportChange<CreateSceneParam>(locationId, sceneId, GetJson(locationId, sceneId));

@@ -26,10 +26,10 @@ public:
     void GetSceneIconInfo(const std::shared_ptr<CTransaction>& transaction);
 
     /// One event of the stream. Throws when a member that it reads is no text.
-    void HandleSSEScene(const std::string& json);
+    void HandleSSEScene(const std::string& json) { HandleEvent(json); }
     /// Appends one endpoint for each scene of all locations. Both throw CException when the handler quits.
-    void GetSceneData(const std::shared_ptr<IEndpointListHelper>& list);
-    int GetSceneCount();
+    void GetSceneData(const std::shared_ptr<IEndpointListHelper>& list) { AppendEndpoints(list); }
+    int GetSceneCount() { return static_cast<int>(GetAll().size()); }
 
 private:
     bool IsHidden(const std::string&) const override { return false; }

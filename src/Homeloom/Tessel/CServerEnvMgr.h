@@ -15,8 +15,8 @@ class ITesselHandler;
 /// thread.
 class CServerEnvMgr : public CSingleton<CServerEnvMgr>, public ServerSetting {
 public:
-    /// Who is asked for the environments that the agent has. The session names it before the first request, and null
-    /// before it goes away; without one nobody knows what the agent has.
+    /// The agent to ask for its environments. The session sets it before the first request, and null before the agent
+    /// goes away; without one the agent's environments are unknown.
     void SetAgent(ITesselHandler* agent) { _agent = agent; }
 
     /// Asks the agent's application for other environments, in the agent's numbering: 0 staging, 1 production, 2

@@ -130,7 +130,7 @@ public:
     /// Types and environments are the agent's, see homeloom_client.h.
     virtual int GetServerEnv(int type, int& env) = 0;
     virtual int SetServerEnv(int type, int env) = 0;
-    /// Writes the sign-in summary for other processes of the TV; nothing when nobody is signed in.
+    /// Writes the sign-in summary for other processes of the TV; nothing without a signed-in user.
     virtual void StoreSigninInfo() = 0;
     /// Empty on failure.
     virtual std::string GetUserId() = 0;

@@ -1,29 +1,24 @@
 #ifndef HOMELOOM_HOMELOOM_TESSEL_TESSELHANDLER_H
 #define HOMELOOM_HOMELOOM_TESSEL_TESSELHANDLER_H
 
-#include <atomic>
 #include <string>
 #include <vector>
 
 #include "Common/CSingleton.h"
-#include "Common/Mutex.h"
-#include "Homeloom/Common/FairMutex.h"
 #include "Homeloom/Network/CRestHandler.h"
 #include "Homeloom/Tessel/ITesselHandler.h"
+#include "Homeloom/Tessel/TesselCall.h"
 
 namespace VMFramework::HomeLoom {
 
 /// The one place that calls the agent, but for the record accessors. See ITesselHandler for what the operations do.
-///
-/// One plain mutex is held for the whole of each operation, a blocking one included: no operation may call another
-/// one under it. That is what the private forms that begin with "_" are for.
-class TesselHandler : public ITesselHandler, public CSingleton<TesselHandler>, public CRestHandler {
+class TesselHandler : public ITesselHandler, public CSingleton<TesselHandler>, public CRestHandler, private TesselCall {
 public:
     // ---- Session ----
 
-    homeloom_client_h GetHandle() override;
-    void Init() override;
-    void Quit() override;
+    homeloom_client_h GetHandle() override { return _clientHandle; }
+    void Init() override { _contextRunning = true; }
+    void Quit() override { _contextRunning = false; }
 
     int SetSignInStateChangeCb(homeloom_client_sign_in_state_changed_cb cb, void* userData) override;
     int UnsetSignInStateChangeCb() override;
@@ -219,50 +214,12 @@ private:
     friend class CSingleton<TesselHandler>;
     TesselHandler() = default;
 
-    // What an operation asks of its arguments or of its record; with the forms of a call in TesselCall.h.
-    struct Needs;
-    struct Complaint;
-
-    bool _MayCall(const Needs& needs) const REQUIRES(_mutex);
-    template <typename... Parameters, typename... Args>
-    int _Call(const Needs& needs, int (*function)(homeloom_client_h, Parameters...), const Args&... args);
-    template <typename... Parameters, typename... Args>
-    int _CallForText(const Needs& needs, std::string& text, int (*function)(homeloom_client_h, Parameters...),
-                     const Args&... args);
-    template <typename Record, typename... Parameters, typename... Args>
-    int _Access(const Complaint& complaint, int (*function)(Record, Parameters...), Record record, const Args&... args);
-    template <typename Record>
-    int _AccessText(const Complaint& complaint, int (*function)(Record, int, char**), Record record, int field,
-                    std::string& text);
-    template <typename Record>
-    int _DestroyList(const Complaint& complaint, int (*destroy)(Record), Record* list, int count);
-
-    template <typename Param, typename... Parameters, typename... Args>
-    Param _Await(const Needs& needs, int (*function)(homeloom_client_h, Parameters...), const Args&... args);
-    template <typename Param, typename... Parameters, typename... Args>
-    int _AwaitText(const Needs& needs, std::string& json, std::string& errorMessage,
-                   int (*function)(homeloom_client_h, Parameters...), const Args&... args);
-    template <typename Param, typename... Parameters, typename... Args>
-    int _AwaitText(const Needs& needs, std::string& json, int (*function)(homeloom_client_h, Parameters...),
-                   const Args&... args);
-    template <typename Param, typename Record, typename... Parameters, typename... Args>
-    int _AwaitList(const Needs& needs, Record*& list, int& count, int (*function)(homeloom_client_h, Parameters...),
-                   const Args&... args);
-    template <typename Param, typename Record, typename... Parameters, typename... Args>
-    int _AwaitRecord(const Needs& needs, Record& record, int (*function)(homeloom_client_h, Parameters...),
-                     const Args&... args);
-
     int _GetAccessToken(std::string& accessToken) const REQUIRES(_mutex);
     int _GetClientDeviceID(std::string& deviceId) const REQUIRES(_mutex);
     int _GetServerEnv(int type, int& env) const REQUIRES(_mutex);
     std::string _GetUserId() const REQUIRES(_mutex);
     std::string _GetServerEnvName(int type) const REQUIRES(_mutex);
 
-    // Written under the mutex only; atomic for GetHandle.
-    std::atomic<homeloom_client_h> _clientHandle{nullptr};
-    FairMutex _mutex;
-    // What blocking operations wait under. Written without the mutex, or nobody could end a wait.
-    std::atomic<bool> _contextRunning{true};
     std::string _accessToken GUARDED_BY(_mutex);
 };
 

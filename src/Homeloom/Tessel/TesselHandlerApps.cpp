@@ -1,5 +1,5 @@
 // Facade: installed applications, the catalog, and usage events.
-#include "Homeloom/Tessel/TesselCall.h"
+#include "Homeloom/Tessel/TesselHandler.h"
 
 namespace VMFramework::HomeLoom {
 

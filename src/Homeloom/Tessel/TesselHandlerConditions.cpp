@@ -1,5 +1,5 @@
 // Facade: the conditions under which the agent launches an application.
-#include "Homeloom/Tessel/TesselCall.h"
+#include "Homeloom/Tessel/TesselHandler.h"
 
 namespace VMFramework::HomeLoom {
 

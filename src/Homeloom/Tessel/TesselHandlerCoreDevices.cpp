@@ -1,5 +1,5 @@
 // Facade: core devices, their documents and commands, infrared devices, and the event stream.
-#include "Homeloom/Tessel/TesselCall.h"
+#include "Homeloom/Tessel/TesselHandler.h"
 
 namespace VMFramework::HomeLoom {
 

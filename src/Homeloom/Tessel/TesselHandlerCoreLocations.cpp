@@ -1,5 +1,5 @@
 // Facade: core locations and rooms.
-#include "Homeloom/Tessel/TesselCall.h"
+#include "Homeloom/Tessel/TesselHandler.h"
 
 namespace VMFramework::HomeLoom {
 

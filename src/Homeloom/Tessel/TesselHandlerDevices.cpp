@@ -1,7 +1,7 @@
 // Facade: devices, their details, remote resources and subscriptions.
 #include <algorithm>
 
-#include "Homeloom/Tessel/TesselCall.h"
+#include "Homeloom/Tessel/TesselHandler.h"
 
 namespace VMFramework::HomeLoom {
 

@@ -1,5 +1,5 @@
 // Facade: groups, which are the agent's older form of locations and rooms.
-#include "Homeloom/Tessel/TesselCall.h"
+#include "Homeloom/Tessel/TesselHandler.h"
 
 namespace VMFramework::HomeLoom {
 

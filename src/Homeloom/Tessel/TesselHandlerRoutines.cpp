@@ -1,5 +1,5 @@
 // Facade: routines, which the agent calls rules.
-#include "Homeloom/Tessel/TesselCall.h"
+#include "Homeloom/Tessel/TesselHandler.h"
 
 namespace VMFramework::HomeLoom {
 

@@ -2,7 +2,7 @@
 #include <VMFramework/JsonValue.h>
 #include <vconf.h>
 
-#include "Homeloom/Tessel/TesselCall.h"
+#include "Homeloom/Tessel/TesselHandler.h"
 
 namespace VMFramework::HomeLoom {
 
@@ -13,18 +13,6 @@ constexpr int kServerTypeIotCloud = 0;
 constexpr int kServerTypeUiMeta = 1;
 
 }  // namespace
-
-homeloom_client_h TesselHandler::GetHandle() {
-    return _clientHandle;
-}
-
-void TesselHandler::Init() {
-    _contextRunning = true;
-}
-
-void TesselHandler::Quit() {
-    _contextRunning = false;
-}
 
 int TesselHandler::SetSignInStateChangeCb(homeloom_client_sign_in_state_changed_cb cb, void* userData) {
     return _Call({{cb != nullptr, "cbFunc is null"}}, homeloom_client_set_sign_in_state_changed_cb, cb, userData);

@@ -1,5 +1,5 @@
 // Facade: the Wi-Fi locker setting and the key-value store.
-#include "Homeloom/Tessel/TesselCall.h"
+#include "Homeloom/Tessel/TesselHandler.h"
 
 namespace VMFramework::HomeLoom {
 

@@ -20,7 +20,7 @@ using ObjectOwner = std::unique_ptr<Object, decltype(&g_object_unref)>;
 /// Has the JSON library stay in the process from now on.
 ///
 /// It registers its types with GObject, which stays and never forgets a type; but it may be unloaded itself, together
-/// with the plug-in if nobody else uses it. The types would then lead into memory that is gone, and the plug-in,
+/// with the plug-in if nothing else uses it. The types would then lead into memory that is gone, and the plug-in,
 /// loaded again, could not register them a second time.
 void KeepJsonLibrary() {
     Dl_info where{};
