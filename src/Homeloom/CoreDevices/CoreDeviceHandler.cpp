@@ -126,14 +126,24 @@ void CoreDeviceHandler::BuildCoreDeviceList() {
             info.manufacturer_name.c_str(), info.device_type.c_str(), info.location_id.c_str(), info.room_id.c_str(),
             info.network_type.c_str());
         const MutexLock lock(_mutex);
-        _coreDeviceMap[info.device_id] = std::move(info);
+        _coreDeviceMap[info.device_id] = {std::move(info.device_name),      SharedText(info.device_type),
+                                          SharedText(info.location_id),     SharedText(info.room_id),
+                                          SharedText(info.presentation_id), SharedText(info.manufacturer_name),
+                                          SharedText(info.network_type)};
         return true;
     });
 }
 
 std::unordered_map<std::string, core_device_info> CoreDeviceHandler::GetCoreDeviceInfo() const {
+    std::unordered_map<std::string, core_device_info> devices;
     const MutexLock lock(_mutex);
-    return _coreDeviceMap;
+    devices.reserve(_coreDeviceMap.size());
+    for (const auto& [id, held] : _coreDeviceMap) {
+        devices.emplace(id, core_device_info{id, held.device_name, held.device_type.get(), held.location_id.get(),
+                                             held.room_id.get(), held.presentation_id.get(),
+                                             held.manufacturer_name.get(), held.network_type.get()});
+    }
+    return devices;
 }
 
 std::string CoreDeviceHandler::GetCoreDeviceNetworkType(const std::string& id) const {
@@ -142,7 +152,7 @@ std::string CoreDeviceHandler::GetCoreDeviceNetworkType(const std::string& id) c
     }
     const MutexLock lock(_mutex);
     const auto found = _coreDeviceMap.find(id);
-    return found != _coreDeviceMap.end() ? found->second.network_type : "";
+    return found != _coreDeviceMap.end() ? found->second.network_type.get() : "";
 }
 
 std::string CoreDeviceHandler::GetCoreDeviceType(const std::string& id) const {
@@ -151,7 +161,7 @@ std::string CoreDeviceHandler::GetCoreDeviceType(const std::string& id) const {
     }
     const MutexLock lock(_mutex);
     const auto found = _coreDeviceMap.find(id);
-    return found != _coreDeviceMap.end() ? found->second.device_type : "";
+    return found != _coreDeviceMap.end() ? found->second.device_type.get() : "";
 }
 
 std::unordered_map<std::string, core_device_icon_info> CoreDeviceHandler::GetCoreDeviceIconList() {

@@ -9,6 +9,7 @@
 
 #include "Common/HLLog.h"
 #include "Common/Mutex.h"
+#include "Common/SharedText.h"
 #include "Homeloom/Common/Handler.h"
 
 namespace VMFramework::HomeLoom {
@@ -67,6 +68,17 @@ public:
     std::unordered_map<std::string, core_device_type_info> GetCoreDeviceTypeList();
 
 private:
+    /// What is held as core_device_info. Texts that others are likely to have too are kept once.
+    struct Held {
+        std::string device_name;
+        SharedText device_type;
+        SharedText location_id;
+        SharedText room_id;
+        SharedText presentation_id;
+        SharedText manufacturer_name;
+        SharedText network_type;
+    };
+
     bool readField(homeloom_core_device_h device, int field, std::string& value, const char* failure,
                    const Log::Place& caller = HL_CALLER);
     void walk(const std::function<bool(int ret, int size)>& check,
@@ -75,7 +87,7 @@ private:
 
     mutable Mutex _mutex;  // a leaf
     std::function<std::string(const std::string&)> _getParentDeviceId GUARDED_BY(_mutex);
-    std::unordered_map<std::string, core_device_info> _coreDeviceMap GUARDED_BY(_mutex);
+    std::unordered_map<std::string, Held> _coreDeviceMap GUARDED_BY(_mutex);
     ITesselHandler& _agent;
 };
 

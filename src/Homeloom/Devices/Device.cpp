@@ -1,6 +1,7 @@
 // A device's fields and resource values, what an update changed among them, and its timer.
 #include "Homeloom/Devices/Device.h"
 
+#include <algorithm>
 #include <exception>
 #include <utility>
 
@@ -16,7 +17,28 @@ namespace VMFramework::HomeLoom {
 
 Device::Device() = default;
 
-Device::Device(const _deviceInfo& info) : _id(info.device_id), _info(info) {}
+Device::Device(const _deviceInfo& info) : _id(info.device_id), _told(info) {}
+
+Device::Told::Told(const _deviceInfo& info)
+    : device_name(info.device_name),
+      nick_name(info.nick_name),
+      vid(info.vid),
+      device_type(info.device_type),
+      location_name(info.location_name),
+      room_name(info.room_name),
+      location_id(info.location_id),
+      room_id(info.room_id),
+      prefix(info.prefix),
+      core_device_type(info.core_device_type),
+      core_device_network_type(info.core_device_network_type),
+      core_device_parent_device_id(info.core_device_parent_device_id),
+      core_device_animation_icon_url(info.core_device_animation_icon_url),
+      core_device_activated_icon_url(info.core_device_activated_icon_url),
+      core_device_inactivated_icon_url(info.core_device_inactivated_icon_url),
+      core_device_disconnected_icon_url(info.core_device_disconnected_icon_url),
+      core_device_icon_key(info.core_device_icon_key),
+      core_device_icon_date(info.core_device_icon_date),
+      status(info.status) {}
 
 Device::~Device() {
     if (_token != nullptr) {
@@ -33,15 +55,13 @@ std::shared_ptr<Device> Device::findByToken(void* token) {
     return CallbackTokens::Find<Device>(token);
 }
 
-// Each evaluation sets it once for each argument, mostly to what it was; only what goes out needs the text.
+// Each evaluation sets it once for each argument; only what goes out needs the text.
 void Device::SetDeviceOperationalContext(const std::string& uri, const std::string& property,
                                          const std::string& value) {
-    if (_operationalContext && _operationalContext->value == value && _operationalContext->property == property &&
-        _operationalContext->uri == uri) {
-        return;
-    }
-    _operationalContext = device_context_struct{uri, property, value};
-    _operationalContextText.clear();
+    _operationalContext.isSet = true;
+    _operationalContext.uri = uri;
+    _operationalContext.property = property;
+    _operationalContext.value = value;
 }
 
 void Device::SetDeviceOperationalContext(const device_context_struct& context) {
@@ -49,73 +69,78 @@ void Device::SetDeviceOperationalContext(const device_context_struct& context) {
 }
 
 Device::ContextKeeper::ContextKeeper(Device& device)
-    : _device(device),
-      _context(std::exchange(device._operationalContext, std::nullopt)),
-      _text(std::move(device._operationalContextText)) {}
+    : _device(device), _context(std::exchange(device._operationalContext, Context())) {}
 
 Device::ContextKeeper::~ContextKeeper() {
     _device._operationalContext = std::move(_context);
-    _device._operationalContextText = std::move(_text);
 }
 
-const std::string& Device::GetDeviceOperationalContext() const {
-    if (!_operationalContext || !_operationalContextText.empty()) {
-        return _operationalContextText;
+std::string Device::GetDeviceOperationalContext() const {
+    const auto& [isSet, uri, property, value] = _operationalContext;
+    if (!isSet) {
+        return {};
     }
     try {
         auto document = json::JsonValue::CreateObject();
-        document.set("uri", _operationalContext->uri);
-        document.set("property", _operationalContext->property);
-        document.set("value", _operationalContext->value);
-        _operationalContextText = document.toString();
+        document.set("uri", uri.get());
+        document.set("property", property.get());
+        document.set("value", value);
+        return document.toString();
     } catch (const std::exception& e) {
         HL_LOG_EXCEPTION(e);
     }
-    return _operationalContextText;
+    return {};
 }
 
 bool Device::IsCameraDevice() const {
-    return _info.device_type == "oic.d.camera" || _info.device_type == "x.com.hl.d.doorbell";
+    return GetDeviceType() == "oic.d.camera" || GetDeviceType() == "x.com.hl.d.doorbell";
 }
 
 bool Device::IsFilteredDevice() const {
-    if (_info.device_type == "x.com.hl.d.bridge" || _info.device_type == "oic.d.wirelessrouter" ||
-        _info.device_type == "x.com.hl.d.mobile.presence") {
-        HL_LOGI("[%s] device type is filtered", _info.device_type.c_str());
+    if (GetDeviceType() == "x.com.hl.d.bridge" || GetDeviceType() == "oic.d.wirelessrouter" ||
+        GetDeviceType() == "x.com.hl.d.mobile.presence") {
+        HL_LOGI("[%s] device type is filtered", GetDeviceType().c_str());
         return true;
     }
     return false;
 }
 
 bool Device::IsAVPSupportedCamera() const {
-    if (_info.vid.find(kAvPlatform) == std::string::npos) {
+    if (GetVid().find(kAvPlatform) == std::string::npos) {
         return false;
     }
-    HL_LOGI("vid[%s] This Camera is HL Camera, device id : %s", _info.vid.c_str(), _id.c_str());
+    HL_LOGI("vid[%s] This Camera is HL Camera, device id : %s", GetVid().c_str(), _id.c_str());
     return true;
 }
 
 bool Device::IsSupportInnerView() const {
-    return _info.device_type == "oic.d.refrigerator" && _info.status != DEVICE_STATUS_DISCONNECTED &&
+    return GetDeviceType() == "oic.d.refrigerator" && _told.status != DEVICE_STATUS_DISCONNECTED &&
            HasResource(kInsideViewUri);
 }
 
+Resource* Device::lookUp(const std::string& uri) const {
+    const auto found = std::find_if(_resources.begin(), _resources.end(),
+                                    [&](const auto& resource) { return resource->GetURI() == uri; });
+    return found != _resources.end() ? found->get() : nullptr;
+}
+
 void Device::AddResource(const std::shared_ptr<Resource>& resource) {
-    if (resource && resource->IsValidObject()) {
-        _resources.emplace(resource->GetURI(), resource);
+    if (resource && resource->IsValidObject() && !HasResource(resource->GetURI())) {
+        _resources.push_back(resource);
     }
 }
 
 std::shared_ptr<Resource> Device::FindResource(const std::string& uri, bool createNamed) const {
-    const auto found = _resources.find(uri);
+    const auto found = std::find_if(_resources.begin(), _resources.end(),
+                                    [&](const auto& resource) { return resource->GetURI() == uri; });
     if (found != _resources.end()) {
-        return found->second;
+        return *found;
     }
     return createNamed ? std::make_shared<Resource>(uri) : std::make_shared<Resource>();
 }
 
 bool Device::HasResource(const std::string& uri) const {
-    return _resources.find(uri) != _resources.end();
+    return lookUp(uri) != nullptr;
 }
 
 bool Device::HasDeviceUri(const std::string& uri) const {
@@ -140,16 +165,16 @@ const std::string& Device::ValueOf(const std::string& uri, const std::string& pr
         HL_LOGE("check arguments(one of those is null) uri : %s, property : %s", uri.c_str(), property.c_str());
         return kNone;
     }
-    const auto resource = _resources.find(uri);
-    if (resource == _resources.end()) {
+    Resource* const resource = lookUp(uri);
+    if (resource == nullptr) {
         HL_LOGE("GetValue Could NOT find resource :  %s", uri.c_str());
         return kNone;
     }
-    const Property* const found = resource->second->LookUp(property);
+    const Property* const found = resource->LookUp(property);
     if (found == nullptr || !found->IsValidObject()) {
         HL_LOGE("GetValue Could NOT find property in resource : URI: %s  [PrpertyName:  %s ]", uri.c_str(),
                 property.c_str());
-        resource->second->DeleteProperty(property);
+        resource->DeleteProperty(property);
         return kNone;
     }
     return found->GetValue();
@@ -159,9 +184,8 @@ void Device::UpdateValue(const device_resource_info_struct& info) {
     if (info.device_id != _id) {
         return;
     }
-    const auto resource = _resources.find(info.uri);
-    if (resource != _resources.end()) {
-        resource->second->BuildDetailInfo(info);
+    if (Resource* const resource = lookUp(info.uri)) {
+        resource->BuildDetailInfo(info);
     }
 }
 
@@ -172,12 +196,12 @@ bool Device::GetRcpValue(const std::string& uri, const std::string& property, co
                 property.c_str(), value.c_str());
         return false;
     }
-    const auto resource = _resources.find(uri);
-    if (resource == _resources.end()) {
+    Resource* const resource = lookUp(uri);
+    if (resource == nullptr) {
         HL_LOGE("GetRcpValue Could NOT find resource : %s", uri.c_str());
         return false;
     }
-    resource->second->GetRcpString(rcpString, property, value);
+    resource->GetRcpString(rcpString, property, value);
     return true;
 }
 
@@ -201,9 +225,9 @@ void Device::ApplyChanges(const std::shared_ptr<Device>& other) {
         return;
     }
     // The whole of what the cloud tells, the id being equal.
-    _info = other->_info;
-    for (const auto& [uri, resource] : other->_resources) {
-        _resources.emplace(uri, resource);
+    _told = other->_told;
+    for (const auto& resource : other->_resources) {
+        AddResource(resource);
     }
 }
 

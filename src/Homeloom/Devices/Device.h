@@ -2,14 +2,14 @@
 #define HOMELOOM_HOMELOOM_DEVICES_DEVICE_H
 
 #include <functional>
-#include <map>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "Common/DeviceInfoStructs.h"
+#include "Common/SharedText.h"
 #include "Homeloom/Common/MainLoopTimer.h"
 
 namespace VMFramework::HomeLoom {
@@ -69,33 +69,35 @@ public:
     /// Never changes once others know of the device.
     const std::string& GetId() const { return _id; }
     void SetId(const std::string& id) { _id = id; }
-    const std::string& GetName() const { return _info.device_name; }
-    const std::string& GetNickName() const { return _info.nick_name; }
-    const std::string& GetVid() const { return _info.vid; }
-    const std::string& GetDeviceType() const { return _info.device_type; }
-    DeviceStatus GetStatus() const { return _info.status; }
-    void SetStatus(DeviceStatus status) { _info.status = status; }
-    const std::string& GetRoom() const { return _info.room_name; }
-    void SetRoom(const std::string& room) { _info.room_name = room; }
-    const std::string& GetRoomID() const { return _info.room_id; }
-    const std::string& GetLocation() const { return _info.location_name; }
-    void SetLocation(const std::string& location) { _info.location_name = location; }
-    const std::string& GetLocationID() const { return _info.location_id; }
-    const std::string& GetPrefix() const { return _info.prefix; }
+    const std::string& GetName() const { return _told.device_name; }
+    const std::string& GetNickName() const { return _told.nick_name; }
+    const std::string& GetVid() const { return _told.vid.get(); }
+    const std::string& GetDeviceType() const { return _told.device_type.get(); }
+    DeviceStatus GetStatus() const { return _told.status; }
+    void SetStatus(DeviceStatus status) { _told.status = status; }
+    const std::string& GetRoom() const { return _told.room_name.get(); }
+    void SetRoom(const std::string& room) { _told.room_name = room; }
+    const std::string& GetRoomID() const { return _told.room_id.get(); }
+    const std::string& GetLocation() const { return _told.location_name.get(); }
+    void SetLocation(const std::string& location) { _told.location_name = location; }
+    const std::string& GetLocationID() const { return _told.location_id.get(); }
+    const std::string& GetPrefix() const { return _told.prefix.get(); }
 
-    const std::string& GetCoreDeviceType() const { return _info.core_device_type; }
-    const std::string& GetCoreDeviceNetworkType() const { return _info.core_device_network_type; }
-    const std::string& GetCoreDeviceParentDeviceId() const { return _info.core_device_parent_device_id; }
-    const std::string& GetCoreDeviceAnimationIconUrl() const { return _info.core_device_animation_icon_url; }
-    const std::string& GetCoreDeviceActivatedIconUrl() const { return _info.core_device_activated_icon_url; }
-    const std::string& GetCoreDeviceInactivatedIconUrl() const { return _info.core_device_inactivated_icon_url; }
-    const std::string& GetCoreDeviceDisconnectedIconUrl() const { return _info.core_device_disconnected_icon_url; }
-    const std::string& GetCoreDeviceIconKey() const { return _info.core_device_icon_key; }
-    const std::string& GetCoreDeviceIconDate() const { return _info.core_device_icon_date; }
+    const std::string& GetCoreDeviceType() const { return _told.core_device_type.get(); }
+    const std::string& GetCoreDeviceNetworkType() const { return _told.core_device_network_type.get(); }
+    const std::string& GetCoreDeviceParentDeviceId() const { return _told.core_device_parent_device_id.get(); }
+    const std::string& GetCoreDeviceAnimationIconUrl() const { return _told.core_device_animation_icon_url.get(); }
+    const std::string& GetCoreDeviceActivatedIconUrl() const { return _told.core_device_activated_icon_url.get(); }
+    const std::string& GetCoreDeviceInactivatedIconUrl() const { return _told.core_device_inactivated_icon_url.get(); }
+    const std::string& GetCoreDeviceDisconnectedIconUrl() const {
+        return _told.core_device_disconnected_icon_url.get();
+    }
+    const std::string& GetCoreDeviceIconKey() const { return _told.core_device_icon_key.get(); }
+    const std::string& GetCoreDeviceIconDate() const { return _told.core_device_icon_date.get(); }
 
     const std::string& GetStateText() const { return _stateText; }
     void SetStateText(const std::string& text) { _stateText = text; }
-    const std::string& GetIconUrl() const { return _iconUrl; }
+    const std::string& GetIconUrl() const { return _iconUrl.get(); }
     void SetIconUrl(const std::string& url) { _iconUrl = url; }
     bool IsInactive() const { return _isInactive; }
     void SetIsInactive(bool isInactive) { _isInactive = isInactive; }
@@ -106,9 +108,16 @@ public:
     const std::string& GetSubDeviceCardJsonInfo() const { return _subDeviceCardJsonInfo; }
     void SetSubDeviceCardJsonInfo(const std::string& json) { _subDeviceCardJsonInfo = json; }
     /// JSON text of the last argument that the state text was made of.
-    const std::string& GetDeviceOperationalContext() const;
+    std::string GetDeviceOperationalContext() const;
     void SetDeviceOperationalContext(const std::string& uri, const std::string& property, const std::string& value);
     void SetDeviceOperationalContext(const device_context_struct& context);
+    /// What GetDeviceOperationalContext() tells, once it was set.
+    struct Context {
+        bool isSet = false;
+        SharedText uri;
+        SharedText property;
+        std::string value;
+    };
     /// Puts back at its end what the device told as its context: for evaluations that are not about the state text.
     class ContextKeeper {
     public:
@@ -119,8 +128,7 @@ public:
 
     private:
         Device& _device;
-        std::optional<device_context_struct> _context;
-        std::string _text;
+        Context _context;
     };
 
     bool IsCameraDevice() const;
@@ -168,20 +176,47 @@ protected:
     }
 
 private:
+    /// What the cloud tells of a device, as in _deviceInfo. Texts that others are likely to have too are kept once.
+    struct Told {
+        Told() = default;
+        explicit Told(const _deviceInfo& info);
+
+        std::string device_name;
+        std::string nick_name;
+        SharedText vid;
+        SharedText device_type;
+        SharedText location_name;
+        SharedText room_name;
+        SharedText location_id;
+        SharedText room_id;
+        SharedText prefix;
+        SharedText core_device_type;
+        SharedText core_device_network_type;
+        SharedText core_device_parent_device_id;
+        SharedText core_device_animation_icon_url;
+        SharedText core_device_activated_icon_url;
+        SharedText core_device_inactivated_icon_url;
+        SharedText core_device_disconnected_icon_url;
+        SharedText core_device_icon_key;
+        SharedText core_device_icon_date;
+        DeviceStatus status = DEVICE_STATUS_CONNECTED;
+    };
+
     static std::shared_ptr<Device> findByToken(void* token);
+    /// Null for a resource that the device doesn't hold.
+    Resource* lookUp(const std::string& uri) const;
 
     std::string _id;
     std::shared_ptr<std::recursive_mutex> _valuesMutex;
-    _deviceInfo _info;
+    Told _told;
     std::string _stateText;
     std::string _subDeviceCardJsonInfo;
-    std::map<std::string, std::shared_ptr<Resource>, std::less<>> _resources;
-    std::string _iconUrl;
+    SharedText _iconUrl;
+    std::vector<std::shared_ptr<Resource>> _resources;
+    Context _operationalContext;
     bool _isInactive = true;  // until evaluated
     bool _runningState = false;
     bool _isControllable = false;
-    std::optional<device_context_struct> _operationalContext;
-    mutable std::string _operationalContextText;  // made when it is first asked for
 
     std::once_flag _tokenOnce;
     void* _token = nullptr;

@@ -36,7 +36,7 @@ std::string Property::GetType() const {
 }
 
 void Property::BuildDetailInfo(const device_property_info_struct& info) {
-    if (!info.property_name.empty() && info.property_name != _name) {
+    if (!info.property_name.empty()) {
         _name = info.property_name;
     }
     if (!info.property_type.empty()) {
@@ -48,8 +48,8 @@ void Property::BuildDetailInfo(const device_property_info_struct& info) {
 }
 
 void Property::ApplyChanges(const std::string& name, const std::string& value) {
-    if (name != _name) {
-        HL_LOGE("different property: Curent: %s   New: %s ", _name.c_str(), name.c_str());
+    if (name != GetName()) {
+        HL_LOGE("different property: Curent: %s   New: %s ", GetName().c_str(), name.c_str());
         return;
     }
     if (!value.empty()) {
@@ -61,9 +61,9 @@ void Property::GetRcpString(std::string& rcpString, const std::string& value) co
     // Nothing is escaped: metadata and agent agree on values that need none, and those of arrays and objects come as
     // JSON text already.
     if (_type == PROPERTY_TYPE_STRING) {
-        rcpString = "{\"" + _name + "\":\"" + value + "\"}";
+        rcpString = "{\"" + GetName() + "\":\"" + value + "\"}";
     } else if (_type >= PROPERTY_TYPE_BOOLEAN && _type <= PROPERTY_TYPE_ARRAY) {
-        rcpString = "{\"" + _name + "\":" + value + "}";
+        rcpString = "{\"" + GetName() + "\":" + value + "}";
     }
 }
 

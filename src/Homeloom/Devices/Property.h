@@ -4,6 +4,7 @@
 #include <string>
 
 #include "Common/DeviceInfoStructs.h"
+#include "Common/SharedText.h"
 
 namespace VMFramework::HomeLoom {
 
@@ -35,8 +36,8 @@ public:
     /// The type of that name in the cloud's schema; every other name is a string.
     static PropertyType StringToPropertyType(const std::string& typeName);
 
-    bool IsValidObject() const { return !_name.empty(); }
-    const std::string& GetName() const { return _name; }
+    bool IsValidObject() const { return !GetName().empty(); }
+    const std::string& GetName() const { return _name.get(); }
     void SetName(const std::string& name) { _name = name; }
     const std::string& GetValue() const { return _value; }
     void SetValue(const std::string& value) { _value = value; }
@@ -53,7 +54,7 @@ public:
     void GetRcpString(std::string& rcpString, const std::string& value) const;
 
 private:
-    std::string _name;
+    SharedText _name;
     int _type = PROPERTY_TYPE_STRING;
     std::string _value;
 };

@@ -1,6 +1,8 @@
 // Merges an update into a resource's values and tells what changed.
 #include "Homeloom/Devices/Resource.h"
 
+#include <algorithm>
+
 #include "Common/DeviceInfoStructs.h"
 #include "Common/HLLog.h"
 #include "Homeloom/Devices/Property.h"
@@ -9,27 +11,35 @@ namespace VMFramework::HomeLoom {
 
 Resource::Resource(const std::string& uri) : _uri(uri) {}
 
+Resource::Properties::const_iterator Resource::find(const std::string& name) const {
+    return std::find_if(_properties.begin(), _properties.end(),
+                        [&](const auto& property) { return property->GetName() == name; });
+}
+
 void Resource::AddProperty(const std::shared_ptr<Property>& property) {
-    if (property) {
-        _properties.emplace(property->GetName(), property);
+    if (property && LookUp(property->GetName()) == nullptr) {
+        _properties.push_back(property);
     }
 }
 
 std::shared_ptr<Property> Resource::FindProperty(const std::string& name, bool createNamed) const {
-    const auto found = _properties.find(name);
+    const auto found = find(name);
     if (found != _properties.end()) {
-        return found->second;
+        return *found;
     }
     return createNamed ? std::make_shared<Property>(name) : std::make_shared<Property>();
 }
 
 const Property* Resource::LookUp(const std::string& name) const {
-    const auto found = _properties.find(name);
-    return found != _properties.end() ? found->second.get() : nullptr;
+    const auto found = find(name);
+    return found != _properties.end() ? found->get() : nullptr;
 }
 
 void Resource::DeleteProperty(const std::string& name) {
-    _properties.erase(name);
+    const auto found = find(name);
+    if (found != _properties.end()) {
+        _properties.erase(found);
+    }
 }
 
 void Resource::DeleteProperties() {
@@ -37,18 +47,18 @@ void Resource::DeleteProperties() {
 }
 
 void Resource::BuildDetailInfo(const device_resource_info_struct& info) {
-    if (!info.uri.empty() && info.uri != _uri) {
+    if (!info.uri.empty()) {
         _uri = info.uri;
     }
-    for (const auto& [name, property] : _properties) {
+    for (const auto& property : _properties) {
         property->ResetValue();
     }
     for (const auto& propertyInfo : info.properties) {
-        auto& property = _properties[propertyInfo.property_name];
-        if (!property || !property->IsValidObject()) {
-            property = std::make_shared<Property>(propertyInfo.property_name);
+        auto found = find(propertyInfo.property_name);
+        if (found == _properties.end()) {
+            found = _properties.insert(found, std::make_shared<Property>(propertyInfo.property_name));
         }
-        property->BuildDetailInfo(propertyInfo);
+        (*found)->BuildDetailInfo(propertyInfo);
     }
 }
 
@@ -56,24 +66,24 @@ void Resource::ApplyChanges(const Resource* other) {
     if (other == nullptr) {
         return;
     }
-    if (other->_uri != _uri) {
-        HL_LOGE("different resource: _URI: %s   New URI: %s ", _uri.c_str(), other->_uri.c_str());
+    if (other->GetURI() != GetURI()) {
+        HL_LOGE("different resource: _URI: %s   New URI: %s ", GetURI().c_str(), other->GetURI().c_str());
         return;
     }
-    for (const auto& [name, property] : other->_properties) {
-        const auto found = _properties.find(name);
-        if (found == _properties.end() || !found->second->IsValidObject()) {
-            AddProperty(property);
+    for (const auto& property : other->_properties) {
+        const auto found = find(property->GetName());
+        if (found == _properties.end()) {
+            _properties.push_back(property);
         } else {
-            found->second->ApplyChanges(property->GetName(), property->GetValue());
+            (*found)->ApplyChanges(property->GetName(), property->GetValue());
         }
     }
 }
 
 void Resource::GetRcpString(std::string& rcpString, const std::string& propertyName, const std::string& value) const {
-    const auto found = _properties.find(propertyName);
-    if (found != _properties.end() && found->second->IsValidObject()) {
-        found->second->GetRcpString(rcpString, value);
+    const Property* const found = LookUp(propertyName);
+    if (found != nullptr && found->IsValidObject()) {
+        found->GetRcpString(rcpString, value);
         return;
     }
     // A property that was never received has no type yet. Waking an inactive TV writes one of these.

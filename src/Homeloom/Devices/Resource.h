@@ -1,10 +1,11 @@
 #ifndef HOMELOOM_HOMELOOM_DEVICES_RESOURCE_H
 #define HOMELOOM_HOMELOOM_DEVICES_RESOURCE_H
 
-#include <functional>
-#include <map>
 #include <memory>
 #include <string>
+#include <vector>
+
+#include "Common/SharedText.h"
 
 namespace VMFramework::HomeLoom {
 
@@ -18,8 +19,8 @@ public:
     explicit Resource(const std::string& uri);
     virtual ~Resource() = default;
 
-    bool IsValidObject() const { return !_uri.empty(); }
-    const std::string& GetURI() const { return _uri; }
+    bool IsValidObject() const { return !GetURI().empty(); }
+    const std::string& GetURI() const { return _uri.get(); }
     void SetURI(const std::string& uri) { _uri = uri; }
 
     /// Adds the property unless one of that name is held.
@@ -40,8 +41,11 @@ public:
     void GetRcpString(std::string& rcpString, const std::string& propertyName, const std::string& value) const;
 
 private:
-    std::string _uri;
-    std::map<std::string, std::shared_ptr<Property>, std::less<>> _properties;
+    using Properties = std::vector<std::shared_ptr<Property>>;
+    Properties::const_iterator find(const std::string& name) const;
+
+    SharedText _uri;
+    Properties _properties;  // few, so that they are looked through
 };
 
 }  // namespace VMFramework::HomeLoom
