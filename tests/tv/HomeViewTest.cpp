@@ -51,8 +51,33 @@ TEST(HomeView, SortsAListAndFollowsStates) {
     EXPECT_EQ(home.device("washer")->look(), "on, running");
     // Empty texts aren't sent: a key that is absent has become empty.
     EXPECT_EQ(home.device("washer")->mainAction(), "");
+    // Those of a hub's devices are shorter: they don't tell of all.
+    home.apply(notify("hl_device_state_updated",
+                      {{"device_id", "washer"}, {"context_value", "Spin"}, {"num_of_sub_device_cards", 0}}));
+    home.apply(notify("hl_device_state_updated", {{"device_id", "washer"}}));
+    EXPECT_EQ(home.device("washer")->fields.text("context_value"), "Spin");
+    home.apply(notify("hl_device_state_updated", {{"device_id", "washer"}, {"num_of_sub_device_cards", 0}}));
+    EXPECT_EQ(home.device("washer")->fields.text("context_value"), "");
     home.apply(notify("hl_device_state_updated", {{"device_id", "stranger"}}));
     EXPECT_EQ(home.devices().size(), 1u);
+
+    const auto names = [&home] {
+        std::string all;
+        for (const auto& scene : home.scenes()) {
+            all += scene.name + " at " + scene.location + ";";
+        }
+        return all;
+    };
+    home.apply(notify(
+        "hl_create_scene",
+        {{"result", true}, {"location_id", "home"}, {"scene_id", "s0"}, {"scene_json", R"({"name":"Cinema"})"}}));
+    EXPECT_EQ(names(), "Cinema at home;Good Night at home;");
+    home.apply(
+        notify("hl_update_scene", {{"result", true}, {"scene_id", "s1"}, {"scene_json", R"({"name":"Sleep"})"}}));
+    home.apply(notify("hl_delete_scene", {{"result", false}, {"scene_id", "s0"}}));
+    EXPECT_EQ(names(), "Cinema at home;Sleep at home;");
+    home.apply(notify("hl_delete_scene", {{"result", true}, {"scene_id", "s0"}}));
+    EXPECT_EQ(names(), "Sleep at home;");
 
     home.apply(notify("sign_in_state_changed", {{"is_sign_in", true}}));
     EXPECT_TRUE(home.isKnown());

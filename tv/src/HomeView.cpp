@@ -10,14 +10,11 @@ namespace {
 
 using VMFramework::json::JsonValue;
 
-// The fields that a state notification brings. It leaves empty texts out, so one that is absent has become empty.
-constexpr const char* kStateTexts[] = {"state_text",
-                                       "context_value",
-                                       "icon_url",
-                                       "control_type",
-                                       "action_state",
-                                       "action_url",
-                                       "sub_device_card_list_info"};
+// Both forms of a state notification bring these, and leave empty texts out: one that is absent has become empty.
+constexpr const char* kStateTexts[] = {"state_text", "icon_url", "control_type", "action_state", "action_url"};
+// These only the long one, which a device of a hub doesn't have.
+constexpr const char* kLongStateTexts[] = {"context_value", "sub_device_card_list_info"};
+constexpr char kLongForm[] = "num_of_sub_device_cards";
 
 HomeView::Location toLocation(const EndpointRecord& endpoint) {
     HomeView::Location location{endpoint.deviceId.value_or(""),
@@ -89,6 +86,8 @@ std::string HomeView::Device::mainAction() const {
 void HomeView::apply(const Report& report) {
     if (report.kind == Report::Kind::DeviceList) {
         applyList(report.endpoints);
+    } else if (report.properties.flag("result")) {
+        applyItem(report);
     } else if (report.kind == Report::Kind::Notify && report.name == "hl_device_state_updated") {
         applyState(report.properties);
     } else if (report.kind == Report::Kind::Notify && report.name == "sign_in_state_changed" &&
@@ -126,16 +125,46 @@ void HomeView::applyList(const std::vector<EndpointRecord>& endpoints) {
     std::sort(_routines.begin(), _routines.end(), byId);
 }
 
+// What a request did and what others did comes by the same names.
+void HomeView::applyItem(const Report& report) {
+    const auto is = [&report](const char* scene, const char* routine) {
+        return report.name == scene || report.name == routine;
+    };
+    const bool isGone = is("hl_delete_scene", "hl_delete_routine");
+    if (!isGone && !is("hl_create_scene", "hl_create_routine") && !is("hl_update_scene", "hl_update_routine")) {
+        return;
+    }
+    const bool isScene = report.properties.has("scene_id");
+    std::vector<Item>& items = isScene ? _scenes : _routines;
+    Item item = toItem(report.properties.text(isScene ? "scene_id" : "routine_id"),
+                       report.properties.text(isScene ? "scene_json" : "routine_json"));
+    const auto place = std::lower_bound(items.begin(), items.end(), item,
+                                        [](const Item& one, const Item& other) { return one.id < other.id; });
+    const bool isThere = place != items.end() && place->id == item.id;
+    if (isGone) {
+        items.erase(place, place + (isThere ? 1 : 0));
+    } else if (!item.id.empty() && !item.document.empty()) {
+        if (item.location.empty()) {
+            item.location = isThere ? place->location : isScene ? report.properties.text("location_id") : "";
+        }
+        isThere ? static_cast<void>(*place = std::move(item)) : static_cast<void>(items.insert(place, std::move(item)));
+    }
+}
+
 void HomeView::applyState(const Fields& properties) {
     const auto found = _deviceIndex.find(properties.text("device_id"));
     if (found == _deviceIndex.end()) {
         return;
     }
     Fields& fields = _devices[found->second].fields;
-    for (const char* const key : kStateTexts) {
+    const auto clear = [&](const char* key) {
         if (!properties.has(key) && fields.has(key)) {
             fields.set(key, std::string());
         }
+    };
+    std::for_each(std::begin(kStateTexts), std::end(kStateTexts), clear);
+    if (properties.has(kLongForm)) {
+        std::for_each(std::begin(kLongStateTexts), std::end(kLongStateTexts), clear);
     }
     for (const auto& [key, value] : properties) {
         if (key != "device_id") {

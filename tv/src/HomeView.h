@@ -66,6 +66,7 @@ public:
 
 private:
     void applyList(const std::vector<EndpointRecord>& endpoints);
+    void applyItem(const Report& report);
     void applyState(const Fields& properties);
 
     bool _known = false;
