@@ -2,6 +2,7 @@
 // event without being told.
 #include <netinet/in.h>
 #include <poll.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -33,7 +34,7 @@ namespace {
 namespace framework = homeloom::desktop::framework;
 namespace tv = homeloom::tv;
 
-constexpr int kClients = 100;
+int kClients = 100;
 constexpr int kStorm = 10000;
 constexpr int kRounds = 7;
 constexpr double kWantedRatio = 1.1;
@@ -189,6 +190,8 @@ public:
         }
         _process = fork();
         if (_process == 0) {
+            // Where they are on other machines they take no time of the TV's.
+            setpriority(PRIO_PROCESS, 0, 19);
             close(there[1]);
             close(back[0]);
             for (int port = 0; receive(there[0], port);) {
@@ -299,18 +302,21 @@ void measure(ClientProcess& clients) {
     desk.waitForSubscription("washer");
     simulator::Agent::instance().set("washer", "/operational/state/vs/0", "x.com.norvane.da.state", "Run");
     storm();  // warms up
+    // The TV's own console listens with and without a door.
+    tv::Inbox inbox;
+    NoOutput output;
 
     Verdict all;
     std::vector<bench::Seconds> alone;
     std::vector<bench::Seconds> heard;
     for (int round = 0; round < kRounds; ++round) {
         alone.push_back(storm());
-        tv::Inbox inbox;
-        NoOutput output;
+        inbox.take();
         tv::Door door({}, inbox, output);
         const std::string url = door.open();
         clients.listen(std::atoi(url.c_str() + url.rfind(':') + 1));
         heard.push_back(storm());
+        inbox.take();
         end("977");
         const Verdict verdict = clients.verdict();
         all.events += verdict.events;

@@ -13,11 +13,15 @@ Inbox::Inbox() : _wakeupFile(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
     desktop::framework::keepReports(0);
     _listener = desktop::framework::addListener([this](const ReportPtr& report) {
         ++_activity;
+        bool wasEmpty = false;
         {
             const std::lock_guard<std::mutex> lock(_mutex);
+            wasEmpty = _reports.empty();
             _reports.push_back(report);
         }
-        wakeUp();
+        if (wasEmpty) {
+            wakeUp();
+        }
     });
     _callObserver = simulator::Agent::instance().addCallObserver(
         [this](const std::string&, const std::vector<std::string>&) { ++_activity; });

@@ -22,7 +22,10 @@ using std::chrono::milliseconds;
 
 constexpr milliseconds kPause{10};
 constexpr milliseconds kSimPause{250};
-constexpr std::size_t kBlockBytes = std::size_t{64} << 10;
+// So little that the plug-in doesn't notice when a client is served on its processor.
+constexpr std::size_t kBlockBytes = std::size_t{16} << 10;
+// Where all processors are busy for long, a client gets its share all the same.
+constexpr milliseconds kPatience{50};
 constexpr char kKeepAlive[] = ":\n\n";
 // Numbers of one run. They leave a browser's numbers exact, which have 53 bits.
 constexpr unsigned kRunBits = 22;
@@ -167,7 +170,12 @@ std::optional<std::string> EventStream::next(Position& position, milliseconds wa
     std::unique_lock<std::mutex> lock(_mutex);
     const auto follows = [this, &position] { return position._last && _ring.reachesBackTo(*position._last); };
     if (follows()) {
-        _published.wait_for(lock, wait, [this, &position] { return _closed || _ring.head() > *position._last; });
+        const auto hasSome = [this, &position] { return _closed || _ring.head() > *position._last; };
+        if (_published.wait_for(lock, wait, hasSome) && !_closed) {
+            lock.unlock();
+            _spareTime.wait(kPatience);
+            lock.lock();
+        }
     }
     if (_closed) {
         return std::nullopt;

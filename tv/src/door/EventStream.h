@@ -13,14 +13,15 @@
 
 #include "HomeView.h"
 #include "door/EventRing.h"
+#include "door/SpareTime.h"
 
 namespace homeloom::tv {
 
 /// All that happens, for any number of clients that listen, and the home as it stands after the last of it.
 ///
 /// Whoever reports something only leaves it here: a thread of the stream's own puts it in its place and wakes the
-/// clients, a hundred times a second at most, so that a storm of events costs each client few wake-ups and the plug-in
-/// nothing. All operations are thread-safe.
+/// clients, a hundred times a second at most. They then write in spare time, so that a storm of events costs each
+/// client few wake-ups and the plug-in nothing. All operations are thread-safe.
 class EventStream {
 public:
     explicit EventStream(EventRing::Limits limits = {});
@@ -91,6 +92,7 @@ private:
     bool _closed = false;
     std::condition_variable _published;
 
+    SpareTime _spareTime;
     int _listener = 0;
     std::thread _thread;
 };
