@@ -67,33 +67,21 @@ void HomeloomClient::_HomeLoomCoreSSEChanged(homeloom_core_sse_e type, long long
 }
 
 void HomeloomClient::handleSseEvent(homeloom_core_sse_e type, const std::string& json) {
-    switch (type) {
-        case HOMELOOM_CORE_SSE_DEVICE_EVENT:
-            handleSseDeviceEvent(json);
-            break;
-        case HOMELOOM_CORE_SSE_DEVICE_LIFECYCLE:
-            handleSseDeviceLifecycleEvent(json);
-            break;
-        case HOMELOOM_CORE_SSE_DEVICE_HEALTH:
-            handleSseDeviceHealthEvent(json);
-            break;
-        case HOMELOOM_CORE_SSE_SCENE_LIFECYCLE:
-            handleSseSceneLifecycleEvent(json);
-            break;
-        case HOMELOOM_CORE_SSE_INSTALLED_APP_LIFECYCLE:
-            handleSseInstalledAppLifecycleEvent(json);
-            break;
-        case HOMELOOM_CORE_SSE_SMART_APP_EVENT:
-            handleSseSmartAppEvent(json);
-            break;
-        case HOMELOOM_CORE_SSE_ROUTINE_LIFECYCLE:
-            handleSseRoutineLifecycleEvent(json);
-            break;
-        case HOMELOOM_CORE_SSE_FAVORITE_LIFECYCLE:
-            handleSseFavoriteLifecycleEvent(json);
-            break;
-        default:
-            break;
+    // The kinds that kSseMask asks for.
+    static constexpr std::pair<homeloom_core_sse_e, void (HomeloomClient::*)(const std::string&)> kHandlers[] = {
+        {HOMELOOM_CORE_SSE_DEVICE_EVENT, &HomeloomClient::handleSseDeviceEvent},
+        {HOMELOOM_CORE_SSE_DEVICE_LIFECYCLE, &HomeloomClient::handleSseDeviceLifecycleEvent},
+        {HOMELOOM_CORE_SSE_DEVICE_HEALTH, &HomeloomClient::handleSseDeviceHealthEvent},
+        {HOMELOOM_CORE_SSE_SCENE_LIFECYCLE, &HomeloomClient::handleSseSceneLifecycleEvent},
+        {HOMELOOM_CORE_SSE_INSTALLED_APP_LIFECYCLE, &HomeloomClient::handleSseInstalledAppLifecycleEvent},
+        {HOMELOOM_CORE_SSE_SMART_APP_EVENT, &HomeloomClient::handleSseSmartAppEvent},
+        {HOMELOOM_CORE_SSE_ROUTINE_LIFECYCLE, &HomeloomClient::handleSseRoutineLifecycleEvent},
+        {HOMELOOM_CORE_SSE_FAVORITE_LIFECYCLE, &HomeloomClient::handleSseFavoriteLifecycleEvent},
+    };
+    for (const auto& [kind, handle] : kHandlers) {
+        if (kind == type) {
+            (this->*handle)(json);
+        }
     }
 }
 

@@ -266,18 +266,16 @@ int LifeHandler::getInstalledServiceAppInfo(const std::string& locationId, std::
 // False for an app that is left out.
 bool LifeHandler::readInstalledApp(homeloom_core_installed_app_h app, const std::string& locationId,
                                    InstalledApp& installed) {
-    const auto read = [this, app](int field, std::string& value) {
-        return _agent.GetInstalledAppString(app, field, value) == 0;
+    const auto read = [this, app](int field, std::string& value, const std::string& complaint) {
+        const bool isRead = _agent.GetInstalledAppString(app, field, value) == 0;
+        if (!isRead && !complaint.empty()) {
+            HL_LOGE("%s", complaint.c_str());
+        }
+        return isRead;
     };
-    if (!read(HOMELOOM_CORE_INSTALLED_APP_LOCATION_ID, installed.locationId)) {
-        HL_LOGE("get location_id failed");
-        return false;
-    }
-    if (installed.locationId != locationId) {
-        return false;
-    }
-    if (!read(HOMELOOM_CORE_INSTALLED_APP_APP_ID, installed.appId)) {
-        HL_LOGE("get app_id failed");
+    if (!read(HOMELOOM_CORE_INSTALLED_APP_LOCATION_ID, installed.locationId, "get location_id failed") ||
+        installed.locationId != locationId ||
+        !read(HOMELOOM_CORE_INSTALLED_APP_APP_ID, installed.appId, "get app_id failed")) {
         return false;
     }
     const auto info = catalog().find(installed.appId);
@@ -286,8 +284,7 @@ bool LifeHandler::readInstalledApp(homeloom_core_installed_app_h app, const std:
     }
     installed.info = *info;
     std::string status;
-    if (!read(HOMELOOM_CORE_INSTALLED_APP_STATUS, status)) {
-        HL_LOGE("%s get app_status failed", installed.appId.c_str());
+    if (!read(HOMELOOM_CORE_INSTALLED_APP_STATUS, status, installed.appId + " get app_status failed")) {
         return false;
     }
     if (status != "AUTHORIZED") {
@@ -295,14 +292,10 @@ bool LifeHandler::readInstalledApp(homeloom_core_installed_app_h app, const std:
         return false;
     }
     // An app without a name is an app all the same.
-    read(HOMELOOM_CORE_INSTALLED_APP_DISPLAY_NAME, installed.displayName);
-    if (!read(HOMELOOM_CORE_INSTALLED_APP_ID, installed.installedAppId)) {
-        HL_LOGE("get installed_app_id failed");
-        return false;
-    }
+    read(HOMELOOM_CORE_INSTALLED_APP_DISPLAY_NAME, installed.displayName, "");
     std::string ui;
-    if (!read(HOMELOOM_CORE_INSTALLED_APP_UI, ui)) {
-        HL_LOGE("%s getting ui string failed", installed.appId.c_str());
+    if (!read(HOMELOOM_CORE_INSTALLED_APP_ID, installed.installedAppId, "get installed_app_id failed") ||
+        !read(HOMELOOM_CORE_INSTALLED_APP_UI, ui, installed.appId + " getting ui string failed")) {
         return false;
     }
     installed.pluginId = TextMember(JsonValue::Create(ui), "pluginId");

@@ -14,22 +14,6 @@ constexpr int kServerTypeUiMeta = 1;
 
 }  // namespace
 
-int TesselHandler::SetSignInStateChangeCb(homeloom_client_sign_in_state_changed_cb cb, void* userData) {
-    return _Call({{cb != nullptr, "cbFunc is null"}}, homeloom_client_set_sign_in_state_changed_cb, cb, userData);
-}
-
-int TesselHandler::UnsetSignInStateChangeCb() {
-    return _Call({}, homeloom_client_unset_sign_in_state_changed_cb);
-}
-
-int TesselHandler::IsSignedIn(bool& isSignedIn) {
-    return _Call({}, homeloom_client_is_signed_in, &isSignedIn);
-}
-
-int TesselHandler::GetLoginID(std::string& loginId) {
-    return _CallForText({}, loginId, homeloom_client_get_login_id);
-}
-
 int TesselHandler::GetClientDeviceID(std::string& deviceId) {
     const Locked<FairMutex> lock(_mutex);
     return _MayCall({}) ? _GetClientDeviceID(deviceId) : HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
@@ -58,10 +42,6 @@ int TesselHandler::Disconnect() {
     return ret;
 }
 
-int TesselHandler::RefreshDeviceInformation() {
-    return _Call({}, homeloom_client_refresh_device_information);
-}
-
 int TesselHandler::GetState() {
     int state = 0;
     return _Call({}, homeloom_client_get_state, &state) == HOMELOOM_CLIENT_ERROR_NONE ? state : 0;
@@ -75,10 +55,6 @@ int TesselHandler::GetAccessToken(std::string& accessToken) {
 int TesselHandler::GetServerEnv(int type, int& env) {
     const Locked<FairMutex> lock(_mutex);
     return _MayCall({}) ? _GetServerEnv(type, env) : HOMELOOM_CLIENT_ERROR_INVALID_PARAMETER;
-}
-
-int TesselHandler::SetServerEnv(int type, int env) {
-    return _Call({}, homeloom_client_internal_set_server_env, type, env);
 }
 
 std::string TesselHandler::GetUserId() {
