@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 
 #include "Common/CException.h"
+#include "Common/Guarded.h"
 #include "desktop/Log.h"
 
 using namespace VMFramework::HomeLoom;
@@ -29,13 +30,14 @@ TEST(HLLog, WritesToTheLogWholeAndToTheTraceSinkShortened) {
     EXPECT_GT(capture.lines()[0].message.size(), text.size());
 }
 
-TEST(HLLog, TracesACallAndTellsAnExceptionByItsKind) {
+TEST(HLLog, TracesACallAndTellsByItsKindWhatAShellCatches) {
     const log::Capture capture(DLOG_DEBUG);
     {
         HL_TRACE(nullptr);
-        HL_LOG_EXCEPTION(CException("own", kErrorQuit));
-        HL_LOG_EXCEPTION(CException_HLClient("agent's", -22));
-        HL_LOG_EXCEPTION(std::runtime_error("other"));
+        Guarded([] { throw CException("own", kErrorQuit); });
+        EXPECT_EQ(GuardedOr(7, []() -> int { throw CException_HLClient("agent's", -22); }), 7);
+        EXPECT_THROW(LogThrown([] { throw std::runtime_error("other"); }), std::runtime_error);
+        [] { HL_LOGI("in a lambda"); }();
     }
     std::vector<std::string> messages;
     for (const auto& line : capture.lines()) {
@@ -43,8 +45,9 @@ TEST(HLLog, TracesACallAndTellsAnExceptionByItsKind) {
     }
     const std::string line = "HLLogTest.cpp : TestBody\\([0-9]+\\)  Exception !! - ";
     const std::string call = "HLLogTest.cpp :\\[\\(nil\\)\\] TestBody\\([0-9]+\\) > ";
-    EXPECT_THAT(messages,
-                ElementsAre(MatchesRegex(call + "Entered"), MatchesRegex(line + "own\\(error:10\\)\\(error_code:10\\)"),
-                            MatchesRegex(line + "agent's\\(error:-22\\)\\(error_code:-22\\)"),
-                            MatchesRegex(line + "other"), MatchesRegex(call + "Left")));
+    EXPECT_THAT(
+        messages,
+        ElementsAre(MatchesRegex(call + "Entered"), MatchesRegex(line + "own\\(error:10\\)\\(error_code:10\\)"),
+                    MatchesRegex(line + "agent's\\(error:-22\\)\\(error_code:-22\\)"), MatchesRegex(line + "other"),
+                    MatchesRegex("HLLogTest.cpp : TestBody\\([0-9]+\\)  in a lambda"), MatchesRegex(call + "Left")));
 }
