@@ -5,6 +5,7 @@
 #include <exception>
 #include <utility>
 
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 
 namespace VMFramework::HomeLoom {
@@ -229,11 +230,7 @@ void MsgDispatcher::dispatchUntilQuit() {
 }
 
 void EnqueueOnScheduler(ThreadJob job, const std::string& name) noexcept {
-    try {
-        SGTMsgDispatcher::GetInstance().EnqueueData(std::move(job), name);
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    Guarded([&] { SGTMsgDispatcher::GetInstance().EnqueueData(std::move(job), name); });
 }
 
 }  // namespace VMFramework::HomeLoom

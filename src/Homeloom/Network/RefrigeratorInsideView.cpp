@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <exception>
 #include <future>
 #include <list>
 
@@ -179,34 +178,34 @@ std::string RefrigeratorInsideView::takeImageUrls(std::size_t count) {
 // The picture itself isn't wanted, only where the link leads: whatever the transfer's end, what counts is whether an
 // address was seen on the way.
 void RefrigeratorInsideView::requestRedirectUrl(const std::string& url, std::size_t index,
-                                                const std::string& accessToken, RefrigeratorInsideView* view) try {
-    HL_LOGE("[index:%zu] request url : %s", index, url.c_str());
-    RequestUserData userData{index, view};
-    KRCurl::KRCurlEasy easy;
-    if (!easy.Initialize()) {
-        HL_LOGE("KRCurl init failed!");
-        return;
-    }
-    const std::list<std::string> headers{"Authorization:Bearer " + accessToken};
-    const KRCurl::DebugCallback callback = onRedirectUrl;
-    const bool isReady =
-        SetCurlOption(easy, KRCurl::KRCURL_OPTION_HTTPHEADER, headers, "HTTPHEADER") &&
-        SetCurlOption(easy, KRCurl::KRCURL_OPTION_HTTPGET, kOn, "HTTPGET") &&
-        SetCurlOption(easy, KRCurl::KRCURL_OPTION_VERBOSE, kOn, "VERBOSE") &&
-        SetCurlOption(easy, KRCurl::KRCURL_OPTION_FOLLOWLOCATION, kOn, "FOLLOWLOCATION") &&
-        SetCurlOption(easy, KRCurl::KRCURL_OPTION_URL, url, "URL") &&
-        SetCurlOption(easy, KRCurl::KRCURL_OPTION_DEBUGFUNCTION, callback, "DEBUGFUNCTION") &&
-        SetCurlOption(easy, KRCurl::KRCURL_OPTION_DEBUGDATA, static_cast<void*>(&userData), "DEBUGDATA") &&
-        SetCurlOption(easy, KRCurl::KRCURL_OPTION_TIMEOUT, kTimeoutSeconds, "TIMEOUT");
-    if (!isReady) {
-        return;
-    }
-    if (!easy.send()) {
-        HL_LOGE("send failed");
-    }
-    easy.reset();
-} catch (const std::exception& e) {
-    HL_LOG_EXCEPTION(e);
+                                                const std::string& accessToken, RefrigeratorInsideView* view) {
+    Guarded([&] {
+        HL_LOGE("[index:%zu] request url : %s", index, url.c_str());
+        RequestUserData userData{index, view};
+        KRCurl::KRCurlEasy easy;
+        if (!easy.Initialize()) {
+            HL_LOGE("KRCurl init failed!");
+            return;
+        }
+        const std::list<std::string> headers{"Authorization:Bearer " + accessToken};
+        const KRCurl::DebugCallback callback = onRedirectUrl;
+        const bool isReady =
+            SetCurlOption(easy, KRCurl::KRCURL_OPTION_HTTPHEADER, headers, "HTTPHEADER") &&
+            SetCurlOption(easy, KRCurl::KRCURL_OPTION_HTTPGET, kOn, "HTTPGET") &&
+            SetCurlOption(easy, KRCurl::KRCURL_OPTION_VERBOSE, kOn, "VERBOSE") &&
+            SetCurlOption(easy, KRCurl::KRCURL_OPTION_FOLLOWLOCATION, kOn, "FOLLOWLOCATION") &&
+            SetCurlOption(easy, KRCurl::KRCURL_OPTION_URL, url, "URL") &&
+            SetCurlOption(easy, KRCurl::KRCURL_OPTION_DEBUGFUNCTION, callback, "DEBUGFUNCTION") &&
+            SetCurlOption(easy, KRCurl::KRCURL_OPTION_DEBUGDATA, static_cast<void*>(&userData), "DEBUGDATA") &&
+            SetCurlOption(easy, KRCurl::KRCURL_OPTION_TIMEOUT, kTimeoutSeconds, "TIMEOUT");
+        if (!isReady) {
+            return;
+        }
+        if (!easy.send()) {
+            HL_LOGE("send failed");
+        }
+        easy.reset();
+    });
 }
 
 int RefrigeratorInsideView::onRedirectUrl(KRCurl::DEBUG_TYPE type, char* data, unsigned size, void* userData) {
