@@ -8,12 +8,12 @@
 
 #include <desktop/Framework.h>
 #include <simulator/Agent.h>
-#include <simulator/HomeLoader.h>
 #include <vmf_property.h>
 #include <vmf_service_handler.h>
 
 #include "support/Desk.h"
 #include "support/Figures.h"
+#include "support/Homes.h"
 
 namespace framework = homeloom::desktop::framework;
 
@@ -93,7 +93,7 @@ int vmf_service_handler_set_request_service_callback(vmf_service_handler_h handl
 }
 
 int main() {
-    bench::Desk desk(simulator::loadHome(HOMELOOM_HOMES_DIR "/apartment.json"));
+    bench::Desk desk(homeloom::test::apartment());
     desk.show();
     framework::keepReports(100);
     simulator::Agent::instance().addCallObserver([](const std::string& function, const std::vector<std::string>&) {

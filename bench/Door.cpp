@@ -21,13 +21,13 @@
 #include <desktop/Framework.h>
 #include <homeloom_core.h>
 #include <simulator/Agent.h>
-#include <simulator/HomeLoader.h>
 
 #include "Inbox.h"
 #include "Output.h"
 #include "door/Door.h"
 #include "support/Desk.h"
 #include "support/Figures.h"
+#include "support/Homes.h"
 
 namespace {
 
@@ -296,7 +296,7 @@ void end(const std::string& minutes) {
 }
 
 void measure(ClientProcess& clients) {
-    bench::Desk desk(simulator::loadHome(std::string(HOMELOOM_HOMES_DIR) + "/apartment.json"));
+    bench::Desk desk(homeloom::test::apartment());
     framework::keepReports(1);
     desk.show();
     desk.waitForSubscription("washer");

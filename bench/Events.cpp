@@ -11,12 +11,12 @@
 #include <desktop/Framework.h>
 #include <homeloom_core.h>
 #include <simulator/Agent.h>
-#include <simulator/HomeLoader.h>
 
 #include "support/Border.h"
 #include "support/Desk.h"
 #include "support/Figures.h"
 #include "support/Heap.h"
+#include "support/Homes.h"
 #include "support/Instructions.h"
 
 namespace {
@@ -86,9 +86,7 @@ private:
     int _listener = 0;
 };
 
-simulator::Home apartment() {
-    return simulator::loadHome(std::string(HOMELOOM_HOMES_DIR) + "/apartment.json");
-}
+using homeloom::test::apartment;
 
 /// A desk whose plug behind the hub is known to the plug-in.
 class HubDesk {

@@ -9,11 +9,11 @@
 #include <desktop/Web.h>
 #include <simulator/Agent.h>
 #include <simulator/Cloud.h>
-#include <simulator/HomeLoader.h>
 
 #include "Homeloom/Network/CCurlHandler.h"
 #include "support/Desk.h"
 #include "support/Figures.h"
+#include "support/Homes.h"
 
 namespace {
 
@@ -70,7 +70,7 @@ void requestByCurl(const std::string& authorization, const std::string& route, c
 
 int main() {
     auto& agent = simulator::Agent::instance();
-    agent.load(simulator::loadHome(HOMELOOM_HOMES_DIR "/apartment.json"));
+    agent.load(homeloom::test::apartment());
     auto& cloud = simulator::Cloud::instance();
     cloud.start();
     homeloom::desktop::web::routeOtherHosts(cloud.port());

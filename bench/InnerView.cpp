@@ -13,10 +13,10 @@
 #include <desktop/Web.h>
 #include <simulator/Agent.h>
 #include <simulator/Cloud.h>
-#include <simulator/HomeLoader.h>
 
 #include "support/Desk.h"
 #include "support/Figures.h"
+#include "support/Homes.h"
 
 namespace framework = homeloom::desktop::framework;
 namespace web = homeloom::desktop::web;
@@ -111,7 +111,7 @@ void measure(Answers& answers, const std::vector<std::string>& files, const std:
 }  // namespace
 
 int main() {
-    simulator::Home home = simulator::loadHome(HOMELOOM_HOMES_DIR "/apartment.json");
+    simulator::Home home = homeloom::test::apartment();
     const simulator::Device refrigerator = *home.device(kDevice);
     home.models[refrigerator.vid].reactions.clear();  // it tells its pictures when it is measured
     bench::Desk desk(std::move(home));

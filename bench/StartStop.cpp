@@ -5,11 +5,11 @@
 #include <VMFramework/JsonValue.h>
 #include <desktop/Framework.h>
 #include <simulator/Agent.h>
-#include <simulator/HomeLoader.h>
 #include <simulator/ServiceManager.h>
 
 #include "support/Desk.h"
 #include "support/Figures.h"
+#include "support/Homes.h"
 
 namespace framework = homeloom::desktop::framework;
 using VMFramework::json::JsonValue;
@@ -21,9 +21,7 @@ constexpr int kJobs = 1000;
 constexpr char kRequest[] = "hl_execute_scene";
 constexpr char kAgentCall[] = "homeloom_core_execute_scene_async";
 
-simulator::Home apartment() {
-    return simulator::loadHome(HOMELOOM_HOMES_DIR "/apartment.json");
-}
+using homeloom::test::apartment;
 
 /// Parsing every document of the apartment's device models once.
 bench::Seconds timeOfParsing(const simulator::Home& home) {

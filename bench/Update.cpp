@@ -6,11 +6,11 @@
 #include <vector>
 
 #include <VMFramework/JsonValue.h>
-#include <simulator/HomeLoader.h>
 
 #include "support/Border.h"
 #include "support/Desk.h"
 #include "support/Figures.h"
+#include "support/Homes.h"
 #include "support/Instructions.h"
 
 using VMFramework::json::JsonValue;
@@ -114,7 +114,7 @@ void countInstructions(Updates& updates) {
 
 int main(int count, char** arguments) {
     bench::border::stayOnOneProcessor();
-    bench::Desk desk(simulator::loadHome(HOMELOOM_HOMES_DIR "/apartment.json"));
+    bench::Desk desk(homeloom::test::apartment());
     desk.show();
     desk.waitForSubscription("washer");
     bench::Desk::waitForRest();

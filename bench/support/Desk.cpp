@@ -12,6 +12,7 @@
 #include <simulator/Agent.h>
 
 #include "support/Figures.h"
+#include "support/Places.h"
 
 namespace bench {
 
@@ -54,7 +55,7 @@ Desk::~Desk() {
 }
 
 void Desk::open() {
-    _library = dlopen(HOMELOOM_PLUGIN_PATH, RTLD_NOW | RTLD_LOCAL);
+    _library = dlopen(homeloom::test::pluginFile().c_str(), RTLD_NOW | RTLD_LOCAL);
     if (_library == nullptr) {
         fail(dlerror());
     }

@@ -1,16 +1,15 @@
 #include "support/Plugin.h"
 
-#include <algorithm>
 #include <future>
 #include <memory>
 
 #include <desktop/Framework.h>
 #include <desktop/Guard.h>
 #include <desktop/Settings.h>
-#include <simulator/HomeLoader.h>
 
 #include "Homeloom/Common/MsgDispatcher.h"
 #include "plugin_interface.h"
+#include "support/Homes.h"
 #include "support/Input.h"
 
 namespace fuzz {
@@ -22,17 +21,6 @@ namespace {
 
 constexpr std::chrono::minutes kLimit(1);  // what takes longer hangs
 
-simulator::Home smallHome() {
-    const std::vector<std::string> kept{"washer",        "aircon",     "fridge",   "ceiling-light",
-                                        "living-camera", "hub-button", "hub-plug", "tv-hub"};
-    simulator::Home home = simulator::loadHome(HOMELOOM_HOMES_DIR "/apartment.json");
-    const auto isUnwanted = [&kept](const simulator::Device& device) {
-        return std::find(kept.begin(), kept.end(), device.id) == kept.end();
-    };
-    home.devices.erase(std::remove_if(home.devices.begin(), home.devices.end(), isUnwanted), home.devices.end());
-    return home;
-}
-
 }  // namespace
 
 Plugin& Plugin::running() {
@@ -40,7 +28,9 @@ Plugin& Plugin::running() {
     return plugin;
 }
 
-Plugin::Plugin() : home(smallHome()) {
+Plugin::Plugin()
+    : home(homeloom::test::apartmentWith(
+          {"washer", "aircon", "fridge", "ceiling-light", "living-camera", "hub-button", "hub-plug", "tv-hub"})) {
     homeloom::desktop::settings::setInt("db/menu/glade_deck/homedatacontrol/defaultdisclaimeragree", 1);
     agent.load(home);
     require(CreatePlugin(), "the plug-in starts");

@@ -150,7 +150,7 @@ TEST(Pages, TheNotifiesAndEndpointsAreThoseOfTheTables) {
 }
 
 TEST(Pages, ARequestThatNeedsSomethingIsNotAnsweredWithoutIt) {
-    Desk desk(Desk::apartmentWith({}));
+    Desk desk(homeloom::test::apartmentWith({}));
     desk.setDisclaimer(0);  // neither connected nor signed in
     desk.start();
     for (const auto& request : documentedRequests()) {

@@ -56,7 +56,7 @@ class FailingStart : public testing::TestWithParam<FailingStep> {};
 
 TEST_P(FailingStart, IsLoggedAndTheSessionComesUp) {
     const FailingStep& step = GetParam();
-    Desk desk(Desk::apartmentWith({}));
+    Desk desk(homeloom::test::apartmentWith({}));
     failCalls(step.function, VMF_ERROR_FAILED);
     desk.start();
     desk.waitForStatus(0);
@@ -101,7 +101,7 @@ INSTANTIATE_TEST_SUITE_P(
         FailingStep{"vmf_service_handler_set_add_device_callback", 6, {"add devie cb failed "}}));
 
 TEST(Controller, AFailingEndIsLogged) {
-    Desk desk(Desk::apartmentWith({}));
+    Desk desk(homeloom::test::apartmentWith({}));
     desk.start();
     failCalls("vmf_service_handler_unsubscribe_service", VMF_ERROR_FAILED);
     desk.stop();
@@ -112,7 +112,7 @@ TEST(Controller, AFailingEndIsLogged) {
 // ---- Load status ----
 
 TEST(Controller, TheLoadStatusFreezesAtTheFirstZero) {
-    Desk desk(Desk::apartmentWith({}));
+    Desk desk(homeloom::test::apartmentWith({}));
     desk.agent.setConnectOutcome(Agent::Connection::Rejected);
     desk.start();
     desk.waitForStatus(1);
@@ -126,7 +126,7 @@ TEST(Controller, TheLoadStatusFreezesAtTheFirstZero) {
 }
 
 TEST(Controller, AStatusThatCouldNotBeSentIsSentWithTheNextReport) {
-    Desk desk(Desk::apartmentWith({}));
+    Desk desk(homeloom::test::apartmentWith({}));
     failCalls("vmf_plugin_send_load_result", VMF_ERROR_FAILED, homeloom::desktop::firstCalls(1));
     desk.start();
     ASSERT_TRUE(desk.log.waitFor("PLUGIN STATUS REPORTED"));
@@ -140,7 +140,7 @@ TEST(Controller, AStatusThatCouldNotBeSentIsSentWithTheNextReport) {
 // ---- Too early, too late, and without user data ----
 
 TEST(Controller, ARequestBeforeTheSessionIsDroppedWithoutAWord) {
-    Desk desk(Desk::apartmentWith({}));
+    Desk desk(homeloom::test::apartmentWith({}));
     framework::TransactionId early = 0;
     // The second context to begin is the session's; its line comes before it takes anything.
     desk.atLogLine("CHomeLoomClientE] Initiate", [&] {
@@ -156,7 +156,7 @@ TEST(Controller, ARequestBeforeTheSessionIsDroppedWithoutAWord) {
 }
 
 TEST(Controller, ARequestOrReportAfterTheEndIsRefused) {
-    Desk desk(Desk::apartmentWith({}));
+    Desk desk(homeloom::test::apartmentWith({}));
     desk.start();
     desk.waitForLists(1);
     framework::TransactionId late = 0;
@@ -181,7 +181,7 @@ TEST(Controller, ARequestOrReportAfterTheEndIsRefused) {
 }
 
 TEST(Controller, ACallbackWithoutUserDataThrows) {
-    Desk desk(Desk::apartmentWith({}));
+    Desk desk(homeloom::test::apartmentWith({}));
     desk.start();
     ASSERT_NE(requestCallback, nullptr);
     EXPECT_THROW(requestCallback(nullptr, nullptr, nullptr, nullptr), VMFramework::HomeLoom::CException);

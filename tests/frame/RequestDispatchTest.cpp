@@ -24,7 +24,7 @@ framework::TransactionId RequestRoom(const std::string& name) {
 }  // namespace
 
 TEST(RequestDispatch, WhatHasNoHandlerGetsNoAnswerAndHoldsNobodyUp) {
-    Desk desk(Desk::apartmentWith({}));
+    Desk desk(homeloom::test::apartmentWith({}));
     desk.start();
     const std::vector<framework::TransactionId> requests{
         framework::request("nonsense"), framework::request("nonsense"), framework::request(""),
@@ -39,7 +39,7 @@ TEST(RequestDispatch, WhatHasNoHandlerGetsNoAnswerAndHoldsNobodyUp) {
 }
 
 TEST(RequestDispatch, EachRequestGoesItsWayAndIsGuarded) {
-    Desk desk(Desk::apartmentWith({}));
+    Desk desk(homeloom::test::apartmentWith({}));
     desk.setDisclaimer(0);  // neither connected nor signed in
     desk.start();
     const std::string normal = "normal request for ";
@@ -87,7 +87,7 @@ TEST(RequestDispatch, EachRequestGoesItsWayAndIsGuarded) {
 }
 
 TEST(RequestDispatch, NormalRequestsKeepTheirOrderAndPriorOnesOvertake) {
-    Desk desk(Desk::apartmentWith({}));
+    Desk desk(homeloom::test::apartmentWith({}));
     desk.start();
     desk.waitForLists(1);
     framework::setThreads(1);
@@ -114,7 +114,7 @@ TEST(RequestDispatch, NormalRequestsKeepTheirOrderAndPriorOnesOvertake) {
 }
 
 TEST(RequestDispatch, WhatIsQueuedAtTheEndIsDropped) {
-    Desk desk(Desk::apartmentWith({}));
+    Desk desk(homeloom::test::apartmentWith({}));
     desk.start();
     desk.waitForLists(1);
     desk.agent.fault(kCreateRoom, Fault::never());
@@ -136,7 +136,7 @@ TEST(RequestDispatch, WhatIsQueuedAtTheEndIsDropped) {
 // Threads that report under the device handler's mutex run whatever they find in the controller's context. What they
 // find there must not want the session's mutex, whose holder may wait for the device handler's.
 TEST(RequestDispatch, ADeviceListRequestDuringAReportDoesNotLockUp) {
-    Desk desk(Desk::apartmentWith({"washer"}));
+    Desk desk(homeloom::test::apartmentWith({"washer"}));
     desk.startAndShow();
     desk.waitForState("washer", "Ready");
     desk.settle();

@@ -46,8 +46,8 @@ protected:
         return desk.waitFor("the home again", [lists](const Screen& s) { return s.lists > lists + 1 && IsShown(s); });
     }
 
-    Desk desk{Desk::apartmentWith({"washer", "dryer", "ceiling-light", "living-camera", "fridge", "bedside-button",
-                                   "tag", "tv-hub", "hub-plug", "hub-button", "ir-fan"})};
+    Desk desk{homeloom::test::apartmentWith({"washer", "dryer", "ceiling-light", "living-camera", "fridge",
+                                             "bedside-button", "tag", "tv-hub", "hub-plug", "hub-button", "ir-fan"})};
     ServiceManager& manager = ServiceManager::instance();
 };
 

@@ -40,7 +40,7 @@ std::string told(const std::string& url) {
 // Whatever is quicker, the metadata or the list with the canvas documents, and from whatever state a device comes back.
 TEST(Pictures, MakeADeviceControllable) {
     const char* const devices[] = {"living-camera", "porch-camera", "doorbell", "fridge"};
-    Desk desk{Desk::apartmentWith({"living-camera", "porch-camera", "doorbell", "fridge"})};
+    Desk desk{homeloom::test::apartmentWith({"living-camera", "porch-camera", "doorbell", "fridge"})};
     const auto areControllable = [&](int wanted) {
         return [&devices, wanted](const Screen& shown) {
             return std::all_of(std::begin(devices), std::end(devices),
@@ -96,7 +96,7 @@ protected:
 
     int Count(const std::string& function) { return desk.agent.callCount("homeloom_client_" + function); }
 
-    Desk desk{Desk::apartmentWith({"living-camera", "porch-camera", "doorbell", "washer"})};
+    Desk desk{homeloom::test::apartmentWith({"living-camera", "porch-camera", "doorbell", "washer"})};
     simulator::Cloud& cloud = desk.startCloud();
 };
 

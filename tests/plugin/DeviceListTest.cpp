@@ -102,7 +102,7 @@ TEST(DeviceList, ShowsTheWholeApartment) {
 }
 
 TEST(DeviceList, ComesWithTheDevicesAndTheirStatesFollow) {
-    Desk desk(Desk::apartmentWith({"washer", "hub-plug", "tv-hub"}));
+    Desk desk(homeloom::test::apartmentWith({"washer", "hub-plug", "tv-hub"}));
     desk.agent.fault("homeloom_client_get_remote_attributes", kLate);
     desk.start();
     const Screen first = desk.waitForLists(2);
@@ -129,7 +129,7 @@ TEST(DeviceList, ComesWithTheDevicesAndTheirStatesFollow) {
 }
 
 TEST(DeviceList, SaysWhetherThereIsAnythingToShow) {
-    simulator::Home scenesOnly = Desk::apartmentWith({"tv-living", "tv-hub"});
+    simulator::Home scenesOnly = homeloom::test::apartmentWith({"tv-living", "tv-hub"});
     Desk desk(scenesOnly);
     desk.startAndShow();
     EXPECT_EQ(ExistsSetting(), "hl_dev_exist_true") << "scenes";
@@ -156,7 +156,7 @@ TEST(DeviceList, SaysWhetherThereIsAnythingToShow) {
 // ---- The framework's own request ----
 
 TEST(DeviceList, ThatIsAskedForReadsTheAgentOnlyWhenNothingIsThere) {
-    QuietDesk desk(Desk::apartmentWith({"washer"}));
+    QuietDesk desk(homeloom::test::apartmentWith({"washer"}));
     desk.agent.fault(kDetailList, Fault::fail(-5).times(1));
     framework::requestDeviceList();
     EXPECT_TRUE(desk.log.waitFor("get device detail list error!"));
@@ -174,7 +174,7 @@ TEST(DeviceList, ThatIsAskedForReadsTheAgentOnlyWhenNothingIsThere) {
 }
 
 TEST(DeviceList, ThatHoldsLessThanItSaysIsNoEmptyHome) {
-    QuietDesk desk(Desk::apartmentWith({"washer"}));
+    QuietDesk desk(homeloom::test::apartmentWith({"washer"}));
     isListWithheld = true;
     framework::requestDeviceList();
     EXPECT_TRUE(desk.log.waitFor("device detail list does not hold what it says, count : "));
@@ -186,7 +186,7 @@ TEST(DeviceList, ThatHoldsLessThanItSaysIsNoEmptyHome) {
 }
 
 TEST(DeviceList, OfAHomeWithoutDevicesShowsTheRest) {
-    QuietDesk desk(Desk::apartmentWith({}));
+    QuietDesk desk(homeloom::test::apartmentWith({}));
     desk.waitForLists(1);
     framework::requestDeviceList();  // and the agent answers that there is no data
     EXPECT_THAT(Ids(desk.waitForLists(2)), ElementsAreArray(kNoDevices));
@@ -196,10 +196,10 @@ TEST(DeviceList, OfAHomeWithoutDevicesShowsTheRest) {
 // ---- Records that lack something ----
 
 TEST(DeviceList, LeavesOutWhatHasNoIdModelOrType) {
-    Desk desk(Desk::apartmentWith({}));
+    Desk desk(homeloom::test::apartmentWith({}));
     desk.start();
     desk.waitForLists(1);
-    Device good = *Desk::apartmentWith({"washer"}).device("washer");
+    Device good = *homeloom::test::apartmentWith({"washer"}).device("washer");
     Device nameless = good, modelless = good, typeless = good, plain = good, bare = good;
     nameless.id = "";
     modelless.id = "modelless", modelless.vid = "";
@@ -231,7 +231,7 @@ TEST(DeviceList, LeavesOutWhatHasNoIdModelOrType) {
 
 class ListFault : public testing::TestWithParam<const char*> {
 protected:
-    Desk desk{Desk::apartmentWith({"washer", "hub-plug", "tv-hub"})};
+    Desk desk{homeloom::test::apartmentWith({"washer", "hub-plug", "tv-hub"})};
 };
 class LateAnswer : public ListFault {};
 

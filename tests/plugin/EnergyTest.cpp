@@ -63,7 +63,7 @@ protected:
         EXPECT_LE(desk.agent.callCount(kStatus), 1) << "the other devices are not asked any more";
     }
 
-    Desk desk{Desk::apartmentWith({"washer", "dryer", "aircon", "purifier", "fridge", "oven"})};
+    Desk desk{homeloom::test::apartmentWith({"washer", "dryer", "aircon", "purifier", "fridge", "oven"})};
 };
 
 }  // namespace

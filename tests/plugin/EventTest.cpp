@@ -35,7 +35,7 @@ protected:
         return desk.lines();
     }
 
-    Desk desk{Desk::apartmentWith({"washer", "hub-plug", "hub-button", "tv-hub"})};
+    Desk desk{homeloom::test::apartmentWith({"washer", "hub-plug", "hub-button", "tv-hub"})};
 };
 
 }  // namespace

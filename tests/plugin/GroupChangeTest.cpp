@@ -17,7 +17,7 @@ class GroupChange : public testing::Test {
 protected:
     GroupChange() { desk.startAndShow(); }
 
-    Desk desk{Desk::apartmentWith({"washer"})};
+    Desk desk{homeloom::test::apartmentWith({"washer"})};
     simulator::Agent& agent = desk.agent;
 };
 

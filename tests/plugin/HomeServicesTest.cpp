@@ -30,7 +30,7 @@ protected:
         return toText(*desk.ask(name, arguments));
     }
 
-    Desk desk{Desk::apartmentWith({"washer", "hall-motion"})};
+    Desk desk{homeloom::test::apartmentWith({"washer", "hall-motion"})};
 };
 
 }  // namespace

@@ -125,7 +125,7 @@ protected:
     }
 
     App app;
-    Desk desk{Desk::apartmentWith({kHub, "hub-plug"})};
+    Desk desk{homeloom::test::apartmentWith({kHub, "hub-plug"})};
 };
 
 // ---- Onboarding and reset ----
@@ -369,7 +369,7 @@ TEST_F(HubOfTheAccount, IsLookedForWhenTheListIsEmptyOrMadeAnew) {
     });
     EXPECT_EQ(Resets(), 3);
     desk.log.clear();
-    desk.agent.addDevice(*Desk::apartment().device(kHub));
+    desk.agent.addDevice(*homeloom::test::apartment().device(kHub));
     desk.agent.sendDeviceList({});
     EXPECT_TRUE(WaitFor("hub device is exist on cloud, do not delete"));
     framework::requestDeviceList();

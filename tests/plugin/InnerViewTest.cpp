@@ -94,7 +94,7 @@ protected:
         return urls;
     }
 
-    Desk desk{Desk::apartmentWith({"fridge", "washer"})};
+    Desk desk{homeloom::test::apartmentWith({"fridge", "washer"})};
     simulator::Cloud& cloud = desk.startCloud();
 };
 

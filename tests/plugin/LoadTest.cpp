@@ -32,7 +32,7 @@ Function* Entry(void* library, const char* name) {
 }  // namespace
 
 TEST(Load, AHundredTimesInOneProcess) {
-    Desk desk(Desk::apartmentWith({"washer", "bedside-button", "hub-plug"}));
+    Desk desk(homeloom::test::apartmentWith({"washer", "bedside-button", "hub-plug"}));
     long threads = 0;
     for (int round = 1; round <= 100; ++round) {
         SCOPED_TRACE(round);

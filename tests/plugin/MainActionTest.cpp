@@ -37,8 +37,8 @@ protected:
         return framework::request("hl_do_main_action", {{"action_url", std::string()}, {"device_id", deviceId}});
     }
 
-    Desk desk{
-        Desk::apartmentWith({"washer", "aircon", "bedside-button", "climate", "tv-bedroom", "hub-plug", "tv-hub"})};
+    Desk desk{homeloom::test::apartmentWith(
+        {"washer", "aircon", "bedside-button", "climate", "tv-bedroom", "hub-plug", "tv-hub"})};
 };
 
 TEST_F(MainAction, IsAnsweredOnceAndOnlyWhenTheAgentConfirmsIt) {

@@ -38,7 +38,7 @@ protected:
     }
     void Start() { Start(SmallHome()); }
 
-    static simulator::Home SmallHome() { return Desk::apartmentWith({"washer"}); }
+    static simulator::Home SmallHome() { return homeloom::test::apartmentWith({"washer"}); }
     static simulator::Home HomeWith(const simulator::InstalledApp& app) {
         simulator::Home home = SmallHome();
         home.installedApps = {app};

@@ -42,7 +42,7 @@ protected:
         desk.settle();
     }
 
-    Desk desk{Desk::apartmentWith({"washer"})};
+    Desk desk{homeloom::test::apartmentWith({"washer"})};
 };
 
 // ---- The first connection ----

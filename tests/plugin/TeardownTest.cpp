@@ -119,7 +119,7 @@ INSTANTIATE_TEST_SUITE_P(Teardown, StoppedWhile, testing::ValuesIn(Stops()), [](
 });
 
 TEST_P(StoppedWhile, _) {
-    Desk desk(Desk::apartmentWith({"washer", "bedside-button", "hub-button", "hub-plug", "tv-hub"}));
+    Desk desk(homeloom::test::apartmentWith({"washer", "bedside-button", "hub-button", "hub-plug", "tv-hub"}));
     const auto& [moment, byMainLoop] = GetParam();
     if (moment.cause != nullptr) {
         desk.start();
@@ -143,7 +143,7 @@ class Teardown : public testing::TestWithParam<bool> {
 protected:
     void Stop() { desk.stop(GetParam()); }
 
-    Desk desk{Desk::apartmentWith({"washer", "bedside-button", "hub-button", "hub-plug", "tv-hub"})};
+    Desk desk{homeloom::test::apartmentWith({"washer", "bedside-button", "hub-button", "hub-plug", "tv-hub"})};
 };
 INSTANTIATE_TEST_SUITE_P(Teardown, Teardown, testing::Bool(),
                          [](const auto& onLoop) { return onLoop.param ? "ByTheMainLoop" : "ByAThread"; });

@@ -29,7 +29,7 @@ protected:
             ->properties;
     }
 
-    Desk desk{Desk::apartmentWith({"washer", "bedside-button", "hub-button", "hub-contact", "tv-hub"})};
+    Desk desk{homeloom::test::apartmentWith({"washer", "bedside-button", "hub-button", "hub-contact", "tv-hub"})};
 };
 
 TEST_F(Update, AnEventThatIsNoneHarmsNothing) {

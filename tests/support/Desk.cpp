@@ -28,7 +28,6 @@
 #include "plugin_interface.h"
 #include "simulator/HubApp.h"
 #include "simulator/ServiceManager.h"
-#include "support/Places.h"
 
 namespace framework = homeloom::desktop::framework;
 namespace settings = homeloom::desktop::settings;
@@ -109,19 +108,6 @@ Desk::~Desk() {
     homeloom::desktop::log::setTraceSink(nullptr);
     simulator::Cloud::instance().stop();
     expectNothingLeft();
-}
-
-simulator::Home Desk::apartment() {
-    return simulator::loadHome(homeloom::test::apartmentFile());
-}
-
-simulator::Home Desk::apartmentWith(const std::vector<std::string>& deviceIds) {
-    simulator::Home home = apartment();
-    const auto isUnwanted = [&](const simulator::Device& device) {
-        return std::find(deviceIds.begin(), deviceIds.end(), device.id) == deviceIds.end();
-    };
-    home.devices.erase(std::remove_if(home.devices.begin(), home.devices.end(), isUnwanted), home.devices.end());
-    return home;
 }
 
 void Desk::start() {

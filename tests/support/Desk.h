@@ -12,6 +12,7 @@
 #include "simulator/Agent.h"
 #include "simulator/Cloud.h"
 #include "simulator/HomeLoader.h"
+#include "support/Homes.h"
 #include "support/Screen.h"
 
 /// A TV with the plug-in in it: the desk's framework, settings, log and main loop, and the simulated agent with a home.
@@ -30,14 +31,10 @@ public:
     using Report = homeloom::desktop::framework::Report;
     using ReportPtr = homeloom::desktop::framework::ReportPtr;
 
-    explicit Desk(simulator::Home home = apartment());
+    explicit Desk(simulator::Home home = homeloom::test::apartment());
     ~Desk();
     Desk(const Desk&) = delete;
     Desk& operator=(const Desk&) = delete;
-
-    static simulator::Home apartment();
-    /// The apartment with no other devices than these.
-    static simulator::Home apartmentWith(const std::vector<std::string>& deviceIds);
 
     void start();
     /// Starts, and waits until the list has come in which metadata and canvas are worked in.
