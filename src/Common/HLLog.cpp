@@ -21,10 +21,22 @@ const char* BaseName(const char* path) {
     return slash != nullptr ? slash + 1 : path;
 }
 
-// "createCanvas" of "VMFramework::HomeLoom::HomeloomClient::createCanvas()::<lambda()>".
+// "Queue" of "VMFramework::HomeLoom::Queue<void (*)(int)>(int)::<lambda()>".
 std::string_view NameOf(std::string_view function) {
-    const std::string_view path = function.substr(0, function.find('('));
-    return path.substr(path.find_last_of(" :") + 1);
+    std::size_t begin = 0;
+    std::size_t end = 0;
+    int depth = 0;  // within template arguments
+    for (std::size_t i = 0; i < function.size() && (depth > 0 || function[i] != '('); ++i) {
+        if (function[i] == '<') {
+            ++depth;
+        } else if (function[i] == '>') {
+            --depth;
+        } else if (depth == 0) {
+            end = i + 1;
+            begin = function[i] == ' ' || function[i] == ':' ? end : begin;
+        }
+    }
+    return function.substr(begin, end - begin);
 }
 
 std::string Format(const char* format, va_list arguments) {

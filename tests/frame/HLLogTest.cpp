@@ -15,6 +15,11 @@ using namespace homeloom::desktop;
 using testing::ElementsAre;
 using testing::MatchesRegex;
 
+template <typename Argument>
+void LogInALambda(Argument) {
+    [] { HL_LOGI("in a lambda"); }();
+}
+
 TEST(HLLog, WritesToTheLogWholeAndToTheTraceSinkShortened) {
     const log::Capture capture(DLOG_DEBUG);
     std::string trace;
@@ -37,7 +42,7 @@ TEST(HLLog, TracesACallAndTellsByItsKindWhatAShellCatches) {
         Guarded([] { throw CException("own", kErrorQuit); });
         EXPECT_EQ(GuardedOr(7, []() -> int { throw CException_HLClient("agent's", -22); }), 7);
         EXPECT_THROW(LogThrown([] { throw std::runtime_error("other"); }), std::runtime_error);
-        [] { HL_LOGI("in a lambda"); }();
+        LogInALambda(static_cast<void (*)(int)>(nullptr));
     }
     std::vector<std::string> messages;
     for (const auto& line : capture.lines()) {
@@ -49,5 +54,6 @@ TEST(HLLog, TracesACallAndTellsByItsKindWhatAShellCatches) {
         messages,
         ElementsAre(MatchesRegex(call + "Entered"), MatchesRegex(line + "own\\(error:10\\)\\(error_code:10\\)"),
                     MatchesRegex(line + "agent's\\(error:-22\\)\\(error_code:-22\\)"), MatchesRegex(line + "other"),
-                    MatchesRegex("HLLogTest.cpp : TestBody\\([0-9]+\\)  in a lambda"), MatchesRegex(call + "Left")));
+                    MatchesRegex("HLLogTest.cpp : LogInALambda\\([0-9]+\\)  in a lambda"),
+                    MatchesRegex(call + "Left")));
 }
