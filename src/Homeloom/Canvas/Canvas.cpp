@@ -4,6 +4,7 @@
 #include <exception>
 #include <utility>
 
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 
 namespace VMFramework::HomeLoom {
@@ -76,7 +77,7 @@ std::string Canvas::GetStateText(const std::string& vid, const std::string& stat
     if (findShown(vid, state, shown)) {
         return shown.text;
     }
-    try {
+    return GuardedOr(std::string(), [&]() -> std::string {
         HL_LOGI("vid : %s, state : %s", vid.c_str(), state.c_str());
         const std::string po_code = getPOCode(vid, state);
         if (po_code.empty()) {
@@ -86,10 +87,7 @@ std::string Canvas::GetStateText(const std::string& vid, const std::string& stat
         std::string text = getTranslatedStateText(vid, po_code);
         HL_LOGI("state text : %s", text.c_str());
         return text;
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
-    return {};
+    });
 }
 
 std::string Canvas::GetActiveState(const std::string& vid, const std::string& state) const {
@@ -97,18 +95,15 @@ std::string Canvas::GetActiveState(const std::string& vid, const std::string& st
     if (findShown(vid, state, shown)) {
         return shown.type;
     }
-    try {
+    return GuardedOr(std::string(), [&]() -> std::string {
         std::string type = getMemberString(findAlternative(vid, state), "type");
         HL_LOGI("state : %s, matched type : %s", state.c_str(), type.c_str());
         return type;
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
-    return {};
+    });
 }
 
 bool Canvas::GetStatesParam(const std::string& vid, std::string& component, std::string& capability) const {
-    try {
+    return GuardedOr(false, [&] {
         const JsonValue states = findFirst(vid, "states");
         component = getMemberString(states, "component");
         capability = getMemberString(states, "capability");
@@ -118,15 +113,12 @@ bool Canvas::GetStatesParam(const std::string& vid, std::string& component, std:
         HL_LOGI("component : %s, capability : %s, full states json value : %s", component.c_str(), capability.c_str(),
                 states.toString().c_str());
         return true;
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
-    return false;
+    });
 }
 
 bool Canvas::GetActionsParam(const std::string& vid, std::string& component, std::string& capability,
                              std::string& display_type) const {
-    try {
+    return GuardedOr(false, [&] {
         const JsonValue actions = findFirst(vid, "actions");
         component = getMemberString(actions, "component");
         capability = getMemberString(actions, "capability");
@@ -137,15 +129,12 @@ bool Canvas::GetActionsParam(const std::string& vid, std::string& component, std
         HL_LOGI("component : %s, capability : %s, display type : %s, full actions json value : %s", component.c_str(),
                 capability.c_str(), display_type.c_str(), actions.toString().c_str());
         return true;
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
-    return false;
+    });
 }
 
 std::string Canvas::GetCommandValue(const std::string& vid, const std::string& display_type,
                                     const std::string& current) const {
-    try {
+    return GuardedOr(std::string(), [&]() -> std::string {
         const JsonValue actions = findFirst(vid, "actions");
         const JsonValue display = actions[display_type];
         const JsonValue command = display["command"];
@@ -159,26 +148,20 @@ std::string Canvas::GetCommandValue(const std::string& vid, const std::string& d
         }
         HL_LOGI("execute command value : %s", value.c_str());
         return value;
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
-    return {};
+    });
 }
 
 std::string Canvas::GetCurrentStateValue(const std::string& text, const std::string& attribute) {
-    try {
+    return GuardedOr(std::string(), [&]() -> std::string {
         const JsonValue document = JsonValue::Create(text);
         const JsonValue member = document[attribute];
         return getMemberString(member, "value");
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
-    return {};
+    });
 }
 
 bool Canvas::MakeActionJsonValue(const std::string& component, const std::string& capability,
                                  const std::string& command, std::string& out) {
-    try {
+    return GuardedOr(false, [&] {
         JsonValue action = JsonValue::CreateObject();
         action.set("component", component);
         action.set("capability", capability);
@@ -190,10 +173,7 @@ bool Canvas::MakeActionJsonValue(const std::string& component, const std::string
         out = document.toString();
         HL_LOGI("action json value : %s", out.c_str());
         return true;
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
-    return false;
+    });
 }
 
 json::JsonValue Canvas::findDocument(const std::string& vid) const {

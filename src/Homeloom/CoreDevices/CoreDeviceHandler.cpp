@@ -1,7 +1,6 @@
 // Reads the agent's core device list and answers by device id what the client list doesn't know.
 #include "Homeloom/CoreDevices/CoreDeviceHandler.h"
 
-#include <exception>
 #include <utility>
 
 #include <VMFramework/JsonValue.h>
@@ -9,6 +8,7 @@
 
 #include "Common/CException.h"
 #include "Common/CHLUtil.h"
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Homeloom/Tessel/AgentList.h"
 
@@ -27,16 +27,11 @@ bool isListRead(int ret, int) {
 
 // A record whose JSON is no good costs its own fields, not the list.
 std::string getDeviceNetworkType(const std::string& type, const std::string& details) {
-    try {
-        return CHLUtil::GetDeviceNetworkType(type, details);
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
-    return "";
+    return GuardedOr(std::string(), [&]() -> std::string { return CHLUtil::GetDeviceNetworkType(type, details); });
 }
 
 core_device_icon_info parsingIconInfo(const std::string& text) {
-    try {
+    return GuardedOr(core_device_icon_info(), [&]() -> core_device_icon_info {
         const auto root = json::JsonValue::Create(text);
         if (root.isNull()) {
             HL_LOGE("icon root is null");
@@ -45,10 +40,7 @@ core_device_icon_info parsingIconInfo(const std::string& text) {
         return {root["animationIcon"].asString(),   root["activatedIcon"].asString(),
                 root["inactivatedIcon"].asString(), root["disconnectedIcon"].asString(),
                 root["iconKey"].asString(),         root["lastUpdateDate"].asString()};
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
-    return {};
+    });
 }
 
 }  // namespace
@@ -216,12 +208,7 @@ std::string CoreDeviceHandler::getParentDeviceId(const std::string& details) con
         const MutexLock lock(_mutex);
         getter = _getParentDeviceId;
     }
-    try {
-        return getter(details);
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
-    return "";
+    return GuardedOr(std::string(), [&]() -> std::string { return getter(details); });
 }
 
 }  // namespace VMFramework::HomeLoom

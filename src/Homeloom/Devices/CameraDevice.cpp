@@ -3,12 +3,12 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <exception>
 
 #include <VMFramework/JsonValue.h>
 
 #include "Common/CException.h"
 #include "Common/CReporter.h"
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Homeloom/Tessel/ITesselHandler.h"
 
@@ -153,7 +153,7 @@ bool CameraDevice::handleCameraNotification(const std::string& deviceId, const s
         HL_LOGE("uri is empty!");
         return false;
     }
-    try {
+    return GuardedOr(false, [&] {
         const LaunchCondition condition(_agent);
         HL_LOGI("device_id : %s, uri : %s", deviceId.c_str(), uri.c_str());
         setCameraNotiParam(condition.Get(), deviceId, uri);
@@ -162,10 +162,7 @@ bool CameraDevice::handleCameraNotification(const std::string& deviceId, const s
             throw CException_HLClient("failed", ret);
         }
         return true;
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-        return false;
-    }
+    });
 }
 
 int CameraDevice::getCameraNotiType(const std::string& uri) {
@@ -242,7 +239,7 @@ bool CameraDevice::isAddedCameraNotification(const std::string& deviceId, const 
         HL_LOGE("uri is empty!");
         return false;
     }
-    try {
+    return GuardedOr(false, [&] {
         const LaunchCondition condition(_agent);
         setCameraNotiParam(condition.Get(), deviceId, uri);
         const int ret = _agent.IsAppLaunchConditionAdded(condition.Get(), exist);
@@ -250,10 +247,7 @@ bool CameraDevice::isAddedCameraNotification(const std::string& deviceId, const 
             throw CException_HLClient("app_launch_condition_added is failed", ret);
         }
         return true;
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
-    return false;
+    });
 }
 
 }  // namespace VMFramework::HomeLoom

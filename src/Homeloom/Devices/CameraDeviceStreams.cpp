@@ -1,13 +1,13 @@
 // The ways to a camera's stream. The platform's service answers at once; any other camera is subscribed to, told to
 // start its stream by writing an attribute, and answers by an event some moments later.
 
-#include <exception>
 #include <utility>
 
 #include <VMFramework/JsonValue.h>
 
 #include "Common/CHLUtil.h"
 #include "Common/CReporter.h"
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Homeloom/Common/MsgDispatcher.h"
 #include "Homeloom/Devices/CameraDevice.h"
@@ -274,7 +274,7 @@ void CameraDevice::_HomeLoomClientRingDoorbellSubscribeChanged(const char* devic
 // An event that is dropped leaves everything as it is, so that a later one can still answer the request.
 void CameraDevice::onStreamEvent(const char* deviceId, const char* representation, void* userData, const char* jobName,
                                  FinishStream finish) {
-    try {
+    Guarded([&] {
         const auto camera = FindByToken<CameraDevice>(userData);
         if (!camera) {
             return;
@@ -292,9 +292,7 @@ void CameraDevice::onStreamEvent(const char* deviceId, const char* representatio
                                 url = std::move(url)] { ((*camera).*finish)(id, url); },
                                jobName);
         }
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    });
 }
 
 // ---- The jobs that answer ----

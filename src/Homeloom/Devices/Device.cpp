@@ -2,11 +2,11 @@
 #include "Homeloom/Devices/Device.h"
 
 #include <algorithm>
-#include <exception>
 #include <utility>
 
 #include <VMFramework/JsonValue.h>
 
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Helpers/CEndpointHelper.h"
 #include "Homeloom/Common/CallbackTokens.h"
@@ -80,16 +80,13 @@ std::string Device::GetDeviceOperationalContext() const {
     if (!isSet) {
         return {};
     }
-    try {
+    return GuardedOr(std::string(), [&]() -> std::string {
         auto document = json::JsonValue::CreateObject();
         document.set("uri", uri.get());
         document.set("property", property.get());
         document.set("value", value);
         return document.toString();
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
-    return {};
+    });
 }
 
 bool Device::IsCameraDevice() const {

@@ -1,13 +1,12 @@
 // Holds the devices of the signed-in user, and starts and ends the work on them.
 #include "Homeloom/Devices/DeviceHandler.h"
 
-#include <exception>
-
 #include <VMFramework/JsonValue.h>
 #include <vconf.h>
 
 #include "Common/CHLUtil.h"
 #include "Common/CText.h"
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
 #include "Homeloom/Common/CallbackTokens.h"
@@ -296,7 +295,7 @@ std::string DeviceHandler::getMyTvId() const {
         HL_LOGE("signup info empty!");
         return "";
     }
-    try {
+    return GuardedOr(std::string(), [&]() -> std::string {
         const auto document = json::JsonValue::Create(text.get());
         const std::string id = document[Names::DI].asString();
         if (id.empty()) {
@@ -307,10 +306,7 @@ std::string DeviceHandler::getMyTvId() const {
         std::lock_guard<std::mutex> lock(_leafMutex);
         _myTvId = id;
         return id;
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
-    return "";
+    });
 }
 
 bool DeviceHandler::isHubConnectedDevice(const std::string& id) const {
@@ -332,27 +328,15 @@ std::string DeviceHandler::getAccessToken() const {
 }
 
 void DeviceHandler::AddJobToScheduler(ThreadJob job, const std::string& name) {
-    try {
-        SGTMsgDispatcher::GetInstance().EnqueueData(std::move(job), name);
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    Guarded([&] { SGTMsgDispatcher::GetInstance().EnqueueData(std::move(job), name); });
 }
 
 void DeviceHandler::AddJobToStatusScheduler(ThreadJob job, const std::string& name) {
-    try {
-        _statusDispatcher.EnqueueData(std::move(job), name);
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    Guarded([&] { _statusDispatcher.EnqueueData(std::move(job), name); });
 }
 
 void DeviceHandler::addMetadataParsingJobToScheduler(ThreadJob job, const std::string& name) {
-    try {
-        _metadataDispatcher.EnqueueData(std::move(job), name);
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    Guarded([&] { _metadataDispatcher.EnqueueData(std::move(job), name); });
 }
 
 void DeviceHandler::initDeviceTypeMap() {

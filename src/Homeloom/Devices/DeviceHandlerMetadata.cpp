@@ -1,10 +1,9 @@
 // What the UI metadata says about devices: which URIs to subscribe, and what to recompute when it arrives.
 
-#include <exception>
-
 #include <VMFramework/JsonValue.h>
 
 #include "Common/CHLUtil.h"
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Homeloom/Common/CallbackTokens.h"
 #include "Homeloom/Devices/DeviceHandler.h"
@@ -151,12 +150,8 @@ void DeviceHandler::parseMetadataOfVid(const std::string& vid) {
         HL_LOGI("already quit");
         return;
     }
-    try {
-        Metadata::GetInstance().ParseMetadata(vid, GetUiMeta(vid));
-    } catch (const std::exception& e) {
-        // The document that was stored before still serves the devices.
-        HL_LOG_EXCEPTION(e);
-    }
+    // The document that was stored before still serves the devices.
+    Guarded([&] { Metadata::GetInstance().ParseMetadata(vid, GetUiMeta(vid)); });
     HL_LOGI("ParseMetadata() ui metadata parsing done for %s, need to GetProperty", vid.c_str());
 
     std::unordered_set<std::string> ids;
@@ -174,12 +169,8 @@ void DeviceHandler::parseMetadataOfVid(const std::string& vid) {
             HL_LOGI("already quit");
             return;
         }
-        try {
-            readAndSubscribe(id);
-        } catch (const std::exception& e) {
-            // It costs this device's turn only.
-            HL_LOG_EXCEPTION(e);
-        }
+        // It costs this device's turn only.
+        Guarded([&] { readAndSubscribe(id); });
     }
 }
 

@@ -1,12 +1,12 @@
 // Devices as the framework sees them: endpoints of the device list, and icons.
 
-#include <exception>
 #include <type_traits>
 
 #include <VMFramework/JsonValue.h>
 #include <vmf_endpoint.h>
 
 #include "Common/CReporter.h"
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
 #include "Helpers/CEndpointHelper.h"
@@ -152,11 +152,9 @@ void DeviceHandler::fillEndpoint(IEndpointHelper& endpoint, const std::shared_pt
 void DeviceHandler::GetDeviceIcons(const std::shared_ptr<CTransaction>& transaction,
                                    const std::string& deviceId) const {
     GetDeviceIconsParam param(transaction);
-    try {
+    Guarded([&] {
         param.deviceIconInfo = deviceId.empty() ? getDevicesIconsWithJson() : getDeviceIconsWithJson(deviceId);
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    });
     param.result = !param.deviceIconInfo.empty();
     Reporter::Report(param);
 }

@@ -1,6 +1,5 @@
 // What arrives from the agent about the values of devices, and the notification that follows.
 
-#include <exception>
 #include <utility>
 
 #include <VMFramework/JsonValue.h>
@@ -8,6 +7,7 @@
 #include "Common/CException.h"
 #include "Common/CHLUtil.h"
 #include "Common/CText.h"
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
 #include "Common/WayOut.h"
@@ -107,7 +107,7 @@ void DeviceHandler::updateDeviceProperty(const std::shared_ptr<Device>& device) 
 // On the agent's thread: it copies, queues and returns.
 void DeviceHandler::_HomeLoomClientGetDeviceRemoteAttributes(int result, const char*, const char* attributes,
                                                              const char* uri, const char* resDataType, void* userData) {
-    try {
+    Guarded([&] {
         if (userData == nullptr) {
             HL_LOGE("user_data is null");
             return;
@@ -130,16 +130,14 @@ void DeviceHandler::_HomeLoomClientGetDeviceRemoteAttributes(int result, const c
                 self->applyUpdate(id, uriText, rep, dataType);
             },
             "_HomeLoomClientGetDeviceRemoteAttributes");
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    });
 }
 
 // On the agent's thread: it copies, queues and returns.
 void DeviceHandler::_HomeLoomClientSubscribeChanged(const char* deviceId, const char* uri, const char* rcsRep,
                                                     const char* resDataType, const char* ocfErrorCode, const char*,
                                                     void* userData) {
-    try {
+    Guarded([&] {
         const auto handler = CallbackTokens::Find<DeviceHandler>(userData);
         if (!handler) {
             return;
@@ -163,9 +161,7 @@ void DeviceHandler::_HomeLoomClientSubscribeChanged(const char* deviceId, const 
                 self->applyUpdate(id, uriText, rep, dataType);
             },
             "_HomeLoomClientSubscribeChanged");
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    });
 }
 
 void DeviceHandler::applyUpdate(const std::string& deviceId, const std::string& uri, const std::string& rep,

@@ -2,12 +2,12 @@
 #include "Homeloom/Devices/DeviceStateChecker.h"
 
 #include <algorithm>
-#include <exception>
 #include <initializer_list>
 #include <string_view>
 
 #include <VMFramework/JsonValue.h>
 
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 
 namespace VMFramework::HomeLoom {
@@ -44,17 +44,14 @@ RunningState judgeElement(const std::string& element, Texts runningValues) {
 }
 
 std::string elementOf(const std::string& text, int index) {
-    try {
+    return GuardedOr(std::string(), [&]() -> std::string {
         const auto document = json::JsonValue::Create(text);
         if (document.isNull()) {
             HL_LOGE("json parsing failed");
             return "";
         }
         return document[index].asString();
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
-    return "";
+    });
 }
 
 }  // namespace

@@ -2,12 +2,12 @@
 #include "Homeloom/Devices/RefrigeratorDevice.h"
 
 #include <algorithm>
-#include <exception>
 #include <utility>
 
 #include <VMFramework/JsonValue.h>
 
 #include "Common/CReporter.h"
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Homeloom/Common/CallbackTokens.h"
 #include "Homeloom/Common/MsgDispatcher.h"
@@ -115,7 +115,7 @@ void RefrigeratorDevice::onSetRemoteRepresentation(int result, const char*, cons
 void RefrigeratorDevice::_RefrigeratorInnerViewSubscribeChanged(const char* deviceId, const char*,
                                                                 const char* representation, const char*, const char*,
                                                                 const char*, void* userData) {
-    try {
+    Guarded([&] {
         const auto subscription = CallbackTokens::Find<Subscription>(userData);
         const auto device = subscription ? subscription->device.lock() : nullptr;
         if (!device) {
@@ -129,9 +129,7 @@ void RefrigeratorDevice::_RefrigeratorInnerViewSubscribeChanged(const char* devi
                  text = std::move(text)] { refrigerator->answer(generation, id, text); },
                 "_RefrigeratorInnerViewSubscribeChanged");
         }
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    });
 }
 
 // The first event may be the echo of the command, without contents. The next one counts, whatever it holds.

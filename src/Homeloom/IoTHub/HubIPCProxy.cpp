@@ -10,6 +10,7 @@
 #include <system_info.h>
 
 #include "Common/CReporter.h"
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
 #include "Common/WayOut.h"
@@ -359,7 +360,7 @@ std::string HubIPCProxy::getHubInfo() {
 }
 
 void HubIPCProxy::saveHubInfo(const std::string& info) {
-    try {
+    Guarded([&] {
         const json::JsonValue document = json::JsonValue::Create(info);
         if (!document.isObject()) {
             HL_LOGE("hub info is no JSON object");
@@ -369,9 +370,7 @@ void HubIPCProxy::saveHubInfo(const std::string& info) {
         const std::string hubDeviceId = document["hub_di"].asString();
         setIds(loginId, hubDeviceId);
         HL_LOGI("hub onboarded login id : %s, hub device id : %s", loginId.c_str(), hubDeviceId.c_str());
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    });
 }
 
 void HubIPCProxy::sendHubInfo(const std::shared_ptr<CTransaction>& transaction, const std::string& info) {

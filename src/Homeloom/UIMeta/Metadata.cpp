@@ -3,13 +3,13 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <exception>
 #include <utility>
 
 #include <VMFramework/JsonValue.h>
 
 #include "Common/CException.h"
 #include "Common/CText.h"
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Homeloom/Devices/Device.h"
 
@@ -81,12 +81,10 @@ void Metadata::StopLanguageWatch() {
 }
 
 void Metadata::VCONFNotifyLocaleCodeUpdate(keynode_t* /*node*/, void* user_data) {
-    try {
+    Guarded([&] {
         HL_LOGI("entered");
         static_cast<Metadata*>(user_data)->getLocaleCode();
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    });
 }
 
 bool Metadata::getLocale(const std::vector<std::string>& languages, std::string& locale) const {

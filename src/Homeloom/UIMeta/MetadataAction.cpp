@@ -1,11 +1,11 @@
 // Metadata: a device's main action.
 #include <algorithm>
-#include <exception>
 #include <utility>
 
 #include <VMFramework/JsonValue.h>
 
 #include "Common/CHLUtil.h"
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Homeloom/Devices/Device.h"
 #include "Homeloom/UIMeta/Metadata.h"
@@ -160,7 +160,7 @@ std::string Metadata::ActionIcon(const DevicePtr& device) const {
 }
 
 std::string Metadata::mainActionIcon(const Device& device, const device_ui_metadata_struct* meta) {
-    try {
+    return GuardedOr(std::string(), [&]() -> std::string {
         if (device.IsInactive()) {
             return CHLUtil::IsDeviceTypeTVForActionState(device.GetDeviceType()) ? "inactive" : "";
         }
@@ -180,10 +180,8 @@ std::string Metadata::mainActionIcon(const Device& device, const device_ui_metad
                 HL_LOGI("ma.action_link != meta.generic_subscribe_uri");
             }
         }
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
-    return {};
+        return {};
+    });
 }
 
 device_presentation_struct Metadata::GetMainActionLook(const Device& device) const {
@@ -226,7 +224,7 @@ std::string Metadata::iconOrState(const Device& device, const device_action_stru
 }
 
 std::string Metadata::checkAlternativeType(const Device& device, const device_action_struct& action) {
-    try {
+    return GuardedOr(std::string(), [&]() -> std::string {
         const std::string& value = getDeviceProperty(device, action.href, action.property);
         if (value.empty()) {
             HL_LOGE("{%s} got empty value for uri : %s, property {%s}", device.GetId().c_str(), action.href.c_str(),
@@ -246,10 +244,8 @@ std::string Metadata::checkAlternativeType(const Device& device, const device_ac
                 return type;
             }
         }
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
-    return {};
+        return {};
+    });
 }
 
 std::string Metadata::getAlternativeType(const json::JsonValue& list, const device_alternative_struct& alternative,

@@ -1,12 +1,12 @@
 // Metadata: a device's state text, and the visibility rules and values that all evaluation rests on.
 #include <algorithm>
 #include <cstdlib>
-#include <exception>
 #include <utility>
 
 #include <VMFramework/JsonValue.h>
 
 #include "Common/CHLUtil.h"
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Homeloom/Devices/Device.h"
 #include "Homeloom/UIMeta/Metadata.h"
@@ -153,7 +153,7 @@ void Metadata::getMakeUpArgument(Device& device, const std::string& label, const
 
 std::string Metadata::getArgumentValue(Device& device, const device_state_struct& state, std::string_view name,
                                        const device_ui_metadata_struct& meta, bool& inactive) const {
-    try {
+    return GuardedOr(std::string(), [&]() -> std::string {
         const auto argument = std::find_if(state.arguments.begin(), state.arguments.end(),
                                            [&](const device_argument_struct& each) { return each.name == name; });
         if (argument == state.arguments.end()) {
@@ -175,10 +175,7 @@ std::string Metadata::getArgumentValue(Device& device, const device_state_struct
         device.SetDeviceOperationalContext(argument->href, argument->property, value);
         HL_LOGI("value string : %s", value.c_str());
         return value;
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
-    return {};
+    });
 }
 
 std::string Metadata::getAlternativeString(const device_argument_struct& argument, const std::string& key) {

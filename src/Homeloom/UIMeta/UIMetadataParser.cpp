@@ -7,6 +7,7 @@
 
 #include <VMFramework/JsonValue.h>
 
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Common/HLNames.h"
 
@@ -43,7 +44,7 @@ std::map<std::string, std::vector<std::string>> shownNames(const device_ui_metad
 
 bool UIMetadataParser::ParseMetadata(const std::string& vid, const std::string& json_text,
                                      device_ui_metadata_struct& out) const {
-    try {
+    return GuardedOr(false, [&] {
         if (json_text.empty()) {
             HL_LOGE("**Get Failed**DEVICE_VID_MNMN***** [{}] ");
             return false;
@@ -54,10 +55,7 @@ bool UIMetadataParser::ParseMetadata(const std::string& vid, const std::string& 
             return false;
         }
         return parseMetadata(vid, document, out);
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
-    return false;
+    });
 }
 
 bool UIMetadataParser::parseMetadata(const std::string& vid, const JsonValue& document,
@@ -99,12 +97,7 @@ bool UIMetadataParser::parseMetadata(const std::string& vid, const JsonValue& do
 }
 
 bool UIMetadataParser::parseGenericMetadata(const JsonValue& data) const {
-    try {
-        return data["vid"].asString() == Names::GENERIC_DEFAULT_METADATA;
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
-    return false;
+    return GuardedOr(false, [&] { return data["vid"].asString() == Names::GENERIC_DEFAULT_METADATA; });
 }
 
 void UIMetadataParser::parseStateList(const JsonValue& data, std::vector<device_state_struct>& states,
@@ -246,7 +239,7 @@ device_action_struct UIMetadataParser::parseAction(const JsonValue& entry, std::
 
 void UIMetadataParser::parseDPResourceList(const JsonValue& data,
                                            std::vector<device_dp_resource_struct>& resources) const {
-    try {
+    Guarded([&] {
         const JsonValue entries = data["dpResources"];
         if (entries.isNull()) {
             HL_LOGI("dpResources is not exit in ui metadata!");
@@ -258,9 +251,7 @@ void UIMetadataParser::parseDPResourceList(const JsonValue& data,
                 resources.push_back(parseDPResource(entry));
             }
         }
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    });
 }
 
 device_dp_resource_struct UIMetadataParser::parseDPResource(const JsonValue& entry) const {
@@ -300,7 +291,7 @@ std::vector<device_alternative_struct> UIMetadataParser::parseAlternatives(const
 }
 
 void UIMetadataParser::parseDPUri(const JsonValue& data, std::string& out) const {
-    try {
+    Guarded([&] {
         const JsonValue entries = data["dpInfo"];
         if (entries.isNull()) {
             HL_LOGI("dpInfo not exist in ui metadata");
@@ -313,13 +304,11 @@ void UIMetadataParser::parseDPUri(const JsonValue& data, std::string& out) const
                 out = entry["dpUri"].asString();
             }
         }
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    });
 }
 
 std::string UIMetadataParser::parseSolenneServerDpUri(const JsonValue& data) const {
-    try {
+    return GuardedOr(std::string(), [&]() -> std::string {
         const JsonValue entries = data["dpInfo"];
         if (entries.isNull()) {
             HL_LOGI("dpInfo not exist in ui metadata");
@@ -331,15 +320,13 @@ std::string UIMetadataParser::parseSolenneServerDpUri(const JsonValue& data) con
                 return entry["serverDpUri"].asString();
             }
         }
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
-    return {};
+        return {};
+    });
 }
 
 void UIMetadataParser::parseIconUrl(const JsonValue& value, std::string& out) const {
     constexpr std::string_view kPreload = "preload://";
-    try {
+    Guarded([&] {
         const JsonValue icon = value["iconUrl"];
         std::string text = icon["mid"].asString();
         if (text.empty()) {
@@ -351,14 +338,12 @@ void UIMetadataParser::parseIconUrl(const JsonValue& value, std::string& out) co
             text.erase(preload, kPreload.size());
         }
         out = std::move(text);
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    });
 }
 
 void UIMetadataParser::parseLanguageList(const JsonValue& data, std::vector<std::string>& languages,
                                          std::map<std::string, std::string>& translations) const {
-    try {
+    Guarded([&] {
         const JsonValue entries = data["language"];
         if (entries.isNull()) {
             HL_LOGI("language not exist in ui metadata");
@@ -381,9 +366,7 @@ void UIMetadataParser::parseLanguageList(const JsonValue& data, std::vector<std:
                 }
             }
         }
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+    });
 }
 
 bool UIMetadataParser::isPowerResource(std::string_view rt, std::string_view property, std::string_view control_type) {
