@@ -2,7 +2,6 @@
 #include "Homeloom/UIMeta/UIMetadataParser.h"
 
 #include <algorithm>
-#include <exception>
 #include <utility>
 
 #include <VMFramework/JsonValue.h>
@@ -38,6 +37,27 @@ std::map<std::string, std::vector<std::string>> shownNames(const device_ui_metad
         add(resource.href, resource.property);
     }
     return names;
+}
+
+/// Reads the entries of a list that are not null, until one can't be read. False if there is no list.
+template <typename Read>
+bool ForEachEntry(const json::JsonValue& data, const char* member, const char* complaint, const Read& read,
+                  const Log::Place& caller = HL_CALLER) {
+    const auto walk = [&] {
+        const json::JsonValue entries = data[member];
+        if (entries.isNull()) {
+            HL_LOG_AT(DLOG_INFO, caller, "%s", complaint);
+            return false;
+        }
+        for (std::size_t i = 0; i < entries.size(); ++i) {
+            const json::JsonValue entry = entries[i];
+            if (!entry.isNull()) {
+                read(entry);
+            }
+        }
+        return true;
+    };
+    return GuardedOr(true, walk, caller);
 }
 
 }  // namespace
@@ -102,20 +122,9 @@ bool UIMetadataParser::parseGenericMetadata(const JsonValue& data) const {
 
 void UIMetadataParser::parseStateList(const JsonValue& data, std::vector<device_state_struct>& states,
                                       std::vector<std::string>& groups, std::vector<std::string>& uris) const {
-    try {
-        const JsonValue entries = data["ms"];
-        if (entries.isNull()) {
-            HL_LOGI("ms not eixt in ui metadata!");
-            return;
-        }
-        for (std::size_t i = 0; i < entries.size(); ++i) {
-            const JsonValue entry = entries[i];
-            if (!entry.isNull()) {
-                states.push_back(parseState(entry, groups, uris));
-            }
-        }
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
+    const auto read = [&](const JsonValue& entry) { states.push_back(parseState(entry, groups, uris)); };
+    if (!ForEachEntry(data, "ms", "ms not eixt in ui metadata!", read)) {
+        return;
     }
     // What was read before a bad entry is shown, so it is sorted too.
     std::stable_sort(states.begin(), states.end(), ms_compare_order);
@@ -174,29 +183,16 @@ device_argument_struct UIMetadataParser::parseArgument(const JsonValue& entry, s
 void UIMetadataParser::parseActionList(const JsonValue& data, std::vector<device_action_struct>& actions,
                                        std::vector<std::string>& groups, std::string& out_href,
                                        std::string& out_property, std::vector<std::string>& uris) const {
-    try {
-        const JsonValue entries = data["ma"];
-        if (entries.isNull()) {
-            HL_LOGI("ma not eixt in ui metadata!");
-            return;
+    ForEachEntry(data, "ma", "ma not eixt in ui metadata!", [&](const JsonValue& entry) {
+        device_action_struct action = parseAction(entry, groups, uris);
+        // In the order of the document: the last power action, or else the first action of all.
+        if (isPowerResource(action.rt, action.property, action.control_type) ||
+            (out_href.empty() && out_property.empty())) {
+            out_href = action.href;
+            out_property = action.property;
         }
-        for (std::size_t i = 0; i < entries.size(); ++i) {
-            const JsonValue entry = entries[i];
-            if (entry.isNull()) {
-                continue;
-            }
-            device_action_struct action = parseAction(entry, groups, uris);
-            // In the order of the document: the last power action, or else the first action of all.
-            if (isPowerResource(action.rt, action.property, action.control_type) ||
-                (out_href.empty() && out_property.empty())) {
-                out_href = action.href;
-                out_property = action.property;
-            }
-            actions.push_back(std::move(action));
-        }
-    } catch (const std::exception& e) {
-        HL_LOG_EXCEPTION(e);
-    }
+        actions.push_back(std::move(action));
+    });
     std::stable_sort(actions.begin(), actions.end(), ma_compare_order);
 }
 
@@ -239,19 +235,8 @@ device_action_struct UIMetadataParser::parseAction(const JsonValue& entry, std::
 
 void UIMetadataParser::parseDPResourceList(const JsonValue& data,
                                            std::vector<device_dp_resource_struct>& resources) const {
-    Guarded([&] {
-        const JsonValue entries = data["dpResources"];
-        if (entries.isNull()) {
-            HL_LOGI("dpResources is not exit in ui metadata!");
-            return;
-        }
-        for (std::size_t i = 0; i < entries.size(); ++i) {
-            const JsonValue entry = entries[i];
-            if (!entry.isNull()) {
-                resources.push_back(parseDPResource(entry));
-            }
-        }
-    });
+    ForEachEntry(data, "dpResources", "dpResources is not exit in ui metadata!",
+                 [&](const JsonValue& entry) { resources.push_back(parseDPResource(entry)); });
 }
 
 device_dp_resource_struct UIMetadataParser::parseDPResource(const JsonValue& entry) const {
@@ -291,20 +276,9 @@ std::vector<device_alternative_struct> UIMetadataParser::parseAlternatives(const
 }
 
 void UIMetadataParser::parseDPUri(const JsonValue& data, std::string& out) const {
-    Guarded([&] {
-        const JsonValue entries = data["dpInfo"];
-        if (entries.isNull()) {
-            HL_LOGI("dpInfo not exist in ui metadata");
-            return;
-        }
-        for (std::size_t i = 0; i < entries.size(); ++i) {
-            const JsonValue entry = entries[i];
-            if (!entry.isNull()) {
-                // The last entry wins, an empty one too.
-                out = entry["dpUri"].asString();
-            }
-        }
-    });
+    // The last entry wins, an empty one too.
+    ForEachEntry(data, "dpInfo", "dpInfo not exist in ui metadata",
+                 [&](const JsonValue& entry) { out = entry["dpUri"].asString(); });
 }
 
 std::string UIMetadataParser::parseSolenneServerDpUri(const JsonValue& data) const {
@@ -343,27 +317,16 @@ void UIMetadataParser::parseIconUrl(const JsonValue& value, std::string& out) co
 
 void UIMetadataParser::parseLanguageList(const JsonValue& data, std::vector<std::string>& languages,
                                          std::map<std::string, std::string>& translations) const {
-    Guarded([&] {
-        const JsonValue entries = data["language"];
-        if (entries.isNull()) {
-            HL_LOGI("language not exist in ui metadata");
-            return;
+    ForEachEntry(data, "language", "language not exist in ui metadata", [&](const JsonValue& entry) {
+        const std::string locale = entry["locale"].asString();
+        if (!locale.empty()) {
+            languages.push_back(locale);
         }
-        for (std::size_t i = 0; i < entries.size(); ++i) {
-            const JsonValue entry = entries[i];
-            if (entry.isNull()) {
-                continue;
-            }
-            const std::string locale = entry["locale"].asString();
-            if (!locale.empty()) {
-                languages.push_back(locale);
-            }
-            const JsonValue codes = entry["poCodes"];
-            for (std::size_t j = 0; j < codes.size(); ++j) {
-                const JsonValue code = codes[j];
-                if (!code.isNull()) {
-                    translations[locale + code["po"].asString()] = code["label"].asString();
-                }
+        const JsonValue codes = entry["poCodes"];
+        for (std::size_t j = 0; j < codes.size(); ++j) {
+            const JsonValue code = codes[j];
+            if (!code.isNull()) {
+                translations[locale + code["po"].asString()] = code["label"].asString();
             }
         }
     });
