@@ -7,12 +7,14 @@
 #include <mutex>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include <homeloom_client.h>
 #include <homeloom_core.h>
 #include <vconf.h>
 
+#include "Common/Guarded.h"
 #include "Common/HLLog.h"
 #include "Common/Mutex.h"
 #include "Homeloom/Canvas/Canvas.h"
@@ -382,12 +384,12 @@ void HomeloomClient::queueJob(void* userData, const char* name, Job job, const L
     if (session == nullptr || session->_isTerminating) {
         return;
     }
-    const auto runUnlessEnding = [session, job = std::move(job)]() mutable {
+    auto runUnlessEnding = [session, job = std::move(job)]() mutable {
         if (!session->_isTerminating) {
             job(*session);
         }
     };
-    Guarded([&] { session->AddJobToScheduler(runUnlessEnding, name); }, caller);
+    Guarded([&] { session->AddJobToScheduler(std::move(runUnlessEnding), name); }, caller);
 }
 
 template <typename Handler, typename Method, typename... Args>

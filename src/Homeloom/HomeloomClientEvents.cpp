@@ -319,20 +319,20 @@ void HomeloomClient::OnDeviceStatusUpdateEvent(const std::string& deviceId, int 
 
 void HomeloomClient::_HomeLoomClientDeviceListChanged(homeloom_client_device_h* list, int count, void* userData) {
     Guarded([&] {
-        const auto job =
-            [count, records = std::make_shared<const ClientDeviceList>(list, count)](HomeloomClient& session) mutable {
-                if (count == 0) {
-                    session.onDeviceListEmpty();
-                    return;
-                }
-                if (!HoldsWhatItSays(*records, count)) {
-                    return;
-                }
-                const std::vector<std::string> ids = DeviceIds(session._agent, *records);
-                records.reset();
-                session.onDeviceListChanged(ids);
-            };
-        queueJob(userData, "_HomeLoomClientDeviceListChanged", job);
+        auto job = [count,
+                    records = std::make_shared<const ClientDeviceList>(list, count)](HomeloomClient& session) mutable {
+            if (count == 0) {
+                session.onDeviceListEmpty();
+                return;
+            }
+            if (!HoldsWhatItSays(*records, count)) {
+                return;
+            }
+            const std::vector<std::string> ids = DeviceIds(session._agent, *records);
+            records.reset();
+            session.onDeviceListChanged(ids);
+        };
+        queueJob(userData, "_HomeLoomClientDeviceListChanged", std::move(job));
     });
 }
 
@@ -375,14 +375,14 @@ void HomeloomClient::OnDeviceListUpdateEvent(const std::vector<std::string>& dev
 void HomeloomClient::_HomeLoomClientDeviceDetailListChanged(homeloom_client_device_detail_h* list, int count,
                                                             void* userData) {
     Guarded([&] {
-        const auto job =
-            [records = std::make_shared<const ClientDeviceDetailList>(list, count)](HomeloomClient& session) mutable {
-                HL_LOGI("_HomeLoomClientDeviceDetailListChanged(): device_detail_size: %d", records->Count());
-                session.buildDeviceDetailList(records->List(), records->Count());
-                records.reset();
-                session.OnProfileUpdateEvent(UpdateList::DetailsChanged);
-            };
-        queueJob(userData, "_HomeLoomClientDeviceDetailListChanged", job);
+        auto job = [records =
+                        std::make_shared<const ClientDeviceDetailList>(list, count)](HomeloomClient& session) mutable {
+            HL_LOGI("_HomeLoomClientDeviceDetailListChanged(): device_detail_size: %d", records->Count());
+            session.buildDeviceDetailList(records->List(), records->Count());
+            records.reset();
+            session.OnProfileUpdateEvent(UpdateList::DetailsChanged);
+        };
+        queueJob(userData, "_HomeLoomClientDeviceDetailListChanged", std::move(job));
     });
 }
 
