@@ -24,6 +24,7 @@ struct Task {
     int thread;
     int stat;
     int turns;
+    int call;
     std::uint64_t turnCount;
     std::uint32_t seen;
 };
@@ -97,9 +98,18 @@ bool isAsleep(const Task& task, bool& isGone) {
     return state != 'R' && state != 'D';
 }
 
+// Whoever is about to fall asleep is told as asleep already, and may yet go on in the same turn, or be off its
+// processor for long in between. Only the file of its system call is told by a kernel that has waited for it to be
+// gone; one that lacks this file is believed.
+bool isOffProcessor(const Task& task) {
+    char text[256];
+    return !readFile(task.call, text) || std::strncmp(text, "running", 7) != 0;
+}
+
 void closeTask(const Task& task) {
     systemCall(SYS_close, task.stat);
     systemCall(SYS_close, task.turns);
+    systemCall(SYS_close, task.call);
 }
 
 Task* find(int process, int thread) {
@@ -123,7 +133,9 @@ Task* add(int process, int thread) {
     std::snprintf(path, sizeof path, "/proc/%d/task/%d/stat", process, thread);
     const int stat = openFile(path, O_RDONLY);
     std::snprintf(path, sizeof path, "/proc/%d/task/%d/%s", process, thread, hasStatistics() ? "schedstat" : "status");
-    tasks[count] = {process, thread, stat, openFile(path, O_RDONLY), UINT64_MAX, look};
+    const int turns = openFile(path, O_RDONLY);
+    std::snprintf(path, sizeof path, "/proc/%d/task/%d/syscall", process, thread);
+    tasks[count] = {process, thread, stat, turns, openFile(path, O_RDONLY), UINT64_MAX, look};
     return &tasks[count++];
 }
 
@@ -132,30 +144,30 @@ void forget(Task* task) {
     *task = tasks[--count];
 }
 
-// Looks at a thread. `isUnchanged` stays true if it has not had a turn since the last look.
+// Looks at a thread. `isUnchanged` stays true if it has not had a turn since the last look. The turns are read before
+// the state: one that comes in between is seen the next time.
 bool lookAt(int process, int thread, bool& isUnchanged) {
     Task* task = find(process, thread);
-    bool isGone = false;
-    bool sleeps = task != nullptr && isAsleep(*task, isGone);
-    if (isGone) {
+    std::uint64_t turns = 0;
+    if (task != nullptr && !readTurns(task->turns, turns)) {
         forget(task);  // and another has its number
         task = nullptr;
     }
     if (task == nullptr) {
         task = add(process, thread);
-        sleeps = isAsleep(*task, isGone);
-        isUnchanged = false;
-    }
-    std::uint64_t turns = 0;
-    if (isGone || !readTurns(task->turns, turns)) {
-        forget(task);
-        isUnchanged = false;
-        return true;
+        readTurns(task->turns, turns);
     }
     isUnchanged = isUnchanged && turns == task->turnCount;
     task->turnCount = turns;
     task->seen = look;
-    return sleeps;
+    bool isGone = false;
+    const bool sleeps = isAsleep(*task, isGone);
+    if (isGone) {
+        forget(task);
+        isUnchanged = false;
+        return true;
+    }
+    return sleeps && (isUnchanged || isOffProcessor(*task));
 }
 
 bool lookAtProcess(int process, int self, bool& isUnchanged) {
@@ -211,7 +223,7 @@ bool lookAtAll(bool& isUnchanged) {
 
 bool isAtRest() {
     const SpinLock lock(looking);
-    bool isUnchanged = true;
+    bool isUnchanged = false;  // in the first look, nobody is believed to sleep on
     if (!lookAtAll(isUnchanged)) {
         return false;
     }
