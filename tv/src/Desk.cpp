@@ -100,6 +100,7 @@ Desk::Ending Desk::wait(const std::function<bool(const Report&)>& sees, millisec
     clock::WorkLimit workLimit;
     Network network;
     microseconds look = kShortestLook;
+    bool wasHopeless = false;
     while (true) {
         const std::uint64_t activity = _inbox.activity();
         bool seen = false;
@@ -111,15 +112,24 @@ Desk::Ending Desk::wait(const std::function<bool(const Report&)>& sees, millisec
             throw CommandError("interrupted");
         }
         const bool isStanding = clock::isStanding();
-        // Asked before the rest: an answer that is given between the two is seen as owed, or as work.
-        const bool isHopeless = patience == Patience::Hope && !answersArePending();
         const bool rests =
             (clock::isAtRest() && _inbox.activity() == activity && !network.delivers()) || workLimit.isReached();
         if (clock::now() >= end && (rests || !isStanding)) {
             return Ending::Limit;
         }
-        if (rests && (patience == Patience::Rest || isHopeless)) {
+        if (rests && patience == Patience::Rest) {
             return Ending::Rest;
+        }
+        // What is owed is known only at rest, when each request has arrived; and whoever owes need not count as work (a
+        // program behind a device), so what is paid between the rest and the question is seen as work the second time.
+        const bool isHopeless = rests && patience == Patience::Hope && !answersArePending();
+        if (isHopeless && wasHopeless) {
+            return Ending::Rest;
+        }
+        wasHopeless = isHopeless;
+        if (isHopeless) {
+            look = kShortestLook;
+            continue;
         }
         if (!rests || !isStanding) {
             look = std::min(2 * look, kLongestLook);
@@ -137,9 +147,9 @@ Desk::Ending Desk::wait(const std::function<bool(const Report&)>& sees, millisec
 bool Desk::await(const std::function<bool(const Report&)>& sees) {
     std::size_t count = 0;
     const Ending ending = wait(sees, _limit, Patience::Hope, count);
-    // Not by what ended the wait: on a busy machine the limit may come before the rest.
-    _silence = answersArePending() ? fmt::format("within {}", durationText(_limit))
-                                   : "and nothing is under way that could bring it";
+    // On a busy machine the limit may come before the rest.
+    _silence = ending == Ending::Limit && answersArePending() ? fmt::format("within {}", durationText(_limit))
+                                                              : "and nothing is under way that could bring it";
     return ending == Ending::Seen;
 }
 
