@@ -415,13 +415,6 @@ std::map<std::string, Fault> Agent::faults() const {
     return faults;
 }
 
-void Agent::hurry() {
-    World::instance().thread.hurry();
-    for (auto& [name, function] : allFunctions()) {
-        function.hurry();
-    }
-}
-
 // ---- What the plug-in did ----
 
 std::map<std::string, Agent::Calls> Agent::calls() const {
@@ -508,9 +501,12 @@ bool Agent::isOwing() const {
             return true;
         }
     }
+    return !World::instance().thread.isEmpty() || holdsUpCallers();
+}
+
+bool Agent::holdsUpCallers() const {
     const auto& functions = allFunctions();
-    return !World::instance().thread.isEmpty() ||
-           std::any_of(functions.begin(), functions.end(),
+    return std::any_of(functions.begin(), functions.end(),
                        [](const auto& entry) { return entry.second.lateCallers() > 0; });
 }
 

@@ -37,18 +37,6 @@ void CallbackThread::finish(int owner) {
     }
 }
 
-void CallbackThread::hurry() {
-    const std::lock_guard<std::mutex> lock(_mutex);
-    std::map<Key, Entry> due;
-    const auto now = Clock::now();
-    for (auto& [key, entry] : _entries) {
-        // In the order in which they would have come.
-        due.emplace(Key(std::min(key.first, now), _posted++), std::move(entry));
-    }
-    _entries = std::move(due);
-    _wake.notify_one();
-}
-
 bool CallbackThread::waitIdle(std::optional<std::chrono::milliseconds> limit) {
     std::unique_lock<std::mutex> lock(_mutex);
     const auto idle = [this] { return isIdle(); };

@@ -25,8 +25,6 @@ public:
     void drop(int owner);
     /// Waits for the owner's job that is running, unless it is the caller.
     void finish(int owner);
-    /// Makes all delayed jobs due.
-    void hurry();
     /// Waits until no job is running or due. False when that wasn't reached within the limit.
     bool waitIdle(std::optional<std::chrono::milliseconds> limit = std::nullopt);
     /// Whether no job is running or posted, not even for later.

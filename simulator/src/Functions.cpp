@@ -202,7 +202,7 @@ std::optional<Hit> Function::takeFault() {
     if (_fault->remaining > 0) {
         --_fault->remaining;
     }
-    return Hit{*_fault, _clearings, _hurries};
+    return Hit{*_fault, _clearings};
 }
 
 void Function::hold(const Hit& hit) {
@@ -210,7 +210,7 @@ void Function::hold(const Hit& hit) {
     const auto isCleared = [&] { return _clearings != hit.clearings; };
     if (hit.kind == Fault::Kind::Late) {
         ++_lateCallers;
-        _released.wait_for(lock, hit.delay, [&] { return isCleared() || _hurries != hit.hurries; });
+        _released.wait_for(lock, hit.delay, isCleared);
         --_lateCallers;
     } else if (hit.kind == Fault::Kind::Never) {
         _released.wait(lock, isCleared);
@@ -247,12 +247,6 @@ void Function::clearFault() {
 std::optional<Fault> Function::fault() const {
     const std::lock_guard<std::mutex> lock(_mutex);
     return _fault && _fault->remaining == 0 ? std::nullopt : _fault;
-}
-
-void Function::hurry() {
-    const std::lock_guard<std::mutex> lock(_mutex);
-    ++_hurries;
-    _released.notify_all();
 }
 
 Agent::Calls Function::calls() const {

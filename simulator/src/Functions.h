@@ -18,7 +18,6 @@ namespace simulator {
 /// A fault that hit a call.
 struct Hit : Fault {
     int clearings = 0;  // of the function, when it hit
-    int hurries = 0;
 };
 
 /// One C function of the simulated parties: its calls, and the fault that it was given.
@@ -41,8 +40,6 @@ public:
     void setFault(const Fault& fault);
     void clearFault();
     std::optional<Fault> fault() const;
-    /// Lets go of those whom a Late fault keeps waiting.
-    void hurry();
 
     /// What the function is like, told by those who serve it.
     enum Trait : unsigned { HasCallback = 1, AnswersText = 2, AnswersList = 4 };
@@ -67,7 +64,6 @@ private:
     std::vector<std::string> _arguments;
     std::optional<Fault> _fault;
     int _clearings = 0;
-    int _hurries = 0;
 };
 
 /// By its name; throws std::invalid_argument for any other.

@@ -1,4 +1,5 @@
 #include "HandlerFixture.h"
+#include "clock/Clock.h"
 
 #include <chrono>
 #include <functional>
@@ -96,15 +97,11 @@ void HandlerFixture::settle() {
     drain([](ThreadJob job) { SGTMsgDispatcher::GetInstance().EnqueueData(std::move(job), "drain"); });
 }
 
-int HandlerFixture::hurryTimers() {
+int HandlerFixture::elapsedTimers() {
+    homeloom::clock::advance(std::chrono::seconds(1));
     int count = 0;
-    for (guint id = 1; id < 1000; ++id) {
-        if (GSource* source = g_main_context_find_source_by_id(nullptr, id)) {
-            g_source_set_ready_time(source, 0);
-            ++count;
-        }
-    }
     while (g_main_context_iteration(nullptr, FALSE)) {
+        ++count;
     }
     return count;
 }

@@ -36,7 +36,7 @@ protected:
     /// Waits until agent and job threads have nothing more to do.
     void settle();
     /// Lets every timer of the main loop fire now; how many there were.
-    static int hurryTimers();
+    static int elapsedTimers();
     /// The notifications since the last call.
     std::vector<ReportPtr> takeNotifications();
     /// Their texts under that key.

@@ -178,7 +178,7 @@ TEST(Pages, WhatIsReadAndReportedStandsThere) {
             sent[framework::request(request.name, arguments)] = request;
         }
         desk.settle();
-        desk.agent.hurry();  // what devices do after a while
+        desk.elapse(std::chrono::seconds(5));  // what devices do after a while
         desk.settle();
     }
     for (const char* lifecycle : {"CREATE", "UPDATE", "DELETE"}) {

@@ -10,6 +10,7 @@
 
 #include "Homeloom/Tessel/TesselHandler.h"
 #include "Homeloom/Tessel/TesselReplies.h"
+#include "clock/Clock.h"
 #include "desktop/Log.h"
 #include "facade/SmallHome.h"
 #include "simulator/Agent.h"
@@ -506,7 +507,7 @@ TEST_F(TesselHandlerTest, QuitEndsAWaitAndLateOrRepeatedListsAreDestroyed) {
     EXPECT_EQ(-999999, facade.GetCoreSceneList("flat", list, count));
     EXPECT_EQ(nullptr, list);
     agent.removeCallObserver(observer);
-    agent.hurry();
+    homeloom::clock::advance(std::chrono::hours(1));
     agent.waitIdle();
 
     facade.Init();

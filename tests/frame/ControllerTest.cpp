@@ -17,6 +17,7 @@
 #include "support/Desk.h"
 
 namespace framework = homeloom::desktop::framework;
+using namespace std::chrono_literals;
 using homeloom::desktop::failCalls;
 using homeloom::desktop::passCalls;
 using simulator::Agent;
@@ -117,7 +118,7 @@ TEST(Controller, TheLoadStatusFreezesAtTheFirstZero) {
     desk.start();
     desk.waitForStatus(1);
     desk.agent.setConnectOutcome(Agent::Connection::Connected);
-    desk.fireTimer();
+    desk.elapse(5s);
     desk.waitForStatus(0);
     desk.agent.changeConnection(Agent::Connection::Rejected);
     EXPECT_TRUE(desk.log.waitFor("already loaded"));
@@ -133,7 +134,7 @@ TEST(Controller, AStatusThatCouldNotBeSentIsSentWithTheNextReport) {
     EXPECT_EQ(ExceptionsLogged(desk, "send load result failed"), 2) << "here and by the manager";
     EXPECT_EQ(desk.screen().status, -1);
     desk.agent.changeConnection(Agent::Connection::Disconnected);
-    desk.fireTimer();
+    desk.elapse(5s);
     desk.waitForStatus(0);
 }
 

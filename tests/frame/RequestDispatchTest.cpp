@@ -8,6 +8,7 @@
 #include "support/Gate.h"
 
 namespace framework = homeloom::desktop::framework;
+using namespace std::chrono_literals;
 using simulator::Agent;
 using simulator::Fault;
 using testing::ElementsAre;
@@ -91,7 +92,7 @@ TEST(RequestDispatch, NormalRequestsKeepTheirOrderAndPriorOnesOvertake) {
     desk.start();
     desk.waitForLists(1);
     framework::setThreads(1);
-    desk.agent.fault(kCreateRoom, Fault::late(std::chrono::hours(1)).times(1));
+    desk.agent.fault(kCreateRoom, Fault::late(10s).times(1));
     desk.mark();
     RequestRoom("Attic");
     framework::request("hl_change_device_name", {{"device_id", "a"}});
@@ -100,7 +101,7 @@ TEST(RequestDispatch, NormalRequestsKeepTheirOrderAndPriorOnesOvertake) {
     framework::request("get_third_party_notification_status");
     EXPECT_TRUE(desk.log.waitFor("prior request for get_third_party_notification_status"));
     EXPECT_FALSE(desk.log.contains("[Normal][hl_create_room] after job"));
-    desk.agent.hurry();
+    desk.elapse(10s);
     desk.waitForReport("b", [](const auto& report) { return report.properties.text("device_id") == "b"; });
     std::vector<std::string> answers;
     for (const auto& line : desk.lines()) {
@@ -149,11 +150,11 @@ TEST(RequestDispatch, ADeviceListRequestDuringAReportDoesNotLockUp) {
             report.pass();
         }
     });
-    desk.agent.fault("homeloom_client_get_remote_attributes", Fault::late(std::chrono::hours(1)));
+    desk.agent.fault("homeloom_client_get_remote_attributes", Fault::late(10s));
     framework::request("hl_get_device_info", {{"device_id", "washer"}});
     desk.waitForLateCall();
     framework::waitIdle();  // or the framework's thread might be the one that reports
-    desk.agent.hurry();
+    desk.elapse(10s);
     report.waitUntilEntered();
     // Meanwhile the framework asks for the list, and the scheduler begins to build one with the session's mutex.
     framework::requestDeviceList();

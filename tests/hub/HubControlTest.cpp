@@ -6,6 +6,7 @@
 #include <future>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 #include <utility>
@@ -14,6 +15,8 @@
 #include <gmock/gmock.h>
 
 #include "Homeloom/IoTHub/IPCProxyBase.h"
+#include "clock/Clock.h"
+#include "clock/Turner.h"
 #include "desktop/Guard.h"
 #include "desktop/Log.h"
 #include "desktop/MainLoop.h"
@@ -31,8 +34,6 @@ namespace rpc = homeloom::desktop::rpc;
 
 // Far above what anything takes.
 constexpr std::chrono::seconds kLimit(30);
-// For answers that don't come in time.
-constexpr std::chrono::milliseconds kShort(100);
 
 /// What happened, to be waited for.
 class Story {
@@ -89,6 +90,13 @@ private:
     const Function _function;
 };
 
+/// A parcel as the program would send it for its first delegate: 1, id, sequence, once, event, data.
+std::string eventOf(int sequence) {
+    const auto number = [](int value) { return "i\0\0\0"s + static_cast<char>(value); };
+    const std::string values = number(1) + number(1) + number(sequence) + "b\0"s + number(4) + "s\0\0\0\0"s;
+    return "\0\0\0"s + static_cast<char>(values.size()) + values;
+}
+
 /// The class of what a call throws.
 std::string thrownBy(const std::function<void()>& call) {
     try {
@@ -109,10 +117,7 @@ std::string thrownBy(const std::function<void()>& call) {
 
 class HubControl : public testing::Test {
 protected:
-    HubControl() {
-        rpc::setTimeLimit(kLimit);
-        app.setOnboarding(HubApp::Course::Manual);
-    }
+    HubControl() { app.setOnboarding(HubApp::Course::Manual); }
 
     ~HubControl() override {
         control = nullptr;
@@ -146,6 +151,8 @@ protected:
         return text;
     }
 
+    // Limits end as soon as nobody works any more, and no sooner.
+    std::optional<homeloom::clock::Turner> turner{std::in_place};
     homeloom::desktop::MainLoop loop;
     homeloom::desktop::log::Capture log{DLOG_ERROR};
     HubApp& app = HubApp::instance();
@@ -261,10 +268,7 @@ TEST_F(HubControl, DisconnectDropsTheDelegates) {
     connect();
     control->SetEventCallback(delegate("events"));
     ASSERT_TRUE(app.waitForRequests(1));
-    // A parcel as the program would send it for the old delegate: 1, id, sequence, once, event, data.
-    const auto number = [](int value) { return "i\0\0\0"s + static_cast<char>(value); };
-    const std::string values = number(1) + number(1) + number(old) + "b\0"s + number(4) + "s\0\0\0\0"s;
-    app.sendBytes("\0\0\0"s + static_cast<char>(values.size()) + values);
+    app.sendBytes(eventOf(old));
     settle();
     EXPECT_THAT(story.take(), ElementsAre("connected", "events 77 settled"));
 }
@@ -299,11 +303,7 @@ TEST_F(HubControl, HubInfoIsTheAnswerToItsOwnQuestion) {
     EXPECT_EQ(thrownBy([&] { control->GetHubInfo(text); }), "InvalidProtocol");
     EXPECT_TRUE(log.contains(" > Invalid protocol"));
 
-    const auto giveUp = [&] {
-        rpc::setTimeLimit(kShort);
-        EXPECT_EQ(thrownBy([&] { control->GetHubInfo(text); }), "InvalidProtocol");
-        rpc::setTimeLimit(kLimit);
-    };
+    const auto giveUp = [&] { EXPECT_EQ(thrownBy([&] { control->GetHubInfo(text); }), "InvalidProtocol"); };
     // Answers that come late are told from the one that is waited for.
     app.setHubInfo("late");
     app.setAnswers(HubApp::Answers::Held);
@@ -331,13 +331,15 @@ TEST_F(HubControl, EventsDoNotWaitForAnotherThreadsAnswer) {
     connect();
     control->SetEventCallback(delegate("events"));
     app.setAnswers(HubApp::Answers::Held);
-    rpc::setTimeLimit(kLimit * 10);
+    turner.reset();
     auto waiting = std::async(std::launch::async, [this] { return info(); });
     ASSERT_TRUE(app.waitForRequests(2));
     app.sendEvent(10, "meanwhile");
     EXPECT_TRUE(story.waitFor("events 10 meanwhile"));
-    // Behind the limit, where a parcel that is no answer may have led, it is the answer all the same.
-    std::this_thread::sleep_for(std::chrono::milliseconds(RPC_PORT_TIME_LIMIT_MS) + kShort);
+    // Behind the limit, where a parcel that is no answer has led, it is the answer all the same.
+    homeloom::clock::advance(std::chrono::seconds(2));
+    app.sendBytes(eventOf(0), true);
+    homeloom::clock::advance(std::chrono::seconds(2));
     app.releaseAnswers();
     EXPECT_EQ(waiting.get(), app.hubInfo());
     app.setAnswers(HubApp::Answers::Normal);
@@ -415,6 +417,7 @@ TEST_F(HubControl, HostileEventsAreDropped) {
 
 // For the thread sanitizer, mostly.
 TEST_F(HubControl, EverythingAtOnceLeavesNothing) {
+    turner.reset();  // somebody works all the time
     connect();
     std::atomic<bool> isOver = false;
     std::vector<std::thread> threads;

@@ -7,6 +7,7 @@
 #include "Common/CException.h"
 #include "Homeloom/Network/CRestHandler.h"
 #include "NetworkTest.h"
+#include "clock/Turner.h"
 
 using namespace VMFramework::HomeLoom;
 using simulator::CloudFault;
@@ -201,15 +202,14 @@ TEST_F(CurlHandler, GivesCodeAndLastPieceOfTheBody) {
         {"endless", CloudFault::endless(), 999, "[[[["},
         {"never", CloudFault::never(), 999, ""},
     };
+    const homeloom::clock::Turner turner;
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
-        web::setSecond(std::chrono::milliseconds(row.fault.hasNoEnd() ? 50 : 1000));
         cloud.fault("devices", row.fault);
         response = "of the request before";
         EXPECT_EQ(requester._RequestHttp(response), row.code);
         EXPECT_EQ(response, row.body);
     }
-    web::setSecond(std::chrono::seconds(1));
     cloud.fault("devices", CloudFault::huge());
     EXPECT_EQ(requester._RequestHttp(response), 200);
     EXPECT_THAT(response, Each('x'));

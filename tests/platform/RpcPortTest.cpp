@@ -15,6 +15,7 @@
 
 #include <gmock/gmock.h>
 
+#include "clock/Turner.h"
 #include "desktop/Guard.h"
 #include "desktop/MainLoop.h"
 #include "desktop/RpcPort.h"
@@ -33,12 +34,14 @@ constexpr char kApp[] = "app";
 constexpr char kPort[] = "port";
 // Far above what anything takes.
 constexpr std::chrono::seconds kLimit(30);
-// For what is to end by its limit.
-constexpr std::chrono::milliseconds kShort(100);
 
-std::size_t openFiles() {
+// Not those in which the clock reads who rests.
+std::ptrdiff_t openFiles() {
     const std::filesystem::directory_iterator files("/proc/self/fd");
-    return static_cast<std::size_t>(std::distance(begin(files), end(files)));
+    return std::count_if(begin(files), end(files), [](const auto& file) {
+        std::error_code isClosed;
+        return read_symlink(file.path(), isClosed).string().rfind("/proc/", 0) != 0 && !isClosed;
+    });
 }
 
 /// A parcel for as long as it is needed.
@@ -103,10 +106,7 @@ private:
 
 class RpcPort : public testing::Test {
 protected:
-    RpcPort() {
-        rpc::setTimeLimit(kLimit);
-        rpc_port_proxy_create(&proxy);
-    }
+    RpcPort() { rpc_port_proxy_create(&proxy); }
 
     ~RpcPort() override {
         if (proxy != nullptr) {
@@ -183,6 +183,7 @@ protected:
         return std::exchange(events, {});
     }
 
+    homeloom::clock::Turner turner;  // limits end as soon as nobody works any more, and no sooner
     MainLoop loop;
     std::unique_ptr<RpcServer> server;
     int client = 0;
@@ -325,12 +326,9 @@ TEST_F(RpcPort, ApplicationThatDoesNotAnswerIsGivenUp) {
     startApplication();
     {
         const Busy busy(loop);
-        rpc::setTimeLimit(kShort);
         EXPECT_EQ(rpc_port_proxy_connect_sync(proxy, kApp, kPort), RPC_PORT_ERROR_IO_ERROR);
     }
-    rpc::setTimeLimit(kLimit);
     connect();
-    rpc::setTimeLimit(kShort);
     EXPECT_EQ(Parcel(mainPort).result, RPC_PORT_ERROR_IO_ERROR);
     EXPECT_EQ(Parcel(callbackPort).result, RPC_PORT_ERROR_IO_ERROR);
     // What comes late is the next that is received.
@@ -372,7 +370,7 @@ TEST_F(RpcPort, WaitingForAnAnswerEndsWithTheConnection) {
 }
 
 TEST_F(RpcPort, NothingIsCalledAfterTheEnd) {
-    const std::size_t files = openFiles();
+    const auto files = openFiles();
     for (const bool fromCallback : {false, true}) {
         startApplication();
         if (proxy == nullptr) {

@@ -10,10 +10,12 @@
 #include <gmock/gmock.h>
 #include <homeloom_client.h>
 
+#include "clock/Turner.h"
 #include "support/Desk.h"
 
 namespace framework = homeloom::desktop::framework;
 namespace settings = homeloom::desktop::settings;
+using namespace std::chrono_literals;
 using simulator::Device;
 using simulator::Fault;
 using testing::ElementsAre;
@@ -26,7 +28,7 @@ namespace {
 constexpr char kDetailList[] = "homeloom_client_get_device_detail_list";
 constexpr char kSetDetailCallback[] = "homeloom_client_set_device_detail_list_updated_cb";
 constexpr char kExists[] = "memory/velmora/hl_dev_exist";
-const auto kLate = Fault::late(std::chrono::hours(1));
+const auto kLate = Fault::late(10s);
 
 std::string ExistsSetting() {
     const auto value = settings::get(kExists);
@@ -109,7 +111,8 @@ TEST(DeviceList, ComesWithTheDevicesAndTheirStatesFollow) {
     EXPECT_EQ(first.text("washer", "nick"), "Washer");
     EXPECT_EQ(first.text("washer", "room") + ", " + first.text("washer", "location"), "Laundry Room, Home");
     EXPECT_EQ(first.stateText("washer"), "") << "its values are not there yet";
-    desk.hurryUntil("the state", [](const Screen& shown) { return shown.stateText("washer") == "Ready"; });
+    desk.elapse(10s);
+    desk.waitForState("washer", "Ready");
     framework::requestDeviceList();
     EXPECT_EQ(desk.waitForLists(3).stateText("washer"), "Ready");
 
@@ -148,7 +151,7 @@ TEST(DeviceList, SaysWhetherThereIsAnythingToShow) {
     desk.settle();
     const int lists = desk.screen().lists;
     desk.agent.renameLocation("home", "Flat");
-    desk.fireTimer();
+    desk.elapse(500ms);
     desk.waitForLists(lists + 1);
     EXPECT_EQ(ExistsSetting(), "");
 }
@@ -259,7 +262,7 @@ TEST_P(ListFault, LastsUntilTheNextConnection) {
     desk.settle();
     desk.agent.fault(GetParam(), Fault::twice());
     desk.agent.changeConnection(simulator::Agent::Connection::IoError);
-    desk.fireTimer();
+    desk.elapse(5s);
     desk.waitFor("a second connection", [](const Screen& shown) { return shown.signInNotices == 2; });
     desk.waitForState("washer", "Ready");
     desk.waitForState("hub-plug", "Off");
@@ -267,9 +270,10 @@ TEST_P(ListFault, LastsUntilTheNextConnection) {
 }
 
 TEST_P(LateAnswer, IsWaitedFor) {
-    desk.agent.fault(GetParam(), kLate);
+    desk.agent.fault(GetParam(), Fault::late(2s));
+    const homeloom::clock::Turner turner;
     desk.start();
-    desk.hurryUntil("the states", [](const Screen& shown) {
+    desk.waitFor("the states", [](const Screen& shown) {
         return shown.lists == 2 && shown.stateText("washer") == "Ready" && shown.stateText("hub-plug") == "Off";
     });
 }

@@ -26,6 +26,7 @@
 namespace framework = homeloom::desktop::framework;
 namespace packages = homeloom::desktop::packages;
 namespace rpc = homeloom::desktop::rpc;
+using namespace std::chrono_literals;
 using homeloom::desktop::Fields;
 using homeloom::desktop::system::setFeature;
 using simulator::Agent;
@@ -222,7 +223,7 @@ TEST_F(Hub, AnApplicationThatIsInstalledLaterIsConnectedTo) {
     EXPECT_EQ(app.hub.connections(), 0);
 
     packages::install(HubApp::kAppId);
-    desk.fireTimer();
+    desk.elapse(5s);
     desk.waitForNotify("hl_get_hub_info");
     EXPECT_TRUE(desk.log.contains("5 sec delayed, will connect hub"));
     packages::install(HubApp::kAppId);
@@ -237,7 +238,7 @@ TEST_F(Hub, AnApplicationThatEndedComesBackWithItsNextPackage) {
     Expect({"notify hl_get_hub_info"}, Ask("hl_get_hub_info"));
     app.start();
     packages::install(HubApp::kAppId);
-    Expect({kHubInfoLine}, [this] { desk.fireTimer(); });
+    Expect({kHubInfoLine}, [this] { desk.elapse(5s); });
     Expect({kHubInfoLine}, Event(10));
 }
 
@@ -245,7 +246,7 @@ TEST_F(Hub, ARejectionIsTriedAgainOnce) {
     app.start();
     app.hub.rejectConnections(true);
     desk.startAndShow();
-    desk.fireTimer();
+    desk.elapse(5s);
     EXPECT_TRUE(WaitFor("already has timer, do not proceed."));
     EXPECT_EQ(desk.log.count("Hub TIDL OnRejected"), 2);
     EXPECT_EQ(desk.armedTimers(), 0);
@@ -265,7 +266,7 @@ TEST_F(Hub, TheThirteenthTryIsNotMade) {
             EXPECT_TRUE(WaitFor("5 sec delayed, will connect hub"));
         }
         proxy.SetHubControlEnable(true);
-        desk.fireTimer();
+        desk.elapse(5s);
         desk.settle();
         proxy.SetHubControlEnable(false);
     }

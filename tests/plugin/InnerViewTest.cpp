@@ -8,6 +8,7 @@
 #include <VMFramework/JsonValue.h>
 #include <gmock/gmock.h>
 
+#include "clock/Turner.h"
 #include "desktop/Framework.h"
 #include "desktop/Settings.h"
 #include "desktop/Web.h"
@@ -123,7 +124,7 @@ TEST_F(InnerView, ShowsAllPicturesInOrder) {
 }
 
 TEST_F(InnerView, ASlowPictureHoldsUpTheAnswerAlone) {
-    cloud.fault("file_links", CloudFault::late(1h).only("shelf-3"));
+    cloud.fault("file_links", CloudFault::late(10s).only("shelf-3"));
     const auto request = framework::request(kRequest, {{"device_id", "fridge"}});
     desk.waitUntil("all other pictures", [this] {
         int files = 0;
@@ -134,17 +135,17 @@ TEST_F(InnerView, ASlowPictureHoldsUpTheAnswerAlone) {
     });
     EXPECT_EQ(desk.ask("hl_get_accesstoken_uid", {})->properties.text("uid"), "user-mina");
     EXPECT_FALSE(desk.isAnswered(request));
-    cloud.hurry();
+    desk.elapse(10s);
     EXPECT_THAT(Urls(*AnswerTo(request))[2], HasSubstr("shelf-3"));
 }
 
 TEST_F(InnerView, WithoutOneOfThePicturesThereIsNoAnswer) {
+    const homeloom::clock::Turner turner;
     Silence();
     for (const auto& fault :
          {CloudFault::status(404), CloudFault::never(), CloudFault::body("{}"),
           CloudFault::header("Location: https://upper.example/"), CloudFault::header("location:https://no.blank/"),
           CloudFault::header("x-location: https://other.example/")}) {
-        web::setSecond(fault.hasNoEnd() ? 50ms : 1000ms);
         cloud.fault("file_links", fault.only("shelf-2"));
         const auto request = Begin();
         desk.log.clear();
@@ -166,6 +167,7 @@ TEST_F(InnerView, WithoutOneOfThePicturesThereIsNoAnswer) {
 
 // What counts is where the link leads, not how the transfer ends.
 TEST_F(InnerView, TakesTheLastAddressOnTheWay) {
+    const homeloom::clock::Turner turner;
     Silence();
     const struct {
         const char* endpoint;
@@ -178,7 +180,6 @@ TEST_F(InnerView, TakesTheLastAddressOnTheWay) {
                  {"files", CloudFault::endless(), "https://files.homeloom.example/udo/files/fridge/shelf-1.svg?"},
                  {"files", CloudFault::huge(), "https://files.homeloom.example/udo/files/fridge/shelf-1.svg?"}};
     for (const auto& [endpoint, fault, url] : cases) {
-        web::setSecond(fault.hasNoEnd() ? 50ms : 1000ms);
         cloud.fault(endpoint, fault);
         EXPECT_THAT(Urls(*AnswerWhenTold(contentsOf({"shelf-1"}))), ElementsAre(StartsWith(url)));
         cloud.clearFaults();

@@ -6,6 +6,7 @@
 #include "support/Desk.h"
 
 namespace framework = homeloom::desktop::framework;
+using namespace std::chrono_literals;
 using simulator::Fault;
 
 namespace {
@@ -54,23 +55,23 @@ TEST_F(MainAction, IsAnsweredOnceAndOnlyWhenTheAgentConfirmsIt) {
             return answers;
         };
         const int atOnce = count();
-        desk.agent.hurry();
+        desk.elapse(10s);
         return std::pair(atOnce, count());
     };
     EXPECT_EQ(answersWith(Fault::answer(-5)), std::pair(0, 0));
     EXPECT_EQ(answersWith(Fault::never()), std::pair(0, 0));
     EXPECT_EQ(answersWith(Fault::twice()), std::pair(1, 1));
-    EXPECT_EQ(answersWith(Fault::late(std::chrono::hours(1))), std::pair(0, 1));
+    EXPECT_EQ(answersWith(Fault::late(10s)), std::pair(0, 1));
     EXPECT_EQ(Do("washer"), Answer(true, "washer")) << "and nobody is held up";
 }
 
 TEST_F(MainAction, OfADeviceThatWentMeanwhileAnswersFalse) {
-    desk.agent.fault(kSetAttributes, Fault::late(std::chrono::hours(1)).times(1));
+    desk.agent.fault(kSetAttributes, Fault::late(10s).times(1));
     const auto request = Start("washer");
     desk.waitForLateCall();
     desk.agent.sendDeviceList({"aircon"});
     desk.settle();
-    desk.agent.hurry();
+    desk.elapse(10s);
     desk.settle();
     ASSERT_TRUE(desk.isAnswered(request));
     EXPECT_THAT(desk.lines(), testing::Contains(Answer(false, "washer")));

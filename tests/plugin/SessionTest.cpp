@@ -10,6 +10,7 @@
 
 namespace framework = homeloom::desktop::framework;
 namespace settings = homeloom::desktop::settings;
+using namespace std::chrono_literals;
 using simulator::Agent;
 using simulator::Fault;
 using simulator::ServiceManager;
@@ -130,7 +131,7 @@ TEST_P(BadSession, FailsAtFirstAndIsTriedAgain) {
     ASSERT_TRUE(desk.log.waitFor("5 sec delayed, will start Reinit"));
     EXPECT_EQ(desk.screen().status, GetParam().status);
     desk.agent.setConnectOutcome(Agent::Connection::Connected);
-    desk.fireTimer();
+    desk.elapse(5s);
     desk.waitForStatus(0);
     desk.waitFor("the washer", IsShown);
     EXPECT_EQ(desk.log.count("start build devices"), 1) << "not left to the agent's list after a failure";
@@ -147,7 +148,7 @@ TEST_P(BadSession, IsLostAndTheMapIsBuiltAnew) {
     desk.settle();
     EXPECT_FALSE(desk.isAnswered(refused));
 
-    desk.fireTimer();
+    desk.elapse(5s);
     const Screen shown = desk.waitFor("the home again", [&](const Screen& now) {
         return now.lists > lists && now.signInNotices == 2 && IsShown(now);
     });
@@ -166,7 +167,7 @@ TEST_F(Session, AConnectionThatIsLetGoOfBeforeItIsHandledIsTriedAgain) {
         desk.agent.waitIdle();
     });
     desk.start();
-    desk.fireTimer();
+    desk.elapse(5s);
     desk.waitFor("the washer", [](const Screen& shown) { return shown.signInNotices == 2 && IsShown(shown); });
 }
 
@@ -175,13 +176,13 @@ TEST_F(Session, FailuresCountOnThroughASignedOutConnection) {
     desk.agent.fault(kConnect, Fault::fail(-5).times(3));
     desk.start();
     for (int tries = 1; tries <= 3; ++tries) {
-        desk.fireTimer();
+        desk.elapse(5s);
     }
     desk.waitForStatus(1);
     desk.agent.fault(kConnect, Fault::fail(-5));
     desk.agent.changeConnection(Agent::Connection::Disconnected);
     for (int tries = 4; tries <= 12; ++tries) {
-        desk.fireTimer();
+        desk.elapse(5s);
     }
     EXPECT_TRUE(desk.log.waitFor("retry count is max, do not execute retry logic"));
     EXPECT_EQ(desk.log.count("5 sec delayed, will start Reinit"), 12);
@@ -207,7 +208,7 @@ TEST_F(Session, ATimerThatFindsTheConnectionUpReportsIt) {
     StartAndShow();
     desk.agent.fault(kConnect, Fault::fail(-5).times(1));
     desk.setDisclaimer(1);  // connects, and the failure arms the timer
-    desk.fireTimer();
+    desk.elapse(5s);
     EXPECT_TRUE(desk.log.waitFor("already connected"));
     EXPECT_TRUE(desk.log.waitFor("already loaded"));
     EXPECT_EQ(desk.agent.callCount(kConnect), 2);

@@ -12,6 +12,7 @@
 #include "support/Desk.h"
 
 namespace framework = homeloom::desktop::framework;
+using namespace std::chrono_literals;
 using simulator::Agent;
 using simulator::Fault;
 using simulator::ServiceManager;
@@ -92,12 +93,12 @@ const Moment kMoments[] = {
      [](Desk&) { ServiceManager::instance().startUpdate(), ServiceManager::instance().endUpdate(); }, false},
     // The main loop
     {"TryingAgain", "try to call homeloom_client_connect",
-     [](Desk& desk) { desk.agent.changeConnection(Agent::Connection::IoError), desk.fireTimer(); }, true},
+     [](Desk& desk) { desk.agent.changeConnection(Agent::Connection::IoError), Desk::elapse(5s); }, true},
     {"TheDisclaimerIsWithdrawn", "homeloom_client_disconnect() ret", [](Desk& desk) { desk.setDisclaimer(0); }, true},
     {"AButtonIsReadyAgain", "button timer expired",
-     [](Desk& desk) { Press(desk, "hub-button"), desk.fireTimer(); }, true},
+     [](Desk& desk) { Press(desk, "hub-button"), Desk::elapse(1s); }, true},
     {"LocationsHaveChanged", "_LocationTimerCallback() start",
-     [](Desk& desk) { desk.agent.renameLocation("home", "Flat"), desk.fireTimer(); }, true},
+     [](Desk& desk) { desk.agent.renameLocation("home", "Flat"), Desk::elapse(500ms); }, true},
 };
 // clang-format on
 

@@ -5,6 +5,7 @@
 
 #include "support/Desk.h"
 
+using namespace std::chrono_literals;
 using testing::IsEmpty;
 
 class Update : public testing::Test {

@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "AgentTest.h"
+#include "clock/Clock.h"
 
 using namespace std::chrono_literals;
 using simulator::Fault;
@@ -31,14 +32,14 @@ TEST_F(AgentFault, OfAFunctionWithACallback) {
 
     agent.fault(name, Fault::never());
     EXPECT_EQ(call(), 0);
-    agent.hurry();
+    homeloom::clock::advance(1h);
     EXPECT_THAT(taken(), IsEmpty());
 
     agent.fault(name, Fault::late(1h).times(1));
     EXPECT_EQ(call(), 0);
     EXPECT_EQ(rooms(), 5u) << "nothing is done before its time";
     EXPECT_THAT(taken(), IsEmpty());
-    agent.hurry();
+    homeloom::clock::advance(1h);
     EXPECT_THAT(taken(), ElementsAre(StartsWith("json 0 {\"roomId\"")));
     EXPECT_EQ(rooms(), 6u);
 
@@ -67,7 +68,7 @@ TEST_F(AgentFault, OfAFunctionThatAnswersAtOnce) {
     // Never: until somebody clears the fault. Late: until its time has come.
     for (const auto& [fault, release, code] :
          {std::tuple<Fault, std::function<void()>, int>{Fault::never(), [&] { agent.clearFault(name); }, -5},
-          {Fault::late(1h), [&] { agent.hurry(); }, 0}}) {
+          {Fault::late(1h), [&] { homeloom::clock::advance(1h); }, 0}}) {
         agent.fault(name, fault.times(1));
         auto result = std::async(std::launch::async, [&] { return homeloom_core_delete_device(client, "washer"); });
         while (!agent.faults().empty()) {

@@ -3,6 +3,7 @@
 #include <thread>
 
 #include "AgentTest.h"
+#include "clock/Clock.h"
 
 using namespace std::chrono_literals;
 using simulator::Agent;
@@ -18,7 +19,7 @@ TEST_F(AgentSession, AHandleIsUsedAgainAfterItsConnectionWasLost) {
     EXPECT_EQ(homeloom_client_connect(&client, onConnection, this), HOMELOOM_CLIENT_ERROR_CONNECTION_IN_PROGRESS);
     bool isSignedIn = false;
     EXPECT_EQ(homeloom_client_is_signed_in(client, &isSignedIn), HOMELOOM_CLIENT_ERROR_NOT_CONNECTED);
-    agent.hurry();
+    homeloom::clock::advance(1h);
     EXPECT_THAT(taken(), ElementsAre("connection 0 0"));
     EXPECT_EQ(homeloom_client_connect(&client, onConnection, this), HOMELOOM_CLIENT_ERROR_ALREADY_CONNECTED);
     ASSERT_EQ(homeloom_core_set_sse_cb(client, 1, onEvent, this), 0);
@@ -51,7 +52,7 @@ TEST_F(AgentSession, DisconnectDropsWhatIsPending) {
     agent.set("washer", "/course/vs/0", "x.com.norvane.da.course", "Wool");
     ASSERT_EQ(homeloom_client_disconnect(std::exchange(client, nullptr)), 0);
     heard.clear();
-    agent.hurry();
+    homeloom::clock::advance(1h);
     EXPECT_THAT(taken(), IsEmpty());
     EXPECT_EQ(agent.holdings().total(), 0);
 }

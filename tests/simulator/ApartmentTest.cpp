@@ -11,6 +11,7 @@
 #include "Homeloom/Devices/DeviceHandler.h"
 #include "Homeloom/Tessel/TesselHandler.h"
 #include "Homeloom/UIMeta/Metadata.h"
+#include "clock/Clock.h"
 
 using namespace VMFramework::HomeLoom;
 using VMFramework::json::JsonValue;
@@ -108,8 +109,7 @@ public:
         EXPECT_EQ(
             homeloom_client_set_remote_attributes(client, id.c_str(), uri.c_str(), payload.c_str(), onRemote, this), 0);
         EXPECT_THAT(taken(), ::testing::ElementsAre(::testing::StartsWith("remote 0 "))) << payload;
-        agent.hurry();
-        agent.waitIdle();
+        homeloom::clock::advance(std::chrono::minutes(1));
         refresh(id);
         return true;
     }

@@ -1,3 +1,4 @@
+#include "clock/Clock.h"
 #include "simulator/Cloud.h"
 
 #include <filesystem>
@@ -112,13 +113,13 @@ TEST_F(CloudTest, KeepsAnswersBackUntilTold) {
             std::this_thread::yield();
         }
     };
-    cloud.fault("devices", CloudFault::late(1h));
+    cloud.fault("devices", CloudFault::late(2s));
     cloud.fault("stream", CloudFault::never());
     auto late = std::async(std::launch::async, [this] { return ask("GET", "/v1/devices/tv-hub"); });
     auto never = std::async(std::launch::async, [this] { return ask("POST", "/v1/stream?source_id=living-camera"); });
     pending(2);
     EXPECT_THAT(ask("GET", kImage), StartsWith("302 ")) << "others are served meanwhile";
-    cloud.hurry();
+    homeloom::clock::advance(2s);
     EXPECT_THAT(late.get(), StartsWith("200 "));
     EXPECT_EQ(cloud.pendingRequests(), 1);
     cloud.stop();

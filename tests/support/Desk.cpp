@@ -1,32 +1,27 @@
 #include "support/Desk.h"
 
 #include <glib.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <future>
 #include <iostream>
-#include <iterator>
 #include <memory>
 #include <stdexcept>
-#include <system_error>
 #include <thread>
 #include <utility>
 
 #include <gmock/gmock.h>
 
+#include "clock/Clock.h"
+#include "clock/Rest.h"
 #include "desktop/Guard.h"
 #include "desktop/Packages.h"
 #include "desktop/RpcPort.h"
 #include "desktop/Web.h"
 #include "plugin_interface.h"
-#include "simulator/HubApp.h"
 #include "simulator/ServiceManager.h"
 
 namespace framework = homeloom::desktop::framework;
@@ -39,52 +34,25 @@ namespace {
 // Far above what anything takes, sanitizers on a busy machine included.
 constexpr std::chrono::seconds kLimit(30);
 
+// The main loop counts in whole milliseconds.
+constexpr std::chrono::milliseconds kTimerPrecision(1);
+
 constexpr char kDisclaimerKey[] = "db/menu/glade_deck/homedatacontrol/defaultdisclaimeragree";
 
-// The timers on the main loop, to be called on it: what waits for a time that is still to come.
-std::vector<GSource*> timers() {
+// How many timers wait on the main loop for a time that is still to come; to be called on it.
+int timers() {
     GSource* probe = g_idle_source_new();
     const guint last = g_source_attach(probe, nullptr);
     g_source_destroy(probe);
     g_source_unref(probe);
-    std::vector<GSource*> found;
+    int count = 0;
     for (guint id = 1; id < last; ++id) {
         GSource* source = g_main_context_find_source_by_id(nullptr, id);
         if (source != nullptr && g_source_get_ready_time(source) > 0) {
-            found.push_back(source);
+            ++count;
         }
     }
-    return found;
-}
-
-// How often each of the other threads has run, those of the hub control application too; empty unless all of them
-// sleep. Told twice the same, nobody has run in between, and nobody is left who could wake another.
-std::string turnsOfSleepingThreads() {
-    const std::string self = std::to_string(gettid());
-    std::vector<std::filesystem::path> tasks;
-    for (const std::string& process :
-         {std::string("self"), std::to_string(simulator::HubApp::instance().processId())}) {
-        std::error_code isNotThere;
-        const std::filesystem::directory_iterator entries("/proc/" + process + "/task", isNotThere);
-        std::copy(begin(entries), end(entries), std::back_inserter(tasks));
-    }
-    std::string turns;
-    for (const auto& task : tasks) {
-        if (task.filename() == self) {
-            continue;
-        }
-        std::ifstream status(task / "status");
-        for (std::string line; std::getline(status, line);) {
-            if (line.rfind("State:", 0) == 0 && line.find("S (") == std::string::npos &&
-                line.find("T (") == std::string::npos) {
-                return "";
-            }
-            if (line.find("ctxt_switches:") != std::string::npos) {
-                turns += line + "\n";
-            }
-        }
-    }
-    return turns;
+    return count;
 }
 
 }  // namespace
@@ -266,13 +234,9 @@ bool Desk::isAnswered(framework::TransactionId request) const {
 }
 
 void Desk::settle() const {
-    std::string before;
-    waitUntil("peace", [&] {
-        std::string now = turnsOfSleepingThreads();
-        const bool isQuiet = !now.empty() && now == before;
-        before = std::move(now);
-        return isQuiet;
-    });
+    if (!homeloom::clock::waitForRest()) {
+        throw std::runtime_error("no rest comes" + story());
+    }
 }
 
 void Desk::waitUntil(const std::string& what, const std::function<bool()>& test) const {
@@ -292,11 +256,8 @@ void Desk::waitForLateCall() const {
     });
 }
 
-void Desk::hurryUntil(const std::string& what, const std::function<bool(const Screen&)>& test) const {
-    waitUntil(what, [&] {
-        agent.hurry();
-        return test(screen());
-    });
+void Desk::elapse(std::chrono::milliseconds time) {
+    homeloom::clock::advance(time + kTimerPrecision);
 }
 
 void Desk::atLogLine(const std::string& text, const std::function<void()>& function) const {
@@ -314,19 +275,6 @@ void Desk::onMainLoop(const std::function<void()>& function) {
 
 int Desk::armedTimers() {
     int count = 0;
-    onMainLoop([&] { count = static_cast<int>(timers().size()); });
+    onMainLoop([&] { count = timers(); });
     return count;
-}
-
-void Desk::fireTimer() {
-    waitUntil("a timer", [this] {
-        bool isFired = false;
-        onMainLoop([&] {
-            for (GSource* source : timers()) {
-                g_source_set_ready_time(source, 0);
-                isFired = true;
-            }
-        });
-        return isFired;
-    });
 }

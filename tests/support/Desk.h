@@ -1,6 +1,7 @@
 #ifndef HOMELOOM_TESTS_SUPPORT_DESK_H
 #define HOMELOOM_TESTS_SUPPORT_DESK_H
 
+#include <chrono>
 #include <functional>
 #include <string>
 #include <vector>
@@ -24,7 +25,8 @@
 ///     EXPECT_EQ(toText(desk.ask("hl_do_main_action", {{"device_id", "washer"}})), "...");
 ///
 /// The end of the desk stops the plug-in and fails the test if it left anything behind, or let an exception through.
-/// Waiting for what does not come throws, and tells what came in its place. Nothing here waits for a time to go by.
+/// Waiting for what does not come throws, and tells what came in its place. Times go by on the clock (clock/Clock.h),
+/// at once.
 class Desk {
 public:
     using Fields = homeloom::desktop::Fields;
@@ -69,19 +71,16 @@ public:
     void waitUntil(const std::string& what, const std::function<bool()>& test) const;
     /// Waits until every other thread of the process sleeps and none will wake another: what was caused has happened.
     void settle() const;
-    /// Waits until a call stands out whose answer the agent keeps back: Agent::hurry() brings it.
+    /// Waits until a call stands out whose answer the agent keeps back.
     void waitForLateCall() const;
+    /// Waits for what was caused, and lets all happen that happens in this time.
+    static void elapse(std::chrono::milliseconds time);
 
-    /// Lets what the agent keeps back come until the screen passes the test.
-    void hurryUntil(const std::string& what, const std::function<bool(const Screen&)>& test) const;
     /// Runs a function once in the middle of the plug-in: on the thread that writes the next line of its log that
     /// contains the text, at that line.
     void atLogLine(const std::string& text, const std::function<void()>& function) const;
 
-    // ---- Timers, from any thread and from the main loop ----
-
-    /// Waits until a timer is armed on the main loop, and lets all that are armed go off now.
-    void fireTimer();
+    /// Timers that are armed on the main loop. From any thread and from the main loop.
     int armedTimers();
 
     homeloom::desktop::MainLoop loop;

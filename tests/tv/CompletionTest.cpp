@@ -25,7 +25,7 @@ TEST(Completion, FitsThePlaceInTheLine) {
         {"do washer ", {}},
         {"sim upd", {"update"}},
         {"sim update ", {"end", "start"}},
-        {"sim h", {"hub", "hurry"}},
+        {"sim h", {"hub"}},
         {"sim cloud c", {"chunks", "clear", "cut"}},
         {"sim cloud cut fi", {"file_links", "files"}},
         {"sim status dryer hi", {"hidden"}},

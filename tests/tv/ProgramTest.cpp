@@ -206,7 +206,7 @@ TEST(Program, TellsWhyACommandFails) {
     EXPECT_EQ(result.status, 1);
     const Finished held = runSteps({{"sim delay set_remote_attributes 31s", _},
                                     {"do washer", "failed: no answer came within 100 ms"},
-                                    {"sim hurry", HasSubstr("Washer: Washing")},
+                                    {"sim time +31s", HasSubstr("Washer: Washing")},
                                     {"sim hub answers held", _},
                                     {"request hl_get_hub_info", "failed: no answer came within 100 ms"},
                                     {"sim hub release", HasSubstr("hl_get_hub_info")},
@@ -285,7 +285,7 @@ TEST(Program, SendsEveryRequestByItsName) {
     for (const RequestSpec& spec : requestTable()) {
         commands.push_back("request " + spec.name + " " + spec.example);
     }
-    commands.push_back("sim hurry");
+    commands.push_back("sim time +31s");
     const Finished result = runCommands(commands, {"--limit", "50ms", "--log", "info"});
     for (const RequestSpec& spec : requestTable()) {
         const std::string road = spec.overtakes ? "prior request : " : "normal request : ";

@@ -117,7 +117,7 @@ Desk::Ending Desk::wait(const std::function<bool(const Report&)>& sees, millisec
         if (clock::now() >= end && (rests || !isStanding)) {
             return Ending::Limit;
         }
-        if (rests && patience == Patience::Rest) {
+        if (rests && patience == Patience::Rest && !simulator::Agent::instance().holdsUpCallers()) {
             return Ending::Rest;
         }
         // What is owed is known only at rest, when each request has arrived; and whoever owes need not count as work (a

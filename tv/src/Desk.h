@@ -45,7 +45,8 @@ public:
     /// What await() has to say when it has waited in vain: "no answer within 5 s".
     std::string silence() const { return _silence; }
 
-    /// Waits until all that is under way has come in, and shows it. Returns how many reports that were.
+    /// Waits until all that is under way has come in, late calls of the agent that somebody waits in included, and
+    /// shows it. Returns how many reports that were.
     std::size_t settle();
     std::size_t settle(std::chrono::milliseconds limit);
     /// settle(), and a word if there was nothing.

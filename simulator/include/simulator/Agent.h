@@ -138,8 +138,6 @@ public:
     void clearFault(const std::string& function);
     void clearFaults();
     std::map<std::string, Fault> faults() const;
-    /// All that comes later comes now: late answers, delayed reactions.
-    void hurry();
 
     // ---- What the plug-in did ----
 
@@ -201,6 +199,8 @@ public:
     /// Whether something of the agent is still to come: an answer, what a device does later, the end of a call that a
     /// fault delays. Of an answer that a fault leaves out, as long as somebody may wait for it.
     bool isOwing() const;
+    /// Whether a fault delays a call that its caller waits in.
+    bool holdsUpCallers() const;
 
     // ---- Time ----
 

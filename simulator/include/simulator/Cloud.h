@@ -52,8 +52,6 @@ public:
     void clearFault(const std::string& endpoint);
     void clearFaults();
     std::multimap<std::string, CloudFault> faults() const;
-    /// What comes late comes now.
-    void hurry();
     /// Requests whose answer is still kept back, or doesn't end.
     int pendingRequests() const;
 

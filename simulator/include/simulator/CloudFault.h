@@ -19,7 +19,7 @@ struct CloudFault {
     static CloudFault body(const std::string& text);
     /// Answers a redirect whose one header of note is this line: "Location: https://elsewhere.example/".
     static CloudFault header(const std::string& line);
-    /// Answers as ever, but later. Cloud::hurry() cuts it short.
+    /// Answers as ever, but later.
     static CloudFault late(std::chrono::milliseconds delay);
     /// Keeps the connection open and says nothing, until a fault is cleared or the cloud stops.
     static CloudFault never();

@@ -21,7 +21,7 @@ struct Fault {
     /// The function does nothing and answers 0 with this text, be it JSON or not. No effect on functions that answer
     /// something else than one text.
     static Fault say(std::string text);
-    /// The work and its answer come later; without a callback, the caller waits. Agent::hurry() cuts it short.
+    /// The work and its answer come later; without a callback, the caller waits.
     static Fault late(std::chrono::milliseconds delay);
     /// Nothing is done and no answer comes; without a callback, the caller waits until the fault is cleared.
     static Fault never();

@@ -100,7 +100,6 @@ public:
     mutable std::mutex mutex;  // guards the next ones; held across nothing
     std::multimap<std::string, CloudFault> faults;
     std::vector<Request> requests;
-    int hurries = 0;
     int clears = 0;
     int pending = 0;
     int port = 0;
@@ -144,6 +143,8 @@ void Cloud::Server::start() {
         return true;
     });
     http->new_task_queue = [] { return new ConnectionThreads(kConnections, "cloud", serve); };
+    // Head and body are written one by one. The second must not be under way while both ends sleep, or the desk would
+    // take that for rest.
     http->set_tcp_nodelay(true);
     http->set_payload_max_length(kLongestBody);
     const auto handler = [this](const httplib::Request& request, httplib::Response& response) {
@@ -251,14 +252,11 @@ std::optional<CloudFault> Cloud::Server::hit(const std::string& endpoint, const 
 // Keeps the answer back.
 void Cloud::Server::hold(const CloudFault& fault) {
     std::unique_lock<std::mutex> lock(mutex);
-    const bool isLate = fault.kind == CloudFault::Kind::Late;
-    const int& releases = isLate ? hurries : clears;
-    const auto isOver = [this, &releases, seen = releases] { return port == 0 || releases != seen; };
     ++pending;
-    if (isLate) {
-        changed.wait_for(lock, fault.delay, isOver);
+    if (fault.kind == CloudFault::Kind::Late) {
+        changed.wait_for(lock, fault.delay, [this] { return port == 0; });
     } else {
-        changed.wait(lock, isOver);
+        changed.wait(lock, [this, seen = clears] { return port == 0 || clears != seen; });
     }
     --pending;
 }
@@ -410,12 +408,6 @@ void Cloud::clearFaults() {
 std::multimap<std::string, CloudFault> Cloud::faults() const {
     const std::lock_guard<std::mutex> lock(_server->mutex);
     return _server->faults;
-}
-
-void Cloud::hurry() {
-    const std::lock_guard<std::mutex> lock(_server->mutex);
-    ++_server->hurries;
-    _server->changed.notify_all();
 }
 
 int Cloud::pendingRequests() const {

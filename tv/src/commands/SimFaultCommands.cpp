@@ -4,7 +4,6 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 #include <simulator/Agent.h>
-#include <simulator/Cloud.h>
 
 #include "Command.h"
 #include "CommandError.h"
@@ -188,16 +187,6 @@ void clear(Desk& desk, const Words& words) {
     desk.settle();
 }
 
-void hurry(Desk& desk, const Words& words) {
-    if (!words.empty()) {
-        throw UsageError();
-    }
-    desk.pump();
-    agent().hurry();
-    simulator::Cloud::instance().hurry();
-    desk.settleOrSay();
-}
-
 void calls(Desk& desk, const Words& words) {
     if (words.size() > 1) {
         throw UsageError();
@@ -291,7 +280,6 @@ std::vector<Command> simFaultCommands() {
          {function}},
         {"sim faults", "", "lists what was set so", {"sim faults"}, list, {}},
         {"sim clear", "[FUNCTION]", "takes back one of them, or all", {"sim clear"}, clear, {function}},
-        {"sim hurry", "", "has all come now that is still to come later", {"sim hurry"}, hurry, {}},
         {"sim calls",
          "[FUNCTION|reset]",
          "counts the plug-in's calls to the agent, with the last arguments",

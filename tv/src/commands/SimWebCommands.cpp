@@ -82,14 +82,6 @@ void webPass(Desk& desk, const Words& words) {
     web::pass();
 }
 
-void webSecond(Desk&, const Words& words) {
-    const auto time = words.size() == 1 ? parseDuration(words[0]) : std::nullopt;
-    if (!time || time->count() == 0) {
-        throw UsageError();
-    }
-    web::setSecond(*time);
-}
-
 }  // namespace
 
 std::vector<Command> simWebCommands() {
@@ -108,12 +100,6 @@ std::vector<Command> simWebCommands() {
          webFail,
          {Hint(web::steps())}},
         {"sim web-pass", "", "takes that back", {"sim web-pass"}, webPass, {}},
-        {"sim web-second",
-         "TIME",
-         "sets how long a second of their time limits lasts",
-         {"sim web-second 100ms"},
-         webSecond,
-         {}},
     };
 }
 

@@ -41,8 +41,7 @@ export class FaultsTab {
                     el("h3", { class: "drawer-title", text: t("cloud") }), this._cloud.element,
                     el("div", { class: "line" },
                         button(t("cloud_down"), "cloud_off", () => run(this._page, "sim cloud", "down")),
-                        button(t("cloud_up"), "check", () => run(this._page, "sim cloud", "up")),
-                        button(t("hurry"), "bolt", () => run(this._page, "sim hurry"))),
+                        button(t("cloud_up"), "check", () => run(this._page, "sim cloud", "up"))),
                     el("h3", { class: "drawer-title", text: t("faults") }), this._faults,
                     button(t("clear_all"), "delete_sweep", () => {
                         run(this._page, "sim clear");

@@ -165,7 +165,6 @@ export default {
     clear_all: "مسح الكل",
     cloud_down: "قطع السحابة",
     cloud_up: "إعادة السحابة",
-    hurry: "تعجيل المتأخر",
     disclaimer_off: "إلغاء الموافقة",
     disclaimer_on: "الموافقة",
     update_start: "بدء التحديث",

@@ -165,7 +165,6 @@ export default {
     clear_all: "Clear all",
     cloud_down: "Cloud away",
     cloud_up: "Cloud back",
-    hurry: "Bring on what is late",
     disclaimer_off: "Disclaimer off",
     disclaimer_on: "Disclaimer on",
     update_start: "Update begins",

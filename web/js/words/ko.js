@@ -165,7 +165,6 @@ export default {
     clear_all: "모두 해제",
     cloud_down: "클라우드 끊기",
     cloud_up: "클라우드 복구",
-    hurry: "지연된 응답 즉시 처리",
     disclaimer_off: "약관 동의 해제",
     disclaimer_on: "약관 동의",
     update_start: "업데이트 시작",

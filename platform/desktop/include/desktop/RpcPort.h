@@ -1,7 +1,6 @@
 #ifndef HOMELOOM_DESKTOP_RPCPORT_H
 #define HOMELOOM_DESKTOP_RPCPORT_H
 
-#include <chrono>
 #include <string>
 
 /// What is behind rpc_port.h on the desk: local stream sockets in a private folder. All operations are thread-safe.
@@ -10,9 +9,6 @@ namespace homeloom::desktop::rpc {
 /// Where the application listens for connections to its port. The folder is made on the first call, can be entered by
 /// this user only, and goes with the process. Throws std::runtime_error if it can't be made.
 std::string socketPath(const std::string& appId, const std::string& portName);
-
-/// RPC_PORT_TIME_LIMIT_MS at the start.
-void setTimeLimit(std::chrono::milliseconds limit);
 
 /// From now on rpc_port_proxy_create returns this code; 0 lets it work.
 void failCreate(int code);

@@ -1,7 +1,6 @@
 #ifndef HOMELOOM_DESKTOP_WEB_H
 #define HOMELOOM_DESKTOP_WEB_H
 
-#include <chrono>
 #include <string>
 #include <vector>
 
@@ -37,10 +36,7 @@ std::vector<std::string> failingSteps();
 /// Requests that were sent and have not ended.
 int requestsUnderWay();
 
-/// How long a second of the requests' time limits lasts, so that nobody needs to wait them out.
-void setSecond(std::chrono::milliseconds duration);
-
-/// No routes, no failures, this machine's certificates, true seconds.
+/// No routes, no failures, this machine's certificates.
 void reset();
 
 }  // namespace homeloom::desktop::web

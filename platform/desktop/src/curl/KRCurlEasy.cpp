@@ -103,7 +103,6 @@ private:
 
     std::optional<long> _fieldSize;
     std::optional<long> _fieldsLength;
-    long _millisecondsPerSecond = 1000;
     Receiver _body;
     Receiver _header;
     DebugCallback _debug = nullptr;
@@ -175,7 +174,7 @@ bool KRCurlEasy::Handle::set(KRCURL_OPTION_TYPE option, long value) {
         case KRCURL_OPTION_FOLLOWLOCATION:
             return setCurl(CURLOPT_FOLLOWLOCATION, value);
         case KRCURL_OPTION_TIMEOUT:
-            return value >= 0 && setCurl(CURLOPT_TIMEOUT_MS, value * _millisecondsPerSecond);
+            return value >= 0 && setCurl(CURLOPT_TIMEOUT, value);
         default:
             return false;
     }
@@ -239,7 +238,6 @@ bool KRCurlEasy::Handle::setSurroundings() {
         return false;
     }
     _connectTo = std::move(*connectTo);
-    _millisecondsPerSecond = around.millisecondsPerSecond;
     return around.caFile.empty() ||
            (setCurl(CURLOPT_CAINFO, around.caFile.c_str()) && setCurl(CURLOPT_CAPATH, static_cast<char*>(nullptr)));
 }

@@ -13,7 +13,6 @@ namespace homeloom::desktop::web {
 
 namespace {
 
-constexpr std::chrono::milliseconds kTrueSecond{1000};
 std::atomic<int> underWay{0};
 
 struct State {
@@ -22,7 +21,6 @@ struct State {
     int otherHosts = 0;
     std::string caFile;
     std::map<std::string, CallRange, std::less<>> failures;
-    std::chrono::milliseconds second = kTrueSecond;
 };
 
 State& state() {
@@ -97,21 +95,12 @@ std::vector<std::string> failingSteps() {
     return names;
 }
 
-void setSecond(std::chrono::milliseconds duration) {
-    if (duration.count() <= 0) {
-        throw std::invalid_argument("a second lasts");
-    }
-    const std::lock_guard lock(state().mutex);
-    state().second = duration;
-}
-
 void reset() {
     const std::lock_guard lock(state().mutex);
     state().routes.clear();
     state().otherHosts = 0;
     state().caFile.clear();
     state().failures.clear();
-    state().second = kTrueSecond;
 }
 
 Surroundings surroundings() {
@@ -123,7 +112,6 @@ Surroundings surroundings() {
     // The first route that fits is taken, and this one fits every host.
     found.connectTo.push_back(routeTo("", state().otherHosts));
     found.caFile = state().caFile;
-    found.millisecondsPerSecond = static_cast<long>(state().second.count());
     return found;
 }
 

@@ -11,7 +11,6 @@ namespace homeloom::desktop::web {
 struct Surroundings {
     std::vector<std::string> connectTo;  // as CURLOPT_CONNECT_TO wants them
     std::string caFile;                  // empty: this machine's
-    long millisecondsPerSecond;
 };
 Surroundings surroundings();
 

@@ -17,7 +17,6 @@ namespace homeloom::desktop::rpc {
 
 namespace {
 
-std::atomic<int> limitMs{RPC_PORT_TIME_LIMIT_MS};
 std::atomic<int> failures[3];
 std::atomic<int> proxies{0};
 std::atomic<int> connections{0};
@@ -81,14 +80,6 @@ std::string socketPath(const std::string& appId, const std::string& portName) {
 
 std::string pathOfSocket(const std::string& appId, const std::string& portName) {
     return folder().path() + "/" + fileName(appId, portName);
-}
-
-void setTimeLimit(std::chrono::milliseconds limit) {
-    limitMs = static_cast<int>(limit.count());
-}
-
-std::chrono::milliseconds timeLimit() {
-    return std::chrono::milliseconds(limitMs);
 }
 
 void failCreate(int code) {

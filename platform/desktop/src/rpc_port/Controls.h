@@ -9,7 +9,6 @@ namespace homeloom::desktop::rpc {
 
 /// Where an application would listen; nobody does as long as the folder wasn't made.
 std::string pathOfSocket(const std::string& appId, const std::string& portName);
-std::chrono::milliseconds timeLimit();
 
 enum class Operation { Create, Connect, Send };
 /// The code with which it fails; 0 if it works.

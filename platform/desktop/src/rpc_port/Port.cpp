@@ -14,11 +14,10 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
+constexpr milliseconds kTimeLimit(RPC_PORT_TIME_LIMIT_MS);
 constexpr std::size_t kReadSize = 16 * 1024;
 
 }  // namespace
-
-using homeloom::desktop::rpc::timeLimit;
 
 rpc_port_s::rpc_port_s(Descriptor socket) : _socket(std::move(socket)) {}
 
@@ -26,7 +25,7 @@ rpc_port_s::~rpc_port_s() = default;
 
 bool rpc_port_s::send(std::string_view bytes) {
     const std::lock_guard<std::mutex> lock(_sendMutex);
-    const auto end = Clock::now() + timeLimit();
+    const auto end = Clock::now() + kTimeLimit;
     while (true) {
         const ssize_t sent = ::send(descriptor(), bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
         bytes.remove_prefix(sent > 0 ? static_cast<std::size_t>(sent) : 0);
@@ -45,9 +44,9 @@ bool rpc_port_s::send(std::string_view bytes) {
 
 rpc_port_s::ParcelPtr rpc_port_s::receive() {
     const std::lock_guard<std::mutex> lock(_readMutex);
-    const auto end = Clock::now() + timeLimit();
+    const auto end = Clock::now() + kTimeLimit;
     ParcelPtr parcel = cutParcel();
-    for (auto left = milliseconds(timeLimit()); !parcel && left.count() > 0;
+    for (milliseconds left = kTimeLimit; !parcel && left.count() > 0;
          left = std::chrono::ceil<milliseconds>(end - Clock::now())) {
         pollfd readable{descriptor(), POLLIN, 0};
         poll(&readable, 1, static_cast<int>(left.count()));

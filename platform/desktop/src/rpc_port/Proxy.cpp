@@ -64,8 +64,7 @@ int Proxy::connect(const std::string& appId, const std::string& portName) {
     const int result = open(appId, portName);
     if (result == RPC_PORT_ERROR_NONE) {
         watchSocket(_connection->main.descriptor(), G_IO_IN, &Proxy::takeAnswer);
-        const auto limit = static_cast<guint>(timeLimit().count());
-        watch(g_timeout_source_new(limit), nullptr, &Proxy::reject);
+        watch(g_timeout_source_new(RPC_PORT_TIME_LIMIT_MS), nullptr, &Proxy::reject);
     } else if (isIdle && result == RPC_PORT_ERROR_IO_ERROR) {
         // Nobody is there: that is told as it is when somebody doesn't want to.
         _state = State::Connecting;
