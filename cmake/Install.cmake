@@ -5,6 +5,9 @@ set(HOMELOOM_DATA_DIR ${CMAKE_INSTALL_DATADIR}/homeloom)
 set(HOMELOOM_DOC_DIR ${CMAKE_INSTALL_DATADIR}/doc/homeloom)
 
 install(TARGETS homeloom LIBRARY DESTINATION ${HOMELOOM_PRIVATE_DIR})
+if(HOMELOOM_RECORDER)
+  install(TARGETS homeloom-agent-recorder LIBRARY DESTINATION ${HOMELOOM_PRIVATE_DIR})
+endif()
 if(NOT HOMELOOM_DESK)
   # The TV's loader knows where its own libraries are.
   return()
