@@ -8,6 +8,7 @@ target_link_libraries(test-tv-leaky-plugin PRIVATE homeloom-platform homeloom-op
 target_link_libraries(test-tv PRIVATE homeloom-tv-objects util)
 target_compile_definitions(test-tv PRIVATE
   HOMELOOM_TV_PROGRAM="$<TARGET_FILE:homeloom-tv>"
+  HOMELOOM_RECORDER="$<TARGET_FILE:homeloom-agent-recorder>"
   HOMELOOM_RECORDINGS_DIR="${CMAKE_SOURCE_DIR}/tests/recordings"
   HOMELOOM_LEAKY_PLUGIN="$<TARGET_FILE:test-tv-leaky-plugin>")
-add_dependencies(test-tv homeloom-tv test-tv-leaky-plugin)
+add_dependencies(test-tv homeloom-tv homeloom-agent-recorder test-tv-leaky-plugin)

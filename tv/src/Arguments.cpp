@@ -115,6 +115,11 @@ void addOptions(CLI::App& app, Texts& texts) {
                               "--disclaimer", "--limit"}) {
         replay->excludes(app.get_option(other));
     }
+    app.add_option("--agent-tape", arguments.agentTape,
+                   "Play the agent from what homeloom-agent-recorder wrote, in place of the simulated one")
+        ->type_name("FILE")
+        ->excludes(record)
+        ->excludes(replay);
     app.add_flag("--update", arguments.update, "With --replay: write what came out to the file")->needs(replay);
 }
 

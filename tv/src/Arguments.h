@@ -41,6 +41,7 @@ struct Arguments {
     std::string token;                 // empty: none
     std::string record;                // file; empty: nothing is recorded
     std::string replay;                // file; empty: nothing is replayed
+    std::string agentTape;             // file that plays the agent; empty: the simulated one
     bool update = false;               // a replay writes the new truth
     bool brief = false;                // a recording leaves out the home with which it begins
 };

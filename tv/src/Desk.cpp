@@ -14,6 +14,7 @@
 #include "CommandError.h"
 #include "Inbox.h"
 #include "Output.h"
+#include "agent/AgentTape.h"
 
 namespace homeloom::tv {
 
@@ -31,7 +32,7 @@ bool seesNothing(const Report&) {
 
 // Whether something may come although the program rests: agent, cloud or hub control application owe it.
 bool answersArePending() {
-    return simulator::Agent::instance().isOwing() || desktop::web::requestsUnderWay() > 0 ||
+    return simulator::Agent::instance().isOwing() || isAgentTapeOwing() || desktop::web::requestsUnderWay() > 0 ||
            simulator::HubApp::instance().isOwing();
 }
 

@@ -13,6 +13,8 @@
 #include <simulator/Agent.h>
 #include <simulator/ServiceManager.h>
 
+#include "agent/AgentTape.h"
+
 namespace homeloom::tv {
 
 namespace {
@@ -37,6 +39,7 @@ std::vector<std::string> leftovers() {
     std::vector<std::string> left;
     const auto held = simulator::Agent::instance().holdings();
     addCount(left, held.clients, "connection to the agent");
+    addCount(left, agentTapeState().records, "record of the agent's tape");
     addCount(left, held.records, "record of the agent");
     addCount(left, held.registrations, "registration with the agent");
     addCount(left, held.subscriptions, "subscription of a device");
@@ -54,6 +57,7 @@ std::vector<std::string> leftovers() {
     addCount(left, handles.serviceHandlers, "service handler");
     addCount(left, handles.transactions, "transaction");
     addExceptions(left, desktop::pluginExceptions());
+    addExceptions(left, agentTapeState().exceptions);
     addExceptions(left, simulator::Agent::instance().escapedExceptions());
     return left;
 }

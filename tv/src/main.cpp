@@ -33,6 +33,7 @@
 #include "Schemas.h"
 #include "ShellCompletion.h"
 #include "Taping.h"
+#include "agent/AgentTape.h"
 #include "door/Door.h"
 
 namespace {
@@ -166,6 +167,37 @@ private:
     std::optional<homeloom::clock::Turner> _turner;
 };
 
+// The simulated cloud is to know the token that the tape's agent gives out.
+bool playAgent(const std::string& file, simulator::Account& account) {
+    AgentTape tape;
+    try {
+        tape = readAgentTape(file);
+    } catch (const std::exception& e) {
+        fmt::print(stderr, "homeloom-tv: {}\n", e.what());
+        return false;
+    }
+    if (const std::string token = accessTokenOf(tape); !token.empty()) {
+        account.accessToken = token;
+    }
+    playAgentTape(tape);
+    return true;
+}
+
+void tellOfAgentTape() {
+    const AgentTapeState state = agentTapeState();
+    for (const std::string& call : state.missing) {
+        fmt::print(stderr, "homeloom-tv: the tape has no {}\n", call);
+    }
+    if (state.openEvents > 0) {
+        fmt::print(stderr,
+                   "homeloom-tv: {} of {} calls that change something were made, and {} events of the tape are left\n",
+                   state.madeCalls, state.calls, state.openEvents);
+    }
+    if (!state.waitsFor.empty()) {
+        fmt::print(stderr, "homeloom-tv: the next one waits for {}\n", state.waitsFor);
+    }
+}
+
 int run(Arguments arguments) {
     Taping taping(arguments);
     DeskClock deskClock(arguments.isTimeAuto);
@@ -176,6 +208,9 @@ int run(Arguments arguments) {
     }
     if (arguments.log) {
         homeloom::desktop::log::toStderr(*arguments.log);
+    }
+    if (!arguments.agentTape.empty() && !playAgent(arguments.agentTape, chosen.home.account)) {
+        return kExitFailure;
     }
     PluginHost plugin(arguments.plugin.empty() ? findPlugin(programPath()) : std::filesystem::path(arguments.plugin));
     applyDeskSettings(chosen.home.account, arguments.settings, arguments.disclaimer);
@@ -203,6 +238,7 @@ int run(Arguments arguments) {
     // Nobody tells a driver's verdict any more, and the plug-in may wait for one.
     simulator::Agent::instance().removeDrivers();
 
+    tellOfAgentTape();
     const std::vector<std::string> left = plugin.unload();
     for (const std::string& thing : left) {
         fmt::print(stderr, "homeloom-tv: the plug-in left behind: {}\n", thing);
