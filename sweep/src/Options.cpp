@@ -3,7 +3,10 @@
 #include <stdexcept>
 #include <thread>
 
+#include <fmt/format.h>
 #include <CLI/CLI.hpp>
+
+#include "Manual.h"
 
 namespace homeloom::sweep {
 
@@ -149,12 +152,18 @@ std::variant<Options, int> parseOptions(int argc, char** argv) {
         ->check(CLI::Range(1, 100000000))
         ->group(others);
     app.add_option("--verdicts", options.verdicts)->group("");
+    bool man = false;
+    app.add_flag("--man", man)->group("");
     static_cast<void>(shrink);
     static_cast<void>(at);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {
         return app.exit(e) == 0 ? kExitSuccess : kExitUsage;
+    }
+    if (man) {
+        fmt::print("{}", manualOf(app));
+        return kExitSuccess;
     }
     for (const std::string& place : places) {
         options.faults.push_back(Place::parse(place));

@@ -102,8 +102,9 @@ private:
         _afterSignIn = tv::jsonLine(desk.home());
     }
 
-    // After this, whatever a fault has kept waiting has come or is given up, retries included. A pause between two tries
-    // is one leap: in its own steps it would take most of a run's time, for the threads that wake every half second.
+    // After this, whatever a fault has kept waiting has come or is given up, retries included. A pause between two
+    // tries is one leap: in its own steps it would take most of a run's time, for the threads that wake every half
+    // second.
     static void passTime(tv::Desk& desk) {
         if (isOwed()) {
             desk.watch(kLongestLimit);

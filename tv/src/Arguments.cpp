@@ -125,10 +125,7 @@ void addOptions(CLI::App& app, Texts& texts) {
 
 }  // namespace
 
-std::vector<OptionSpec> optionTable() {
-    CLI::App app;
-    Texts texts;
-    addOptions(app, texts);
+std::vector<OptionSpec> optionsOf(const CLI::App& app) {
     std::vector<OptionSpec> table;
     for (const CLI::Option* const option :
          app.get_options([](const CLI::Option* each) { return !each->get_group().empty(); })) {
@@ -138,6 +135,13 @@ std::vector<OptionSpec> optionTable() {
                          value.substr(0, std::min(value.find(":{"), value.find(":INT"))), option->get_description()});
     }
     return table;
+}
+
+std::vector<OptionSpec> optionTable() {
+    CLI::App app;
+    Texts texts;
+    addOptions(app, texts);
+    return optionsOf(app);
 }
 
 std::variant<Arguments, int> parseArguments(int argc, char** argv) {

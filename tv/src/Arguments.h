@@ -11,6 +11,10 @@
 
 #include "door/Gate.h"
 
+namespace CLI {
+class App;
+}
+
 namespace homeloom::tv {
 
 inline constexpr int kExitSuccess = 0;
@@ -54,7 +58,8 @@ struct OptionSpec {
     std::string description;
 };
 
-/// All options but the hidden ones, in the order of --help.
+/// All options but the hidden ones, in the order of --help: of this program, or of any other.
+std::vector<OptionSpec> optionsOf(const CLI::App& app);
 std::vector<OptionSpec> optionTable();
 
 /// The command line's arguments; or the exit status with which it is all done, its text having been printed.

@@ -1,78 +1,19 @@
 #include "ManPages.h"
 
-#include <cctype>
 #include <utility>
 
-#include <fmt/format.h>
 #include <simulator/HomeSchema.h>
 
 #include "Arguments.h"
 #include "Command.h"
+#include "ManPage.h"
 
 namespace homeloom::tv {
 
 namespace {
 
-/// A page in the language of man(7).
-class Page {
-public:
-    Page(const std::string& name, int section, const std::string& title)
-        : _text(fmt::format(".TH {} {} \"\" \"HomeLoom {}\"\n", name, section, HOMELOOM_VERSION)) {
-        head("NAME");
-        _text += escaped(name) + " \\- " + escaped(title) + "\n";
-    }
-
-    void head(const std::string& title) { _text += ".SH " + title + "\n"; }
-    void subhead(const std::string& title) { _text += ".SS " + title + "\n"; }
-    void paragraph(const std::string& text) { _text += ".PP\n" + escaped(text) + "\n"; }
-    void item(const std::string& name, const std::string& value, const std::string& text) {
-        _text += ".TP\n\\fB" + escaped(name) + "\\fR";
-        _text += value.empty() ? "\n" : " \\fI" + escaped(value) + "\\fR\n";
-        _text += (text.empty() ? "\\&" : escaped(text)) + "\n";
-    }
-    void example(const std::string& text) { _text += ".PP\n.in +4n\n.EX\n" + escaped(text) + "\n.EE\n.in\n"; }
-
-    const std::string& text() const { return _text; }
-
-private:
-    // A dash that can be copied, no command at the start of a line, and no character that the formatter changes.
-    static std::string escaped(const std::string& text) {
-        std::string result;
-        bool atStart = true;
-        for (const char c : text) {
-            if (atStart && (c == '.' || c == '\'')) {
-                result += "\\&";
-            }
-            atStart = c == '\n';
-            switch (c) {
-                case '-':
-                    result += "\\-";
-                    break;
-                case '\\':
-                    result += "\\e";
-                    break;
-                case '\'':
-                    result += "\\(aq";
-                    break;
-                default:
-                    result += c;
-            }
-        }
-        return result;
-    }
-
-    std::string _text;
-};
-
-std::string asSentence(std::string text) {
-    if (!text.empty()) {
-        text[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(text[0])));
-    }
-    return text + ".";
-}
-
 std::string programPage() {
-    Page page("homeloom-tv", 1, "a desk TV: runs the HomeLoom plug-in with a simulated home behind it");
+    ManPage page("homeloom-tv", 1, "a desk TV: runs the HomeLoom plug-in with a simulated home behind it");
     page.head("SYNOPSIS");
     page.item("homeloom-tv", "[OPTION]...", "");
     page.head("DESCRIPTION");
@@ -104,12 +45,12 @@ std::string programPage() {
     page.head("EXAMPLES");
     page.example("homeloom-tv --exec \"do washer\" --exec \"sim set washer state=Ready\"\nhomeloom-tv --serve 8480");
     page.head("SEE ALSO");
-    page.paragraph("homeloom-home(5)");
+    page.paragraph("homeloom-home(5), homeloom-sweep(1)");
     return page.text();
 }
 
 std::string homePage() {
-    Page page("homeloom-home", 5, "homes for homeloom-tv");
+    ManPage page("homeloom-home", 5, "homes for homeloom-tv");
     page.head("DESCRIPTION");
     page.paragraph(
         "A home is one JSON document: an account, its locations and devices, scenes, routines, and what else the cloud "
