@@ -2,6 +2,8 @@
 
 #include <fnmatch.h>
 
+#include <algorithm>
+
 #include <fmt/format.h>
 
 namespace homeloom::sweep {
@@ -63,6 +65,15 @@ bool concerns(const KnownException& exception, const Place& place) {
 bool explains(const KnownException& exception, const Place& place, const Problem& problem) {
     return concerns(exception, place) && problem.judge == exception.judge &&
            problem.text.find(exception.text) != std::string::npos;
+}
+
+bool isMeantSomewhere(const Problem& problem) {
+    const auto& table = knownExceptions();
+    return problem.judge == Judge::Answers &&
+           std::any_of(table.begin(), table.end(), [&](const KnownException& exception) {
+               return exception.judge == Judge::Answers && !exception.text.empty() &&
+                      problem.text.find(exception.text) != std::string::npos;
+           });
 }
 
 }  // namespace homeloom::sweep

@@ -24,6 +24,8 @@ const std::vector<KnownException>& knownExceptions();
 bool concerns(const KnownException& exception, const Place& place);
 /// Whether it explains the problem.
 bool explains(const KnownException& exception, const Place& place, const Problem& problem);
+/// Whether some fault, wherever it was, is meant to leave that request without its answer.
+bool isMeantSomewhere(const Problem& problem);
 
 }  // namespace homeloom::sweep
 

@@ -30,6 +30,11 @@ std::string checkFunction(const std::string& text) {
     }
 }
 
+std::string checkLevel(const std::string& text) {
+    log_priority priority = DLOG_ERROR;
+    return desktop::log::parsePriority(text, priority) ? "" : "is none of debug, info, warn, error";
+}
+
 std::optional<Options::Seeds> parseSeeds(const std::string& text) {
     const std::size_t dots = text.find("..");
     try {
@@ -57,6 +62,7 @@ std::variant<Options, int> parseOptions(int argc, char** argv) {
     options.jobs = static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
     std::vector<std::string> places;
     std::string seeds;
+    std::string level;
     int limit = static_cast<int>(options.limit.count());
 
     CLI::App app(
@@ -151,6 +157,10 @@ std::variant<Options, int> parseOptions(int argc, char** argv) {
         ->allow_extra_args(false)
         ->check(CLI::Range(1, 100000000))
         ->group(others);
+    app.add_option("--log", level, "With --at, --once or --unload-at: log lines from that level on, on standard error")
+        ->type_name("debug|info|warn|error")
+        ->check(CLI::Validator(checkLevel, ""))
+        ->group(others);
     app.add_option("--verdicts", options.verdicts)->group("");
     bool man = false;
     app.add_flag("--man", man)->group("");
@@ -173,6 +183,10 @@ std::variant<Options, int> parseOptions(int argc, char** argv) {
         options.storm = parseSeeds(seeds);
     }
     options.limit = std::chrono::seconds(limit);
+    log_priority priority = DLOG_ERROR;
+    if (desktop::log::parsePriority(level, priority)) {
+        options.log = priority;
+    }
     return options;
 }
 

@@ -8,6 +8,8 @@
 #include <variant>
 #include <vector>
 
+#include <desktop/Log.h>
+
 #include "Fault.h"
 #include "Stage.h"
 
@@ -47,6 +49,7 @@ struct Options {
     bool isOneRun = false;
     bool commandsMayFail = false;
     std::vector<int> unloadAt;
+    std::optional<log_priority> log;
     int verdicts = -1;  // the file to which they go; -1: they are printed
 };
 

@@ -1,5 +1,7 @@
 #include "RequestLog.h"
 
+#include <algorithm>
+
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
@@ -24,7 +26,7 @@ RequestLog::RequestLog() {
     framework::setRequestObserver(
         [this](framework::TransactionId id, const std::string& name, const desktop::Fields& arguments) {
             const std::lock_guard<std::mutex> lock(_mutex);
-            _requests[id] = {name, arguments.text("device_id"), false, !isMet(name)};
+            _requests[id] = {name, arguments.text("device_id"), false, !isMet(name), false};
         });
     _callObserver = simulator::Agent::instance().addCallObserver(
         [this](const std::string& function, const std::vector<std::string>&) {
@@ -43,7 +45,29 @@ RequestLog::~RequestLog() {
 void RequestLog::noteEndOfSession() {
     const std::lock_guard<std::mutex> lock(_mutex);
     for (auto& [id, request] : _requests) {
-        request.lackedNeed = request.lackedNeed || _answers.count(id) == 0;
+        request.lackedNeed = request.lackedNeed || (!request.isClosed && _answers.count(id) == 0);
+    }
+}
+
+bool RequestLog::isAnswered(framework::TransactionId id, const Request& request) const {
+    const RequestSpec* const spec = tv::findRequest(request.name);
+    return spec != nullptr && spec->answer == RequestSpec::Answer::State ? request.hasState : _answers.count(id) > 0;
+}
+
+bool RequestLog::areOpen() const {
+    const std::lock_guard<std::mutex> lock(_mutex);
+    return std::any_of(_requests.begin(), _requests.end(), [this](const auto& entry) {
+        const auto& [id, request] = entry;
+        const RequestSpec* const spec = tv::findRequest(request.name);
+        return id != 0 && spec != nullptr && spec->answer != RequestSpec::Answer::None && !request.lackedNeed &&
+               !isAnswered(id, request);
+    });
+}
+
+void RequestLog::closeOpen() {
+    const std::lock_guard<std::mutex> lock(_mutex);
+    for (auto& [id, request] : _requests) {
+        request.isClosed = true;
     }
 }
 
@@ -73,7 +97,8 @@ bool RequestLog::isMet(const std::string& request) const {
 void RequestLog::look() {
     const std::lock_guard<std::mutex> lock(_mutex);
     for (auto& [id, request] : _requests) {
-        request.lackedNeed = request.lackedNeed || (_answers.count(id) == 0 && !isMet(request.name));
+        request.lackedNeed =
+            request.lackedNeed || (!request.isClosed && _answers.count(id) == 0 && !isMet(request.name));
     }
 }
 
@@ -95,12 +120,12 @@ std::vector<Problem> RequestLog::judge() const {
         const auto add = [&](const std::string& what) {
             problems.push_back({Judge::Answers, fmt::format("{} {}", request.name, what)});
         };
-        const bool isAnswered = spec->answer == RequestSpec::Answer::State ? request.hasState : !answers.empty();
-        if (spec->answer != RequestSpec::Answer::None && !isAnswered) {
+        const bool hasAnswer = isAnswered(id, request);
+        if (spec->answer != RequestSpec::Answer::None && !hasAnswer) {
             if (!request.lackedNeed) {
                 add("was not answered");
             }
-        } else if (spec->answer == RequestSpec::Answer::None && isAnswered) {
+        } else if (spec->answer == RequestSpec::Answer::None && hasAnswer) {
             add(fmt::format("was answered: {}", fmt::join(answers, ", ")));
         } else if (answers.size() > 1) {
             add(fmt::format("was answered {} times: {}", answers.size(), fmt::join(answers, ", ")));

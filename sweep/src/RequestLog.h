@@ -25,6 +25,10 @@ public:
     int count() const;
     /// To be called after each command: who lacked something by then that the plug-in needs may remain unanswered.
     void look();
+    /// Whether one waits for an answer that should come.
+    bool areOpen() const;
+    /// All have had the time that they need: what is unanswered by now remains so, whatever comes later.
+    void closeOpen();
     /// What is wrong with the answers that have come so far, by the table of requests.
     std::vector<Problem> judge() const;
 
@@ -34,10 +38,12 @@ private:
         std::string device;
         bool hasState = false;    // the device's state was told since
         bool lackedNeed = false;  // without which there is no answer, or its session ended
+        bool isClosed = false;
     };
 
     void note(const desktop::framework::Report& report);
     bool isMet(const std::string& request) const;
+    bool isAnswered(desktop::framework::TransactionId id, const Request& request) const;
     void noteEndOfSession();
 
     mutable std::mutex _mutex;

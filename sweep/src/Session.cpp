@@ -13,6 +13,7 @@
 #include "Census.h"
 #include "CommandError.h"
 #include "Desk.h"
+#include "Exceptions.h"
 #include "HomeDifference.h"
 #include "JsonOutput.h"
 #include "RequestLog.h"
@@ -26,6 +27,7 @@ constexpr std::chrono::seconds kLongestLimit{32};
 // More often than that nobody tries again; and no try waits longer.
 constexpr int kMostTries = 15;
 constexpr std::chrono::minutes kLongestPause{11};
+constexpr std::chrono::milliseconds kStep{100};
 constexpr std::chrono::seconds kSettleLimit{30};
 
 void addAll(std::vector<Problem>& problems, Judge judge, const std::vector<std::string>& texts) {
@@ -36,8 +38,13 @@ void addAll(std::vector<Problem>& problems, Judge judge, const std::vector<std::
 
 class Session {
 public:
-    Session(const StageOptions& options, const Script& script, const std::vector<Place>& faults, bool isUndisturbed)
-        : _stage(options), _script(script), _faults(faults), _isUndisturbed(isUndisturbed) {}
+    /// `isStorm`: sessions end in the middle of everything, and commands may fail.
+    Session(const StageOptions& options, const Script& script, const std::vector<Place>& faults, bool isStorm)
+        : _stage(options),
+          _script(script),
+          _faults(faults),
+          _isStorm(isStorm),
+          _isUndisturbed(faults.empty() && !isStorm) {}
 
     Verdict run() {
         {
@@ -83,6 +90,10 @@ private:
     void playScript(tv::Desk& desk, const CallCounter& calls, RequestLog& requests) {
         settleStart(desk);
         for (const std::string& line : _script) {
+            if (!_isStorm && endsSession(line) && requests.areOpen()) {
+                passTime(desk);
+                requests.closeOpen();
+            }
             runLine(desk, line);
             requests.look();
         }
@@ -115,8 +126,17 @@ private:
                 clock::advance(kLongestPause);
             }
             desk.settle(kSettleLimit);
+            if (isCounting()) {
+                desk.watch(kLongestLimit);
+            }
         }
     }
+
+    // Who waits for the agent counts its steps up to the limit, and a leap is one of them. The steps are shorter than
+    // what all others wait for, and after a leap all have begun anew.
+    static bool isCounting() { return clock::nextDeadline() - clock::now() <= kStep; }
+
+    static bool endsSession(const std::string& line) { return line == "sim sign-out" || line == "sim update start"; }
 
     static bool isOwed() {
         return simulator::Agent::instance().isOwing() || desktop::web::requestsUnderWay() > 0 ||
@@ -137,6 +157,7 @@ private:
     Stage _stage;
     const Script& _script;
     const std::vector<Place>& _faults;
+    const bool _isStorm;
     const bool _isUndisturbed;
     Verdict _verdict;
     // The settled home as it has healed.
@@ -148,7 +169,13 @@ private:
 
 Verdict runSession(const StageOptions& options, const Script& script, const std::vector<Place>& faults,
                    bool commandsMayFail) {
-    return Session(options, script, faults, faults.empty() && !commandsMayFail).run();
+    Verdict verdict = Session(options, script, faults, commandsMayFail).run();
+    if (commandsMayFail) {
+        // The script brings faults of its own.
+        auto& problems = verdict.problems;
+        problems.erase(std::remove_if(problems.begin(), problems.end(), isMeantSomewhere), problems.end());
+    }
+    return verdict;
 }
 
 }  // namespace homeloom::sweep

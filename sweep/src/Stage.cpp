@@ -1,5 +1,6 @@
 #include "Stage.h"
 
+#include <dlog.h>
 #include <glib.h>
 
 #include <algorithm>
@@ -131,6 +132,7 @@ void settleStart(tv::Desk& desk) {
 }
 
 void runScriptLine(tv::Desk& desk, const std::string& line) {
+    dlog_print(DLOG_INFO, "HOMELOOM_SWEEP", "> %s", line.c_str());
     const bool waits = line.size() < 2 || line.compare(line.size() - 2, 2, " &") != 0;
     desk.setLimit(waits ? kCommandLimit : std::chrono::seconds(0));
     tv::runCommand(desk, waits ? line : line.substr(0, line.size() - 2));

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <map>
 #include <random>
 #include <string>
 #include <utility>
@@ -20,6 +21,7 @@ namespace {
 using Texts = std::vector<std::string>;
 
 constexpr char kGuest[] = "guest@home.example";
+constexpr char kButton[] = "button";
 
 class Generator {
 public:
@@ -75,6 +77,7 @@ private:
     std::string changeDevice() {
         const simulator::Device& device = anyDevice();
         if (device.resources.empty() || chance(20)) {
+            bringBack(device);
             return fmt::format("sim status {} {}", device.id,
                                oneOf({"connected", "connected", "disconnected", "inactive", "hidden"}));
         }
@@ -83,7 +86,22 @@ private:
             return "device " + device.id;
         }
         const simulator::Property& property = resource.properties[below(resource.properties.size())];
+        if (property.name == kButton) {
+            bringBack(device);
+        }
         return fmt::format("sim set {} {} {} {}", device.id, resource.uri, property.name, valueFor(property));
+    }
+
+    // One that comes back tells its values; and a press shows for a second only, whatever the button goes on saying.
+    void bringBack(const simulator::Device& device) {
+        Script& repair = _repairs[device.id];
+        repair = {fmt::format("sim status {} connected", device.id)};
+        for (const simulator::Resource& resource : device.resources) {
+            if (!resource.properties.empty()) {
+                const simulator::Property& first = resource.properties.front();
+                repair.push_back(fmt::format("sim set {} {} {} {}", device.id, resource.uri, first.name, first.value));
+            }
+        }
     }
 
     std::string valueFor(const simulator::Property& property) {
@@ -165,29 +183,35 @@ private:
 
     std::string time() { return oneOf({"sim time +1s", "sim time +6s", "sim time +31s", "sim time +2m"}); }
 
-    // Nothing outside the plug-in stays broken, away, or another person's.
+    // Nothing outside the plug-in stays broken, away, or another person's: what the plug-in knew of a device before it
+    // went away, one that is loaded later can't know.
     Script makeGood() const {
-        return {"sim clear",
-                "sim cloud clear",
-                "sim cloud genuine",
-                "sim cloud up",
-                "sim hub resume",
-                "sim hub accept",
-                "sim hub answers normal",
-                "sim hub onboarding succeeds",
-                "sim hub pace 0ms",
-                "sim hub install",
-                "sim disclaimer on",
-                "sim state 1",
-                "sim update end",
-                "sim agent connected",
-                "sim sign-in " + _home.account.loginId,
-                "setting db/menu_widget/language en_US.utf8",
-                "setting db/comss/countrycode US"};
+        Script script{"sim clear",
+                      "sim cloud clear",
+                      "sim cloud genuine",
+                      "sim cloud up",
+                      "sim hub resume",
+                      "sim hub accept",
+                      "sim hub answers normal",
+                      "sim hub onboarding succeeds",
+                      "sim hub pace 0ms",
+                      "sim hub install",
+                      "sim disclaimer on",
+                      "sim state 1",
+                      "sim update end",
+                      "sim agent connected",
+                      "sim sign-in " + _home.account.loginId,
+                      "setting db/menu_widget/language en_US.utf8",
+                      "setting db/comss/countrycode US"};
+        for (const auto& [device, repair] : _repairs) {
+            script.insert(script.end(), repair.begin(), repair.end());
+        }
+        return script;
     }
 
     std::mt19937_64 _random;
     const simulator::Home& _home;
+    std::map<std::string, Script> _repairs;  // of devices that are away, or pressed
 };
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <glib.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <fstream>
 #include <stdexcept>
 
@@ -45,11 +46,17 @@ private:
     std::string _name;
 };
 
+// What is the same when a shorter script fails in the same way: who found what, without how it differs.
+std::string kindOf(const Problem& problem) {
+    return fmt::format("{}: {}", nameOf(problem.judge), problem.text.substr(0, problem.text.find_first_of(":;")));
+}
+
 /// Runs scripts, and remembers what the last one that failed failed by.
 class Trial {
 public:
     explicit Trial(const Options& options) : _options(options), _runner(options.jobs, options.limit) {}
 
+    /// In the way in which the first one failed.
     bool fails(const Script& script) {
         const ScriptFile file(script);
         Options options = _options;
@@ -62,7 +69,7 @@ public:
         bool failed = false;
         _runner.run(std::vector<Arguments>(kTries, arguments), [&](std::size_t, const Ending& ending) {
             const Verdict verdict = _runner.judge(ending);
-            if (!verdict.isClean()) {
+            if (!verdict.isClean() && isAlike(verdict.problems)) {
                 failed = true;
                 problems = verdict.problems;
             }
@@ -73,6 +80,12 @@ public:
     std::vector<Problem> problems;
 
 private:
+    bool isAlike(const std::vector<Problem>& others) const {
+        return problems.empty() || std::any_of(others.begin(), others.end(), [this](const Problem& other) {
+                   return kindOf(other) == kindOf(problems.front());
+               });
+    }
+
     const Options& _options;
     const Runner _runner;
 };

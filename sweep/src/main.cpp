@@ -44,6 +44,9 @@ int runStorm(const Options& options) {
 }
 
 int run(Options options) {
+    if (options.log) {
+        homeloom::desktop::log::toStderr(*options.log);
+    }
     if (options.storm) {
         return runStorm(options);
     }
