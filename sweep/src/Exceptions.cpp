@@ -49,6 +49,8 @@ const std::vector<KnownException>& knownExceptions() {
         {"vmf_property_*", "*", Judge::Answers, "", "a request can't be read, or its answer not be written"},
         {"vmf_property_list_*", "*", Judge::Exception, "request callback",
          "the framework's side of the request callback has the catch shell"},
+        {"vmf_property_list_create", "*", Judge::Exception, "IPC ",
+         "what handlers of the hub control application's events throw goes to the platform's IPC"},
         {"rpc_port_parcel_send", "*", Judge::Answers, "_hub_ was not answered",
          "what can't be sent to the hub control application is not answered"},
     };
