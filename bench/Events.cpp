@@ -11,6 +11,7 @@
 #include <desktop/Framework.h>
 #include <homeloom_core.h>
 #include <simulator/Agent.h>
+#include <simulator/HomeLoader.h>
 
 #include "support/Border.h"
 #include "support/Desk.h"
