@@ -39,8 +39,10 @@ template <typename... Parameters, typename... Arguments>
 std::function<void(const Transaction&)> Serve(HomeloomClient& client, const char* name,
                                               void (HomeloomClient::*method)(const Transaction&, Parameters...),
                                               Arguments... arguments) {
-    return [&client, name, method, arguments...](const Transaction& transaction) {
-        HL_LOGI("%s", name);
+    // Of the place and not of the handler, whose signature has all the arguments' types.
+    const Log::Place place{__FILE__, __func__, __LINE__};
+    return [&client, place, name, method, arguments...](const Transaction& transaction) {
+        HL_LOG_AT(DLOG_INFO, place, "%s", name);
         [[maybe_unused]] const auto list = transaction->GetRequestPropertyList();
         // Braces, so that the arguments are read from left to right.
         const std::tuple<decltype(arguments.Read(list))...> values{arguments.Read(list)...};
