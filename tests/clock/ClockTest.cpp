@@ -13,6 +13,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <csignal>
+#include <cstdlib>
 #include <functional>
 #include <future>
 #include <mutex>
@@ -341,3 +342,22 @@ TEST_F(ClockTest, ThereIsNoRestWhileAStartedProgramWorks) {
     waitpid(process, nullptr, 0);
     EXPECT_TRUE(clk::waitForRest());
 }
+
+#ifdef __SANITIZE_THREAD__
+// Who is woken later than another knows nothing of it for that: the clock hides no race from the sanitizer.
+TEST(ClockDeathTest, ThreadsThatOnlyTheClockBringsIntoAnOrderRace) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    const auto race = [] {
+        int value = 0;
+        {
+            const clk::Turner turner;
+            std::thread first([&value] { std::this_thread::sleep_for(1s), value = 1; });
+            std::thread second([&value] { std::this_thread::sleep_for(2s), value = 2; });
+            first.join();
+            second.join();
+        }
+        std::exit(value == 2 ? 0 : 1);
+    };
+    EXPECT_EXIT(race(), testing::ExitedWithCode(66), "data race");  // the sanitizer's own
+}
+#endif

@@ -363,6 +363,7 @@ TEST_F(HubControl, ConnectingEndsAsTheProgramWants) {
     EXPECT_EQ(thrownBy([this] { control->Connect(false); }), "InvalidIO");
     rpc::failConnect(-99);
     control->Connect(false);
+    rpc::failConnect(0);
     rpc::failCreate(-12);
     EXPECT_EQ(thrownBy([this] { IHubControl(&listener, HubApp::kAppId); }), "InvalidIO");
     EXPECT_TRUE(log.contains(" > Failed to create proxy"));
