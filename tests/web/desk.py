@@ -66,12 +66,15 @@ class Tv:
 class Screen:
     """The page in a browser, driven by keys."""
 
-    def __init__(self):
+    def __init__(self, traced=""):
+        """`traced`: categories of the browser's own tracing, which its performance log has then."""
         self._profile = tempfile.TemporaryDirectory()
         options = webdriver.ChromeOptions()
         for flag in [*FLAGS, f"--user-data-dir={self._profile.name}"]:
             options.add_argument(flag)
         options.set_capability("goog:loggingPrefs", {"browser": "ALL", "performance": "ALL"})
+        if traced:
+            options.add_experimental_option("perfLoggingPrefs", {"traceCategories": traced})
         self.driver = webdriver.Chrome(options=options)
         self.size(1920, 1080)
 
