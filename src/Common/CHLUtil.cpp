@@ -80,15 +80,16 @@ bool CHLUtil::GetPropertyValue(const JsonValue& json, device_property_info_struc
 }
 
 bool CHLUtil::GetValueOf(const JsonValue& member, device_property_info_struct& info) {
-    if (info.property_type == "Boolean") {
+    const std::string_view type = info.property_type;
+    if (type == "Boolean") {
         info.property_value = member.asBool() ? "true" : "false";
-    } else if (info.property_type == "String") {
+    } else if (type == "String") {
         info.property_value = member.asString();
-    } else if (info.property_type == "Integer") {
+    } else if (type == "Integer") {
         info.property_value = std::to_string(member.asInt());
-    } else if (info.property_type == "Double") {
+    } else if (type == "Double") {
         info.property_value = fixedText(member.asDouble());
-    } else if (info.property_type == "Array") {
+    } else if (type == "Array") {
         info.property_value = member.toString();
     } else {
         HL_LOGE("invalid property type : %s", info.property_type.c_str());

@@ -33,6 +33,9 @@ namespace VMFramework::HomeLoom {
 
 namespace {
 
+// The type of a canvas state in which the device counts as active.
+constexpr char kActive[] = "active";
+
 std::vector<std::string> DeviceIds(ITesselHandler& agent, const ClientDeviceList& list) {
     std::vector<std::string> ids;
     ids.reserve(static_cast<std::size_t>(list.Count()));
@@ -113,13 +116,15 @@ void HomeloomClient::handleLocalhubDeviceEvent(const json::JsonValue& event) {
     const auto devices = _deviceHandler.Get();
     const std::string vid = devices ? devices->GetVid(deviceId) : std::string();
     const std::string value = CHLUtil::GetMemberString(event, "value");
-    const std::string text = getCapabilityStateText(vid, value);
+    std::string text;
+    std::string type;
+    _canvas.GetShownState(vid, value, text, type);
     if (text.empty()) {
         HL_LOGI("there is not matched state text, do not proceed, device id : %s, capability : %s, state : %s",
                 deviceId.c_str(), CHLUtil::GetMemberString(event, "capability").c_str(), value.c_str());
         return;
     }
-    const bool active = getCapabilityActiveState(vid, value);
+    const bool active = type == kActive;
     HL_LOGI("device id : %s, state : %s, state text : %s, active : %d", deviceId.c_str(), value.c_str(), text.c_str(),
             active);
     OnCapabilityUpdateEvent(deviceId, value, text, active ? 1 : 0);
@@ -222,7 +227,7 @@ std::string HomeloomClient::getCapabilityStateText(const std::string& vid, const
 }
 
 bool HomeloomClient::getCapabilityActiveState(const std::string& vid, const std::string& state) {
-    return _canvas.GetActiveState(vid, state) == "active";
+    return _canvas.GetActiveState(vid, state) == kActive;
 }
 
 // Informs the user interface only: the device record stays as it is.

@@ -102,6 +102,19 @@ std::string Canvas::GetActiveState(const std::string& vid, const std::string& st
     });
 }
 
+void Canvas::GetShownState(const std::string& vid, const std::string& state, std::string& text,
+                           std::string& type) const {
+    Shown shown;
+    if (findShown(vid, state, shown)) {
+        text = std::move(shown.text);
+        type = std::move(shown.type);
+        return;
+    }
+    text = GetStateText(vid, state);
+    // Nobody shows the type of a state without a text.
+    type = text.empty() ? std::string() : GetActiveState(vid, state);
+}
+
 bool Canvas::GetStatesParam(const std::string& vid, std::string& component, std::string& capability) const {
     return GuardedOr(false, [&] {
         const JsonValue states = findFirst(vid, "states");

@@ -25,6 +25,9 @@ public:
     /// The type of a state's alternative: "active" for an active one.
     std::string GetActiveState(const std::string& vid, const std::string& state) const;
 
+    /// Both with one look-up: what an event is answered by.
+    void GetShownState(const std::string& vid, const std::string& state, std::string& text, std::string& type) const;
+
     /// Which capability tells the device's state. False if either is empty.
     bool GetStatesParam(const std::string& vid, std::string& component, std::string& capability) const;
     /// Which capability the device's action sets, and how. False if any is empty.

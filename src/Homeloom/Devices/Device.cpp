@@ -2,6 +2,7 @@
 #include "Homeloom/Devices/Device.h"
 
 #include <algorithm>
+#include <string_view>
 #include <utility>
 
 #include <VMFramework/JsonValue.h>
@@ -55,13 +56,14 @@ std::shared_ptr<Device> Device::findByToken(void* token) {
     return CallbackTokens::Find<Device>(token);
 }
 
-// Each evaluation sets it once for each argument; only what goes out needs the text.
+// Each evaluation sets it once for each argument, mostly to what it was; only what goes out needs the text.
 void Device::SetDeviceOperationalContext(const std::string& uri, const std::string& property,
                                          const std::string& value) {
-    _operationalContext.isSet = true;
-    _operationalContext.uri = uri;
-    _operationalContext.property = property;
-    _operationalContext.value = value;
+    auto& context = _operationalContext;
+    if (context.isSet && context.value == value && context.property.get() == property && context.uri.get() == uri) {
+        return;
+    }
+    context = {true, SharedText(uri), SharedText(property), value, {}};
 }
 
 void Device::SetDeviceOperationalContext(const device_context_struct& context) {
@@ -75,22 +77,23 @@ Device::ContextKeeper::~ContextKeeper() {
     _device._operationalContext = std::move(_context);
 }
 
-std::string Device::GetDeviceOperationalContext() const {
-    const auto& [isSet, uri, property, value] = _operationalContext;
-    if (!isSet) {
-        return {};
+const std::string& Device::GetDeviceOperationalContext() const {
+    const Context& context = _operationalContext;
+    if (context.isSet && context.text.get().empty()) {
+        Guarded([&] {
+            auto document = json::JsonValue::CreateObject();
+            document.set("uri", context.uri.get());
+            document.set("property", context.property.get());
+            document.set("value", context.value);
+            context.text = document.toString();
+        });
     }
-    return GuardedOr(std::string(), [&]() -> std::string {
-        auto document = json::JsonValue::CreateObject();
-        document.set("uri", uri.get());
-        document.set("property", property.get());
-        document.set("value", value);
-        return document.toString();
-    });
+    return context.text.get();
 }
 
 bool Device::IsCameraDevice() const {
-    return GetDeviceType() == "oic.d.camera" || GetDeviceType() == "x.com.hl.d.doorbell";
+    const std::string_view type = GetDeviceType();
+    return type == "oic.d.camera" || type == "x.com.hl.d.doorbell";
 }
 
 bool Device::IsFilteredDevice() const {

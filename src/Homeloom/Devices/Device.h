@@ -108,7 +108,7 @@ public:
     const std::string& GetSubDeviceCardJsonInfo() const { return _subDeviceCardJsonInfo; }
     void SetSubDeviceCardJsonInfo(const std::string& json) { _subDeviceCardJsonInfo = json; }
     /// JSON text of the last argument that the state text was made of.
-    std::string GetDeviceOperationalContext() const;
+    const std::string& GetDeviceOperationalContext() const;
     void SetDeviceOperationalContext(const std::string& uri, const std::string& property, const std::string& value);
     void SetDeviceOperationalContext(const device_context_struct& context);
     /// What GetDeviceOperationalContext() tells, once it was set.
@@ -117,6 +117,7 @@ public:
         SharedText uri;
         SharedText property;
         std::string value;
+        mutable SharedText text;  // made when it is first asked for
     };
     /// Puts back at its end what the device told as its context: for evaluations that are not about the state text.
     class ContextKeeper {

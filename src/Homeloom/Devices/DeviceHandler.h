@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -154,15 +155,15 @@ private:
     void addNewDevice(const std::shared_ptr<Device>& device);
     void mergeDevice(const std::shared_ptr<Device>& stored, const std::shared_ptr<Device>& newDevice);
     void updateDeviceProperty(const std::shared_ptr<Device>& device);
-    void applyUpdate(const std::string& deviceId, const std::string& uri, const std::string& rep,
-                     const std::string& dataType);
+    void applyUpdate(std::string deviceId, std::string uri, const std::string& rep, const std::string& dataType);
     /// The types that an update tells of a resource's properties.
     struct ResourceTypes {
-        json::JsonValue document;
+        std::string text;
         std::vector<std::string> members;
+        std::vector<std::optional<std::string>> types;  // nothing where the document has no text
 
-        /// Throws std::runtime_error if the document has no text there.
-        std::string typeOf(const std::string& member) const;
+        /// Of one of the members. Throws CException if the document has no text there.
+        const std::string& typeOf(const std::string* member) const;
     };
 
     // With the mutex held. Null, and logged, for an unknown id.
@@ -199,10 +200,11 @@ private:
     // Guards all that follows but the dispatchers. Shared with the devices, some of which outlive their handler for the
     // length of a job.
     const std::shared_ptr<std::recursive_mutex> _mutex = std::make_shared<std::recursive_mutex>();
-    std::map<std::string, int> _deviceTypeMap;
+    std::unordered_map<std::string, int> _deviceTypeMap;
     DeviceMap _deviceMap;
     std::unordered_map<std::string, std::unordered_set<std::string>> _vidDevicesMap;
     std::unordered_map<std::string, std::shared_ptr<const ResourceTypes>> _resourceTypes;  // by the text
+    std::shared_ptr<const ResourceTypes> _lastTypes;
     // Last, so that both threads have ended before anything else goes: their jobs name the handler by its address.
     MsgDispatcher _metadataDispatcher;
     MsgDispatcher _statusDispatcher;

@@ -1,5 +1,7 @@
 // What arrives from the agent about the values of devices, and the notification that follows.
 
+#include <optional>
+#include <string_view>
 #include <utility>
 
 #include <VMFramework/JsonValue.h>
@@ -24,6 +26,10 @@ namespace {
 
 // Not the "access_token" of the reports: the screens read this key in state updates.
 constexpr char kStateAccessToken[] = "accesstoken";
+
+// Of jobs that come with each update: a text made anew would be a walk to the heap.
+const std::string kSubscribeChanged = "_HomeLoomClientSubscribeChanged";
+const std::string kGetDeviceRemoteAttributes = "_HomeLoomClientGetDeviceRemoteAttributes";
 
 // What the agent hands back with the values that were asked for.
 struct AttributeRequest {
@@ -129,7 +135,7 @@ void DeviceHandler::_HomeLoomClientGetDeviceRemoteAttributes(int result, const c
                     id.c_str(), uriText.c_str(), rep.c_str(), dataType.c_str());
                 self->applyUpdate(id, uriText, rep, dataType);
             },
-            "_HomeLoomClientGetDeviceRemoteAttributes");
+            kGetDeviceRemoteAttributes);
     });
 }
 
@@ -149,7 +155,7 @@ void DeviceHandler::_HomeLoomClientSubscribeChanged(const char* deviceId, const 
         }
         handler->AddJobToScheduler(
             [weak = std::weak_ptr<DeviceHandler>(handler), id = std::move(id), uriText = TextOf(uri),
-             rep = TextOf(rcsRep), dataType = TextOf(resDataType), errorCode = TextOf(ocfErrorCode)] {
+             rep = TextOf(rcsRep), dataType = TextOf(resDataType), errorCode = TextOf(ocfErrorCode)]() mutable {
                 const auto self = weak.lock();
                 if (!self) {
                     return;
@@ -158,13 +164,13 @@ void DeviceHandler::_HomeLoomClientSubscribeChanged(const char* deviceId, const 
                     "_HomeLoomClientSubscribeChanged(): Device id: %s, Rcs_rep: %s, URI: %s, Res_data_type: %s, "
                     "ocf_error_code: %s",
                     id.c_str(), rep.c_str(), uriText.c_str(), dataType.c_str(), errorCode.c_str());
-                self->applyUpdate(id, uriText, rep, dataType);
+                self->applyUpdate(std::move(id), std::move(uriText), rep, dataType);
             },
-            "_HomeLoomClientSubscribeChanged");
+            kSubscribeChanged);
     });
 }
 
-void DeviceHandler::applyUpdate(const std::string& deviceId, const std::string& uri, const std::string& rep,
+void DeviceHandler::applyUpdate(std::string deviceId, std::string uri, const std::string& rep,
                                 const std::string& dataType) {
     const auto lock = Lock();
     const auto device = findDeviceOfUpdate(deviceId);
@@ -172,9 +178,9 @@ void DeviceHandler::applyUpdate(const std::string& deviceId, const std::string& 
         return;
     }
     const auto metadata = Metadata::GetInstance().FindUiMetadata(device->GetVid());
-    device_resource_info_struct info{deviceId, uri, {}};
+    device_resource_info_struct info{std::move(deviceId), std::move(uri), {}};
     // Also an update without a known property is worth a notification: it recomputes.
-    readResource(device, metadata.get(), uri, rep, dataType, info.properties);
+    readResource(device, metadata.get(), info.uri, rep, dataType, info.properties);
     showUpdate(device, metadata.get(), info);
 }
 
@@ -206,7 +212,7 @@ bool DeviceHandler::readResource(const std::shared_ptr<Device>& device, const de
     }
     // Shown by no metadata, but by screens of their own.
     std::vector<std::string> moreNames;
-    if (uri == Device::kInsideViewUri && device->IsSupportInnerView()) {
+    if (std::string_view(uri) == Device::kInsideViewUri && device->IsSupportInnerView()) {
         moreNames.emplace_back("x.com.norvane.da.fileid");
     }
     if (device->IsCameraDevice()) {
@@ -245,7 +251,7 @@ bool DeviceHandler::readResource(const std::shared_ptr<Device>& device, const de
             continue;
         }
         device_property_info_struct& property =
-            properties.emplace_back(device_property_info_struct{*member, "", types->typeOf(*member)});
+            properties.emplace_back(device_property_info_struct{*member, "", types->typeOf(member)});
         if (!CHLUtil::GetValueOf(value, property)) {
             properties.pop_back();
             HL_LOGE("GetPropertyValue [%s] failed continue", name.c_str());
@@ -268,20 +274,32 @@ bool DeviceHandler::readResource(const std::shared_ptr<Device>& device, const de
     return true;
 }
 
-std::string DeviceHandler::ResourceTypes::typeOf(const std::string& member) const {
-    return document[member].asString();
+const std::string& DeviceHandler::ResourceTypes::typeOf(const std::string* member) const {
+    const auto& type = types[static_cast<std::size_t>(member - members.data())];
+    if (!type) {
+        throw CException("type is no text", kErrorFailed);
+    }
+    return *type;
 }
 
 // A model tells the same types with each of its updates.
 std::shared_ptr<const DeviceHandler::ResourceTypes> DeviceHandler::findTypes(const std::string& text) {
     constexpr std::size_t kMostTexts = 64;
+    if (_lastTypes && _lastTypes->text == text) {
+        return _lastTypes;
+    }
     const auto found = _resourceTypes.find(text);
     if (found != _resourceTypes.end()) {
-        return found->second;
+        return _lastTypes = found->second;
     }
     const auto types = std::make_shared<ResourceTypes>();
-    types->document = json::JsonValue::Create(text);
-    types->members = types->document.getMemberNames();
+    types->text = text;
+    const auto document = json::JsonValue::Create(text);
+    types->members = document.getMemberNames();
+    for (const std::string& member : types->members) {
+        const json::JsonValue type = document[member];
+        types->types.push_back(type.isString() ? std::optional(type.asString()) : std::nullopt);
+    }
     if (_resourceTypes.size() >= kMostTexts) {
         _resourceTypes.clear();
     }
@@ -306,7 +324,8 @@ void DeviceHandler::OnResourceUpdateEvent(const device_resource_info_struct& inf
 
 void DeviceHandler::showUpdate(const std::shared_ptr<Device>& device, const device_ui_metadata_struct* metadata,
                                const device_resource_info_struct& info) {
-    const std::string oldStateText = device->GetStateText();
+    // Only the log asks for it.
+    const std::string oldStateText = Log::IsTaken(DLOG_INFO, Log::kTag) ? device->GetStateText() : std::string();
     if (CHLUtil::IsButtonDeviceType(device->GetDeviceType())) {
         handleButton(device, info);
     } else {

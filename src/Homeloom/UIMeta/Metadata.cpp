@@ -32,6 +32,8 @@ const device_dp_resource_struct* findStreamResource(const device_ui_metadata_str
 
 }  // namespace
 
+const std::string Metadata::kNone;
+
 Metadata::Metadata() : _localeCode(kDefaultLocaleCode) {
     initMaps();
     getLocaleCode();
@@ -109,15 +111,15 @@ bool Metadata::getLocale(const std::vector<std::string>& languages, std::string&
     return false;
 }
 
-std::string Metadata::translatedLabel(const std::string& label, const device_ui_metadata_struct& meta) const {
+const std::string& Metadata::translatedLabel(const std::string& label, const device_ui_metadata_struct& meta) const {
     std::string locale = _localeCode.load();
     if (!getLocale(meta.languages, locale)) {
         HL_LOGE("locale : {%s} not found in ui metadata", locale.c_str());
-        return {};
+        return kNone;
     }
     HL_LOGI("locale : %s", locale.c_str());
     const auto found = meta.translations.find(locale + label);
-    return found != meta.translations.end() ? found->second : std::string();
+    return found != meta.translations.end() ? found->second : kNone;
 }
 
 // The map of parsed metadata
@@ -226,9 +228,9 @@ std::vector<std::string> Metadata::GetPropertyNameList(const std::string& vid, c
 }
 
 const std::vector<std::string>& Metadata::ShownNames(const device_ui_metadata_struct& meta, const std::string& uri) {
-    static const std::vector<std::string> kNone;
+    static const std::vector<std::string> kNoNames;
     const auto found = meta.shown_names.find(uri);
-    return found != meta.shown_names.end() ? found->second : kNone;
+    return found != meta.shown_names.end() ? found->second : kNoNames;
 }
 
 void Metadata::SetGenericSubscribeUri(const std::string& vid, const std::string& uri) {
@@ -299,7 +301,6 @@ void Metadata::UpdateDeviceIconUrl(const DevicePtr& device) const {
 }
 
 void Metadata::updateIconUrl(Device& device, const device_ui_metadata_struct* meta) {
-    static const std::string kNone;
     device.SetIconUrl(meta != nullptr ? meta->icon_url : kNone);
 }
 

@@ -112,7 +112,7 @@ private:
     void getLocaleCode();
     static void VCONFNotifyLocaleCodeUpdate(keynode_t* node, void* user_data);
     bool getLocale(const std::vector<std::string>& languages, std::string& locale) const;
-    std::string translatedLabel(const std::string& label, const device_ui_metadata_struct& meta) const;
+    const std::string& translatedLabel(const std::string& label, const device_ui_metadata_struct& meta) const;
 
     void addParsedMetadata(const std::string& vid, UiMetadata meta);
 
@@ -162,9 +162,9 @@ private:
                                       const std::string& group);
 
     // Main action (MetadataAction.cpp). Without metadata `meta` is null.
-    static std::string mainActionControlType(const Device& device, const device_ui_metadata_struct& meta);
-    static std::string mainActionUrl(const Device& device, const device_ui_metadata_struct& meta);
-    static std::string mainActionIcon(const Device& device, const device_ui_metadata_struct* meta);
+    static const std::string& mainActionControlType(const Device& device, const device_ui_metadata_struct& meta);
+    static const std::string& mainActionUrl(const Device& device, const device_ui_metadata_struct& meta);
+    static const std::string& mainActionIcon(const Device& device, const device_ui_metadata_struct* meta);
     static bool getGenericMainAction(const Device& device, const device_ui_metadata_struct& meta, std::string& uri,
                                      std::string& property, std::string& value);
     static bool getGenericActionKeyValue(const Device& device, const std::vector<std::string>& keys,
@@ -172,15 +172,18 @@ private:
     static bool isDecidingAction(const Device& device, const device_ui_metadata_struct& meta,
                                  const device_action_struct& action);
     static bool getNextValue(const Device& device, const device_action_struct& action, std::string& value);
-    static std::string iconOrState(const Device& device, const device_action_struct& action,
-                                   const std::string& control_type);
-    static std::string checkAlternativeType(const Device& device, const device_action_struct& action);
-    static std::string getAlternativeType(const json::JsonValue& list, const device_alternative_struct& alternative,
-                                          const std::string& value);
-    static std::string findAlternativeType(const device_alternative_struct& alternative, const std::string& key);
+    static const std::string& iconOrState(const Device& device, const device_action_struct& action,
+                                          const std::string& control_type);
+    static const std::string& checkAlternativeType(const Device& device, const device_action_struct& action);
+    static const std::string& getAlternativeType(const json::JsonValue& list,
+                                                 const device_alternative_struct& alternative,
+                                                 const std::string& value);
+    static const std::string& findAlternativeType(const device_alternative_struct& alternative, const std::string& key);
 
     // Icon and streams (Metadata.cpp)
     static void updateIconUrl(Device& device, const device_ui_metadata_struct* meta);
+
+    static const std::string kNone;  // for whoever answers a text by reference and has none
 
     static bool isStartsWith(std::string_view text, std::string_view prefix) {
         return text.substr(0, prefix.size()) == prefix;

@@ -15,6 +15,7 @@ namespace VMFramework::HomeLoom {
 namespace {
 
 constexpr std::string_view kPushButton = "PushButton";
+const std::string kInactive = "inactive";
 
 /// The text that stands for an alternative in a device's value, and that is sent to it.
 std::string deviceValueOf(const std::string& key, const std::string& uri, const std::string& property) {
@@ -131,13 +132,13 @@ std::string Metadata::GetDeviceMainActionControlType(const DevicePtr& device) co
     return meta ? mainActionControlType(*device, *meta) : std::string();
 }
 
-std::string Metadata::mainActionControlType(const Device& device, const device_ui_metadata_struct& meta) {
+const std::string& Metadata::mainActionControlType(const Device& device, const device_ui_metadata_struct& meta) {
     for (const device_action_struct& action : meta.main_actions) {
         if (UIMetadataParser::isDefaultMainGroup(action.group) && isDecidingAction(device, meta, action)) {
             return action.control_type;
         }
     }
-    return {};
+    return kNone;
 }
 
 std::string Metadata::ActionUrl(const DevicePtr& device) const {
@@ -145,27 +146,27 @@ std::string Metadata::ActionUrl(const DevicePtr& device) const {
     return meta ? mainActionUrl(*device, *meta) : std::string();
 }
 
-std::string Metadata::mainActionUrl(const Device& device, const device_ui_metadata_struct& meta) {
+const std::string& Metadata::mainActionUrl(const Device& device, const device_ui_metadata_struct& meta) {
     // Unlike control type and icon, the url takes actions of every group.
     for (const device_action_struct& action : meta.main_actions) {
         if (meta.is_generic || isMainActionVisible(device, action)) {
             return action.href;
         }
     }
-    return {};
+    return kNone;
 }
 
 std::string Metadata::ActionIcon(const DevicePtr& device) const {
     return device ? mainActionIcon(*device, FindUiMetadata(device->GetVid()).get()) : std::string();
 }
 
-std::string Metadata::mainActionIcon(const Device& device, const device_ui_metadata_struct* meta) {
-    return GuardedOr(std::string(), [&]() -> std::string {
+const std::string& Metadata::mainActionIcon(const Device& device, const device_ui_metadata_struct* meta) {
+    return GuardedOr<const std::string&>(kNone, [&]() -> const std::string& {
         if (device.IsInactive()) {
-            return CHLUtil::IsDeviceTypeTVForActionState(device.GetDeviceType()) ? "inactive" : "";
+            return CHLUtil::IsDeviceTypeTVForActionState(device.GetDeviceType()) ? kInactive : kNone;
         }
         if (device.GetStatus() != DEVICE_STATUS_CONNECTED || meta == nullptr) {
-            return {};
+            return kNone;
         }
         for (const device_action_struct& action : meta->main_actions) {
             if (!UIMetadataParser::isDefaultMainGroup(action.group)) {
@@ -180,56 +181,55 @@ std::string Metadata::mainActionIcon(const Device& device, const device_ui_metad
                 HL_LOGI("ma.action_link != meta.generic_subscribe_uri");
             }
         }
-        return {};
+        return kNone;
     });
 }
 
 device_presentation_struct Metadata::GetMainActionLook(const Device& device) const {
-    const UiMetadata meta = FindUiMetadata(device.GetVid());
-    device_presentation_struct look;
-    look.action_state = mainActionIcon(device, meta.get());
-    if (meta) {
-        look.control_type = mainActionControlType(device, *meta);
-        look.action_url = mainActionUrl(device, *meta);
-    }
-    return look;
+    UiMetadata meta = FindUiMetadata(device.GetVid());
+    const std::string& state = mainActionIcon(device, meta.get());
+    const std::string& type = meta ? mainActionControlType(device, *meta) : kNone;
+    const std::string& url = meta ? mainActionUrl(device, *meta) : kNone;
+    return {kNone, type, state, url, kNone, false, 0, std::move(meta)};
 }
 
 device_presentation_struct Metadata::GetPresentation(const DevicePtr& device) const {
-    return device ? GetPresentation(*device, FindUiMetadata(device->GetVid()).get()) : device_presentation_struct();
-}
-
-device_presentation_struct Metadata::GetPresentation(Device& device, const device_ui_metadata_struct* meta) const {
-    device_presentation_struct presentation;
-    presentation.context_value = device.GetDeviceOperationalContext();
-    // A TV that sleeps is drawn as such without metadata too.
-    presentation.action_state = mainActionIcon(device, meta);
-    if (meta == nullptr) {
-        HL_LOGE("vid not found in matadata map");
-        return presentation;
+    if (!device) {
+        return {kNone, kNone, kNone, kNone, kNone, false, 0, nullptr};
     }
-    presentation.control_type = mainActionControlType(device, *meta);
-    presentation.action_url = mainActionUrl(device, *meta);
-    presentation.solenne_server_dp_uri = meta->solenne_server_dp_uri;
-    if (hasSubDeviceCard(*meta)) {
-        presentation.has_cards = true;
-        presentation.card_count = refreshSubDeviceCards(device, *meta);
-    }
+    UiMetadata meta = FindUiMetadata(device->GetVid());
+    auto presentation = GetPresentation(*device, meta.get());
+    presentation.metadata = std::move(meta);
     return presentation;
 }
 
-std::string Metadata::iconOrState(const Device& device, const device_action_struct& action,
-                                  const std::string& control_type) {
+device_presentation_struct Metadata::GetPresentation(Device& device, const device_ui_metadata_struct* meta) const {
+    const std::string& context = device.GetDeviceOperationalContext();
+    // A TV that sleeps is drawn as such without metadata too.
+    const std::string& state = mainActionIcon(device, meta);
+    if (meta == nullptr) {
+        HL_LOGE("vid not found in matadata map");
+        return {context, kNone, state, kNone, kNone, false, 0, nullptr};
+    }
+    const std::string& type = mainActionControlType(device, *meta);
+    const std::string& url = mainActionUrl(device, *meta);
+    const bool hasCards = hasSubDeviceCard(*meta);
+    const int count = hasCards ? refreshSubDeviceCards(device, *meta) : 0;
+    return {context, type, state, url, meta->solenne_server_dp_uri, hasCards, count, nullptr};
+}
+
+const std::string& Metadata::iconOrState(const Device& device, const device_action_struct& action,
+                                         const std::string& control_type) {
     return control_type == kPushButton ? action.icon_url : checkAlternativeType(device, action);
 }
 
-std::string Metadata::checkAlternativeType(const Device& device, const device_action_struct& action) {
-    return GuardedOr(std::string(), [&]() -> std::string {
+const std::string& Metadata::checkAlternativeType(const Device& device, const device_action_struct& action) {
+    return GuardedOr<const std::string&>(kNone, [&]() -> const std::string& {
         const std::string& value = getDeviceProperty(device, action.href, action.property);
         if (value.empty()) {
             HL_LOGE("{%s} got empty value for uri : %s, property {%s}", device.GetId().c_str(), action.href.c_str(),
                     action.property.c_str());
-            return {};
+            return kNone;
         }
         const bool has_untyped =
             std::any_of(action.alternatives.begin(), action.alternatives.end(),
@@ -239,32 +239,33 @@ std::string Metadata::checkAlternativeType(const Device& device, const device_ac
         }
         const json::JsonValue list = parseList(value);
         for (const device_alternative_struct& alternative : action.alternatives) {
-            std::string type = getAlternativeType(list, alternative, value);
+            const std::string& type = getAlternativeType(list, alternative, value);
             if (!type.empty()) {
                 return type;
             }
         }
-        return {};
+        return kNone;
     });
 }
 
-std::string Metadata::getAlternativeType(const json::JsonValue& list, const device_alternative_struct& alternative,
-                                         const std::string& value) {
+const std::string& Metadata::getAlternativeType(const json::JsonValue& list,
+                                                const device_alternative_struct& alternative,
+                                                const std::string& value) {
     if (list.isNull()) {
         return findAlternativeType(alternative, value);
     }
     for (std::size_t i = 0; i < list.size(); ++i) {
         const json::JsonValue element = list[i];
-        std::string type = findAlternativeType(alternative, element.asString());
+        const std::string& type = findAlternativeType(alternative, element.asString());
         if (!type.empty()) {
             return type;
         }
     }
-    return {};
+    return kNone;
 }
 
-std::string Metadata::findAlternativeType(const device_alternative_struct& alternative, const std::string& key) {
-    return alternative.key == key ? alternative.type : std::string();
+const std::string& Metadata::findAlternativeType(const device_alternative_struct& alternative, const std::string& key) {
+    return alternative.key == key ? alternative.type : kNone;
 }
 
 }  // namespace VMFramework::HomeLoom

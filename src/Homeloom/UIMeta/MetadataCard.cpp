@@ -48,6 +48,9 @@ int Metadata::SetSubDeviceCardList(const DevicePtr& device) const {
 // The cards have arguments too, but what a device tells as its context is its state's: the same in every list and
 // notify for as long as the state is the same.
 int Metadata::refreshSubDeviceCards(Device& device, const device_ui_metadata_struct& meta) const {
+    if (meta.state_groups.empty()) {
+        return setSubDeviceCards(device, meta);
+    }
     const Device::ContextKeeper keeper(device);
     return setSubDeviceCards(device, meta);
 }

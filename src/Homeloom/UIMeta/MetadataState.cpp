@@ -124,7 +124,7 @@ void Metadata::getMainStateLabel(Device& device, const device_state_struct& stat
         return;
     }
     // A label that has a translation shows the device as active.
-    const std::string label = translatedLabel(state.label, meta);
+    const std::string& label = translatedLabel(state.label, meta);
     inactive = label.empty();
     getMakeUpArgument(device, label, state, meta, text, inactive);
 }

@@ -2,6 +2,7 @@
 #define HOMELOOM_HOMELOOM_UIMETA_UIMETADATASTRUCTS_H
 
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -102,15 +103,17 @@ struct device_ui_metadata_struct {
     std::map<std::string, std::vector<std::string>> shown_names;
 };
 
-/// How a device's main action and sub devices are to be drawn now.
+/// How a device's main action and sub devices are to be drawn now. The texts are the metadata's and the device's, and
+/// stand for as long as the lock is held that guards the device.
 struct device_presentation_struct {
-    std::string context_value;  ///< of the state text: the cards' own texts change the device's
-    std::string control_type;
-    std::string action_state;
-    std::string action_url;
-    std::string solenne_server_dp_uri;
+    const std::string& context_value;  ///< of the state text: the cards' own texts change the device's
+    const std::string& control_type;
+    const std::string& action_state;
+    const std::string& action_url;
+    const std::string& solenne_server_dp_uri;
     bool has_cards = false;  ///< whether the device's JSON of sub device cards is worth sending, be it an empty one
     int card_count = 0;
+    std::shared_ptr<const device_ui_metadata_struct> metadata;  ///< where the caller doesn't hold it
 };
 
 }  // namespace VMFramework::HomeLoom

@@ -4,8 +4,8 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
+#include <deque>
 #include <functional>
-#include <list>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -133,7 +133,7 @@ private:
 
     // Recursive, since a job may post a job on the same thread.
     std::recursive_mutex _mutex;
-    std::list<std::shared_ptr<CJob>> _jobs;
+    std::deque<std::shared_ptr<CJob>> _jobs;
     std::weak_ptr<T> _owner;
     std::function<void(const std::shared_ptr<T>&)> _terminateHook = [](const std::shared_ptr<T>&) {};
     bool _initiated = false;
@@ -197,10 +197,11 @@ bool CContext<T>::_InvokeJob(const std::shared_ptr<CJob>& job, Invoker& invoker)
     bool entered = false;
     try {
         const std::shared_ptr<T> owner(_owner);
-        invoker.Invoke([this, owner, &entered] {
+        const auto run = [this, &entered] {
             entered = true;
             _ProcessJob();
-        });
+        };
+        invoker.Invoke(std::cref(run));  // a function of that size would have to be allocated
     } catch (...) {
         if (!entered) {
             // Once entered, _ProcessJob has cleared the flag itself. Clearing it twice could take it from a

@@ -28,8 +28,9 @@ public:
     Fields(std::initializer_list<Field> fields) : _fields(fields) {}
 
     void add(std::string key, Value value) { _fields.push_back({std::move(key), std::move(value)}); }
-    /// Replaces the first value of that key, or adds one.
-    void set(std::string_view key, Value value);
+    /// The first value of that key, which is made if there is none.
+    Value& at(std::string_view key);
+    void set(std::string_view key, Value value) { at(key) = std::move(value); }
     void reserve(std::size_t count) { _fields.reserve(count); }
 
     /// The first value of that key, or null.

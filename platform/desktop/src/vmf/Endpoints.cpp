@@ -55,7 +55,9 @@ const char* getText(vmf_endpoint_h handle, TextField field) {
     return endpoint != nullptr && endpoint->record.*field ? (endpoint->record.*field)->c_str() : nullptr;
 }
 
-vmf_error_e setExtraData(const char* function, vmf_endpoint_h handle, const char* key, Value value) {
+// The value is made in its place: a list sets thirty of them for each device.
+template <typename Kind, typename Data>
+vmf_error_e setExtraData(const char* function, vmf_endpoint_h handle, const char* key, Data data) {
     if (const int fault = takeFault(function)) {
         return errorOf(fault);
     }
@@ -67,7 +69,7 @@ vmf_error_e setExtraData(const char* function, vmf_endpoint_h handle, const char
     if (extraData.empty()) {
         extraData.reserve(kUsualExtraData);
     }
-    extraData.set(key, std::move(value));
+    extraData.at(key).emplace<Kind>(data);
     return VMF_ERROR_NONE;
 }
 
@@ -133,15 +135,15 @@ vmf_error_e vmf_endpoint_set_sub_device_type(vmf_endpoint_h endpoint, const char
 
 vmf_error_e vmf_endpoint_set_extra_data(vmf_endpoint_h endpoint, const char* key, const char* value) {
     // A null text is refused as a null key is.
-    return setExtraData(__func__, endpoint, value != nullptr ? key : nullptr, value != nullptr ? value : "");
+    return setExtraData<std::string>(__func__, endpoint, value != nullptr ? key : nullptr, value);
 }
 
 vmf_error_e vmf_endpoint_set_extra_data_int(vmf_endpoint_h endpoint, const char* key, int value) {
-    return setExtraData(__func__, endpoint, key, value);
+    return setExtraData<int>(__func__, endpoint, key, value);
 }
 
 vmf_error_e vmf_endpoint_set_extra_data_bool(vmf_endpoint_h endpoint, const char* key, bool value) {
-    return setExtraData(__func__, endpoint, key, value);
+    return setExtraData<bool>(__func__, endpoint, key, value);
 }
 
 const char* vmf_endpoint_get_service_name(vmf_endpoint_h endpoint) {

@@ -46,7 +46,7 @@ public:
         object->handle = handle;
         slot.object.store(object.release(), std::memory_order_relaxed);  // the handle's store publishes it
         slot.handle.store(handle, std::memory_order_release);
-        ++_live;
+        _live.fetch_add(1, std::memory_order_relaxed);
         return handle;
     }
 
@@ -89,10 +89,38 @@ public:
         }
     }
 
-    std::size_t live() const {
-        const std::lock_guard<std::mutex> lock(_mutex);
-        return _live;
+    /// Ends the handle and takes its object out like remove(), but keeps the object's place for it. Whoever has it
+    /// wakes it or leaves the place. Takes no lock.
+    std::unique_ptr<Object> rest(const void* handle) {
+        Slot* const slot = handle != nullptr ? slotAt(indexOf(handle)) : nullptr;
+        if (slot == nullptr || !slot->handle.compare_exchange_strong(handle, nullptr)) {
+            return nullptr;
+        }
+        slot->use = (slot->use + 1) & kMaxUse;
+        _live.fetch_sub(1, std::memory_order_relaxed);
+        return std::unique_ptr<Object>(slot->object.load(std::memory_order_relaxed));
     }
+
+    /// Gives a resting object a new handle.
+    Handle wake(std::unique_ptr<Object> object) {
+        const std::size_t index = indexOf(object->handle);
+        Slot& slot = *slotAt(index);
+        const Handle handle = encode(index, slot.use);
+        object.release()->handle = handle;
+        slot.handle.store(handle, std::memory_order_release);
+        _live.fetch_add(1, std::memory_order_relaxed);
+        return handle;
+    }
+
+    /// Gives the place of a resting object back.
+    void leave(const Object& object) {
+        const std::lock_guard<std::mutex> lock(_mutex);
+        const std::size_t index = indexOf(object.handle);
+        slotAt(index)->object.store(nullptr, std::memory_order_relaxed);
+        _free.push_back(index);
+    }
+
+    std::size_t live() const { return _live.load(); }
 
 private:
     struct Slot {
@@ -139,7 +167,7 @@ private:
         slot.object.store(nullptr, std::memory_order_relaxed);
         slot.use = (slot.use + 1) & kMaxUse;
         _free.push_back(indexOf(handle));
-        --_live;
+        _live.fetch_sub(1, std::memory_order_relaxed);
     }
 
     // Called with the mutex held.
@@ -155,7 +183,7 @@ private:
     const std::unique_ptr<std::atomic<Slot*>[]> _blocks { new std::atomic<Slot*>[ kBlocks ]() };
     std::size_t _used = 0;
     std::deque<std::size_t> _free;
-    std::size_t _live = 0;
+    std::atomic<std::size_t> _live{0};
 };
 
 }  // namespace homeloom::desktop

@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <memory>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -32,7 +31,8 @@ struct Property {
 
 struct PropertyList {
     vmf_property_list_h handle = nullptr;
-    std::optional<std::string> name;
+    bool isNamed = false;
+    std::string name;
     std::vector<Property*> properties;
     std::size_t first = 0;  // those before it were popped; they end with the list all the same
 };

@@ -27,8 +27,8 @@ constexpr std::size_t kLongText = 256;
 // Most lists are made, sent and ended by one thread, one after the other. Programs have this library from their start,
 // so the place can be one that is found without a call.
 struct ThreadSpares {
-    Spares<Property, 3 * kUsualProperties> properties;
-    Spares<PropertyList, 3> lists;
+    Spares<PropertyTable, Property, 3 * kUsualProperties> properties{homeloom::desktop::properties()};
+    Spares<PropertyListTable, PropertyList, 3> lists{propertyLists()};
 };
 [[gnu::tls_model("initial-exec")]] thread_local ThreadSpares spares;
 
@@ -70,10 +70,15 @@ vmf_property_h makeProperty(const char* function, const char* key, Data data, vm
         return nullptr;
     }
     std::unique_ptr<Property> property = spares.properties.take();
+    const bool isResting = property != nullptr;
+    if (!isResting) {
+        property = std::make_unique<Property>();
+    }
     setText(property->key, key);
     setValue(property->value, data);
     property->list = nullptr;
-    const vmf_property_h handle = properties().add(std::move(property));
+    const vmf_property_h handle =
+        isResting ? properties().wake(std::move(property)) : properties().add(std::move(property));
     if (handle == nullptr) {
         *error = VMF_ERROR_OUT_OF_MEMORY;
     }
@@ -119,22 +124,24 @@ void* cursorTo(const PropertyList& list, std::size_t position) {
 }
 
 void endPropertyList(vmf_property_list_h handle) {
-    auto list = propertyLists().remove(handle);
+    auto list = propertyLists().rest(handle);
     if (!list) {
         return;
     }
-    properties().removeAll(list->properties.begin(), list->properties.end());
+    ThreadSpares& mine = spares;  // found once
     // The last one first: the next list, which mostly has the same keys, takes them in their order.
     for (auto each = list->properties.rbegin(); each != list->properties.rend(); ++each) {
-        std::unique_ptr<Property> property(*each);
+        auto property = properties().rest((*each)->handle);
         const std::string* const text = std::get_if<std::string>(&property->value);
-        if (property->key.capacity() <= kLongText && (text == nullptr || text->capacity() <= kLongText)) {
-            spares.properties.give(std::move(property));
+        if (property->key.capacity() > kLongText || (text != nullptr && text->capacity() > kLongText)) {
+            std::string().swap(property->key);
+            property->value = 0;
         }
+        mine.properties.give(std::move(property));
     }
     list->properties.clear();
     list->first = 0;
-    spares.lists.give(std::move(list));
+    mine.lists.give(std::move(list));
 }
 
 }  // namespace
@@ -145,6 +152,7 @@ void PropertyListEnd::operator()(PropertyList* list) const {
 
 std::unique_ptr<PropertyList, PropertyListEnd> makePropertyList(const std::string& name, const Fields& fields) {
     auto made = std::make_unique<PropertyList>();
+    made->isNamed = true;
     made->name = name;
     PropertyList* const list = made.get();
     if (propertyLists().add(std::move(made)) == nullptr) {
@@ -209,9 +217,14 @@ vmf_property_list_h vmf_property_list_create(vmf_error_e* error) {
         return nullptr;
     }
     auto made = spares.lists.take();
-    made->name.reset();
-    made->properties.reserve(kUsualProperties);
-    const vmf_property_list_h handle = propertyLists().add(std::move(made));
+    const bool isResting = made != nullptr;
+    if (!isResting) {
+        made = std::make_unique<PropertyList>();
+        made->properties.reserve(kUsualProperties);
+    }
+    made->isNamed = false;
+    const vmf_property_list_h handle =
+        isResting ? propertyLists().wake(std::move(made)) : propertyLists().add(std::move(made));
     if (handle == nullptr) {
         *error = VMF_ERROR_OUT_OF_MEMORY;
     }
@@ -231,6 +244,7 @@ vmf_property_list_h vmf_property_list_copy(vmf_property_list_h list, vmf_error_e
         return nullptr;
     }
     auto made = std::make_unique<PropertyList>();
+    made->isNamed = source->isNamed;
     made->name = source->name;
     PropertyList* const copy = made.get();
     const vmf_property_list_h handle = propertyLists().add(std::move(made));
@@ -258,13 +272,14 @@ vmf_error_e vmf_property_list_set_name(vmf_property_list_h list, const char* nam
     if (target == nullptr || name == nullptr) {
         return VMF_ERROR_INVALID_PARAMETER;
     }
-    target->name = name;
+    target->isNamed = true;
+    setText(target->name, name);
     return VMF_ERROR_NONE;
 }
 
 const char* vmf_property_list_get_name(vmf_property_list_h list) {
     const PropertyList* source = propertyLists().get(list);
-    return source != nullptr && source->name ? source->name->c_str() : nullptr;
+    return source != nullptr && source->isNamed ? source->name.c_str() : nullptr;
 }
 
 vmf_error_e vmf_property_list_push_property(vmf_property_list_h list, vmf_property_h property) {

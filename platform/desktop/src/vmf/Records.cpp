@@ -12,14 +12,13 @@ T valueOr(const Value* value, T otherwise) {
 
 }  // namespace
 
-void Fields::set(std::string_view key, Value value) {
+Value& Fields::at(std::string_view key) {
     for (Field& field : _fields) {
         if (field.key == key) {
-            field.value = std::move(value);
-            return;
+            return field.value;
         }
     }
-    add(std::string(key), std::move(value));
+    return _fields.emplace_back(Field{std::string(key), Value()}).value;
 }
 
 const Value* Fields::find(const std::string& key) const {

@@ -60,7 +60,7 @@ int sendList(const char* function, Report::Kind kind, vmf_service_handler_h hand
     report.kind = kind;
     report.service = textOf(service);
     report.transaction = sending.transactionId();
-    report.name = sent->name.value_or("");
+    report.name = sent->isNamed ? sent->name : "";
     report.properties = fieldsOf(*sent);
     ReportStream::instance().append(std::move(report));
     return VMF_ERROR_NONE;
