@@ -9,10 +9,9 @@
 #include <string>
 #include <thread>
 
-#include <simulator/HomeLoader.h>
-
 #include "support/Desk.h"
 #include "support/Figures.h"
+#include "support/Homes.h"
 
 namespace {
 
@@ -54,7 +53,7 @@ std::string text(double rate) {
 }  // namespace
 
 int main() {
-    bench::Desk desk(simulator::loadHome(HOMELOOM_HOMES_DIR "/apartment.json"));
+    bench::Desk desk(homeloom::test::apartment());
     const double around = wakesPerSecond();  // the simulated TV's own
     desk.show();
     const double wakes = wakesPerSecond() - around;
