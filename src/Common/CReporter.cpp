@@ -73,16 +73,30 @@ struct Name {
 
 using Row = std::pair<const ReportType, std::function<void(ReportParam&)>>;
 
+// How most reports are told. It is one type for all of them: a type for each would bring its own code and its own name
+// into the library, together 28 KB of it.
+struct Told {
+    void (*logAndSend)(const Told& told, ReportParam& base);
+    Send send;
+    const char* function;
+    Name name;
+
+    void operator()(ReportParam& base) const { logAndSend(*this, base); }
+};
+
+template <typename Param>
+void LogAndSend(const Told& told, ReportParam& base) {
+    const auto& param = static_cast<const Param&>(base);
+    if (Log::IsTaken(DLOG_INFO, Log::kTag)) {
+        Log::Write(DLOG_INFO, Log::kTag, {__FILE__, told.function, __LINE__}, "%s",
+                   LineOf(told.function, param).c_str());
+    }
+    SendAs(told.send, param.transaction ? told.name.answer : told.name.update, param);
+}
+
 template <typename Param>
 Row Describe(Send send, const char* function, const Name& name) {
-    return {
-        Param::kType, [=](ReportParam& base) {
-            const auto& param = static_cast<const Param&>(base);
-            if (Log::IsTaken(DLOG_INFO, Log::kTag)) {
-                Log::Write(DLOG_INFO, Log::kTag, {__FILE__, function, __LINE__}, "%s", LineOf(function, param).c_str());
-            }
-            SendAs(send, param.transaction ? name.answer : name.update, param);
-        }};
+    return {Param::kType, Told{LogAndSend<Param>, send, function, name}};
 }
 
 template <typename Param>
