@@ -35,6 +35,7 @@ struct Settings {
 struct Shared {
     std::mutex mutex;
     HubProgram program;
+    bool isLaunched = false;  // and has not been asked anything yet
     Settings settings;
 };
 
@@ -76,9 +77,18 @@ JsonValue ask(const JsonValue& what) {
 void change(const std::function<void(Settings&)>& function) {
     const std::lock_guard<std::mutex> lock(shared().mutex);
     function(shared().settings);
-    if (shared().program.isRunning()) {
+    if (shared().program.isRunning() && !shared().isLaunched) {
         shared().program.ask(commandOf(shared().settings));
     }
+}
+
+// With the mutex held.
+void spawnProgram() {
+    const std::string socketPath = homeloom::desktop::rpc::socketPath(HubApp::kAppId, HubApp::kPortName);
+    static const int registered = std::atexit(killAtExit);
+    static_cast<void>(registered);
+    shared().program.start(socketPath, socketPath + ".info");
+    shared().isLaunched = true;
 }
 
 bool waitUntil(const std::function<bool()>& test) {
@@ -133,16 +143,22 @@ void HubApp::uninstall() {
     homeloom::desktop::packages::uninstall(kAppId);
 }
 
+void HubApp::launch() {
+    const std::lock_guard<std::mutex> lock(shared().mutex);
+    if (!shared().program.isRunning()) {
+        spawnProgram();
+    }
+}
+
 void HubApp::start() {
     const std::lock_guard<std::mutex> lock(shared().mutex);
     HubProgram& program = shared().program;
-    if (program.isRunning()) {
+    if (!program.isRunning()) {
+        spawnProgram();
+    } else if (!shared().isLaunched) {
         return;
     }
-    const std::string socketPath = homeloom::desktop::rpc::socketPath(kAppId, kPortName);
-    static const int registered = std::atexit(killAtExit);
-    static_cast<void>(registered);
-    program.start(socketPath, socketPath + ".info");
+    shared().isLaunched = false;
     try {
         program.ask(commandOf(shared().settings));
     } catch (...) {

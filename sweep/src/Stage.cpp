@@ -73,8 +73,14 @@ std::string findShared(const std::string& name) {
 }
 
 Stage::Stage(const StageOptions& options) : _options(options), _home(homeOf(options)) {
-    _hub.emplace(_home, true);
+    startHub();
     prepare();
+}
+
+void Stage::startHub() {
+    _hub.emplace(true);
+    _hub->identify(_home);
+    _hub->start();
 }
 
 void Stage::prepare() {
@@ -87,7 +93,7 @@ void Stage::restore() {
     simulator::Agent::instance().reset();
     desktop::settings::reset();
     desktop::forgetPluginExceptions();
-    _hub.emplace(_home, true);
+    startHub();
     prepare();
 }
 

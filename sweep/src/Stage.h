@@ -48,6 +48,7 @@ public:
     void restore();
 
 private:
+    void startHub();
     void prepare();
 
     // Nobody here waits for a person: time goes on as soon as everything rests.

@@ -13,18 +13,26 @@ constexpr char kHubFeature[] = "com.norvane/featureconf/iot_hub.support";
 
 }  // namespace
 
-HubHost::HubHost(const simulator::Home& home, bool isInstalled) {
+HubHost::HubHost(bool isInstalled) : _isInstalled(isInstalled) {
     desktop::system::setFeature(kHubFeature, true);
-    auto& app = simulator::HubApp::instance();
-    app.setIdentity(home.account.loginId, home.hub.deviceId);
-    if (isInstalled) {
-        app.start();
-        desktop::packages::setInstalled(simulator::HubApp::kAppId);
+    if (_isInstalled) {
+        simulator::HubApp::instance().launch();
     }
 }
 
 HubHost::~HubHost() {
     simulator::HubApp::instance().kill();
+}
+
+void HubHost::identify(const simulator::Home& home) {
+    simulator::HubApp::instance().setIdentity(home.account.loginId, home.hub.deviceId);
+}
+
+void HubHost::start() {
+    if (_isInstalled) {
+        simulator::HubApp::instance().start();
+        desktop::packages::setInstalled(simulator::HubApp::kAppId);
+    }
 }
 
 }  // namespace homeloom::tv

@@ -202,6 +202,10 @@ int run(Arguments arguments) {
     Taping taping(arguments);
     DeskClock deskClock(arguments.isTimeAuto);
     deskClock.turn();
+    std::optional<HubHost> hub;
+    if (arguments.hub != Arguments::Hub::Off) {
+        hub.emplace(arguments.hub == Arguments::Hub::On);
+    }
     ChosenHome chosen = chooseHome(arguments, taping.homeDocument());
     if (!arguments.script.empty() && !std::filesystem::is_regular_file(arguments.script)) {
         throw std::runtime_error(fmt::format("there is no script {}", arguments.script));
@@ -215,9 +219,8 @@ int run(Arguments arguments) {
     PluginHost plugin(arguments.plugin.empty() ? findPlugin(programPath()) : std::filesystem::path(arguments.plugin));
     applyDeskSettings(chosen.home.account, arguments.settings, arguments.disclaimer);
     taping.applySettings();
-    std::optional<HubHost> hub;
-    if (arguments.hub != Arguments::Hub::Off) {
-        hub.emplace(chosen.home, arguments.hub == Arguments::Hub::On);
+    if (hub) {
+        hub->identify(chosen.home);
     }
     const auto out =
         taping.tap(arguments.json ? makeJsonOutput(arguments.settled)
@@ -230,6 +233,9 @@ int run(Arguments arguments) {
     auto door = makeDoor(arguments, inbox, *out);
     Desk desk(inbox, door ? door->output() : *out, arguments.limit);
     Console console(arguments, desk, inbox, door.get(), fmt::format("HomeLoom {}, {}", HOMELOOM_VERSION, chosen.title));
+    if (hub) {
+        hub->start();
+    }
     plugin.start();
     deskClock.leaveToCommands();
     const bool succeeded = taping.end(runConsole(console, inbox));

@@ -23,6 +23,9 @@ public:
     void install();
     void uninstall();
 
+    /// Begins to start the program, for start() to find it under way. Nothing else is to be asked before that one has
+    /// returned. Throws std::runtime_error if it can't be started.
+    void launch();
     /// Starts the program and returns when it takes connections. Does nothing if it runs. Throws std::runtime_error if
     /// it can't be started.
     void start();

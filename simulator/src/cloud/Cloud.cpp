@@ -121,6 +121,7 @@ private:
 
     std::mutex _runMutex;  // one start or stop at a time
     std::unique_ptr<CertificateAuthority> _authority;
+    std::once_flag _foreignOnce;  // most runs never show it
     std::unique_ptr<CertificateAuthority> _foreignAuthority;
     std::unique_ptr<CaFile> _caFile;
     std::unique_ptr<httplib::SSLServer> _http;
@@ -133,7 +134,6 @@ void Cloud::Server::start() {
         return;
     }
     _authority = std::make_unique<CertificateAuthority>();
-    _foreignAuthority = std::make_unique<CertificateAuthority>();
     _caFile = std::make_unique<CaFile>(_authority->pem());
     auto http = std::make_unique<httplib::SSLServer>([this](SSL_CTX& context) {
         SSL_CTX_set_cert_cb(
@@ -189,8 +189,11 @@ void Cloud::Server::stop() {
 
 bool Cloud::Server::showCertificate(SSL* connection) {
     const char* const name = SSL_get_servername(connection, TLSEXT_NAMETYPE_host_name);
-    CertificateAuthority& authority = isForeign ? *_foreignAuthority : *_authority;
     try {
+        if (isForeign) {
+            std::call_once(_foreignOnce, [this] { _foreignAuthority = std::make_unique<CertificateAuthority>(); });
+        }
+        CertificateAuthority& authority = isForeign ? *_foreignAuthority : *_authority;
         return authority.use(connection, name != nullptr ? name : "localhost");
     } catch (const std::exception& e) {
         std::fprintf(stderr, "cloud: %s\n", e.what());
