@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <simulator/Agent.h>
+
 #include "Completion.h"
 #include "HomeView.h"
 
@@ -18,6 +20,9 @@ TEST(Completion, FitsThePlaceInTheLine) {
     }
     HomeView home;
     home.apply(list);
+    simulator::Home simulated;
+    simulated.models["HL-WASHER"];
+    simulator::Agent::instance().load(simulated);
     const std::pair<const char*, std::vector<std::string>> cases[] = {
         {"dev", {"device", "devices"}},
         {"do ", {"dryer", "washer", "washer-2"}},
@@ -32,6 +37,8 @@ TEST(Completion, FitsThePlaceInTheLine) {
         {"request hl_do", {"hl_do_main_action"}},
         {"request hl_do_main_action d", {"device_id="}},
         {"sim fail homeloom_client_conn", {"homeloom_client_connect"}},
+        {"sim add device new HL-W", {"HL-WASHER"}},
+        {"sim add room home HL-W", {}},
         {"dance ", {}},
         {"do \"wa", {}},
     };

@@ -72,6 +72,9 @@ json::value hintJson(const Hint& hint) {
     if (hint.kind == Hint::Kind::Choice) {
         object["choices"] = textsOf(hint.choices);
     }
+    if (!hint.behind.empty()) {
+        object["behind"] = hint.behind;
+    }
     return object;
 }
 

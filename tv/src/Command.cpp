@@ -53,6 +53,8 @@ const char* nameOf(Hint::Kind kind) {
             return "location";
         case Hint::Kind::Room:
             return "room";
+        case Hint::Kind::Model:
+            return "model";
         case Hint::Kind::Request:
             return "request";
         case Hint::Kind::AgentFunction:

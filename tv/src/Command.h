@@ -13,13 +13,14 @@ class Desk;
 
 /// What fits at one place of a command, for completion.
 struct Hint {
-    enum class Kind { Nothing, Device, Location, Room, Request, AgentFunction, Setting, Command, Choice };
+    enum class Kind { Nothing, Device, Location, Room, Model, Request, AgentFunction, Setting, Command, Choice };
 
-    Hint(Kind hintKind) : kind(hintKind) {}
+    Hint(Kind hintKind, std::string firstWord = {}) : kind(hintKind), behind(std::move(firstWord)) {}
     Hint(std::vector<std::string> hintChoices) : kind(Kind::Choice), choices(std::move(hintChoices)) {}
 
     Kind kind;
     std::vector<std::string> choices;
+    std::string behind;  // fits only if this is the command's first argument; empty: always
 };
 
 /// "device", "agent_function", ...

@@ -56,6 +56,11 @@ Words choicesOf(const Hint& hint, const HomeView& home) {
                 }
             }
             break;
+        case Hint::Kind::Model:
+            for (const auto& [vid, model] : simulator::Agent::instance().home().models) {
+                choices.push_back(vid);
+            }
+            break;
         case Hint::Kind::Request:
             return requestNames();
         case Hint::Kind::AgentFunction:
@@ -91,7 +96,11 @@ Words choicesBehind(const Words& before, const HomeView& home) {
     std::size_t at = 0;
     const Command& command = findCommand(before, at);
     const std::size_t place = before.size() - at;
-    return place < command.hints.size() ? choicesOf(command.hints[place], home) : Words();
+    if (place >= command.hints.size()) {
+        return {};
+    }
+    const Hint& hint = command.hints[place];
+    return hint.behind.empty() || (place > 0 && before[at] == hint.behind) ? choicesOf(hint, home) : Words();
 }
 
 }  // namespace

@@ -153,7 +153,9 @@ std::string catalogueSchema() {
     const json::object notify = object({{"name", text()}, {"when", text()}, {"fields", fields}});
     const json::object endpoint = object({{"entry", text()}, {"service_name", text()}, {"fields", fields}},
                                          {{"interface_type", text()}, {"device_type", text()}});
-    const json::object argument = object({{"kind", text("what fits there")}}, {{"choices", arrayOf(text())}});
+    const json::object argument =
+        object({{"kind", text("what fits there")}},
+               {{"choices", arrayOf(text())}, {"behind", text("fits only behind this first argument")}});
     const json::object command = object({{"name", text()},
                                          {"usage", text("what follows the name")},
                                          {"summary", text()},

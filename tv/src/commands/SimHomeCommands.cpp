@@ -169,7 +169,7 @@ std::vector<Command> simHomeCommands() {
          "adds something to the home",
          {"sim add device washer-2 HL-WASHER-WF24 kitchen", "sim add room home Study"},
          add,
-         {kWhat, Kind::Location}},
+         {kWhat, Hint(Kind::Location, "room"), Hint(Kind::Model, "device"), Hint(Kind::Room, "device")}},
         {"sim remove",
          "device|room|location NAME",
          "removes something from the home",
