@@ -85,6 +85,9 @@ CommandBody readCommandBody(std::string_view contentType, std::string_view body)
         throw Refusal(kBadRequest, "the body is no UTF-8 text");
     }
     CommandBody command = type == "text/plain" ? CommandBody{"", std::string(body)} : readJson(body);
+    if (command.line.find('\0') != std::string::npos) {
+        throw Refusal(kBadRequest, "the command holds a zero byte");
+    }
     constexpr char kBlanks[] = " \t\r\n";
     const std::size_t start = command.line.find_first_not_of(kBlanks);
     if (start == std::string::npos) {
