@@ -1,10 +1,8 @@
 #ifndef HOMELOOM_TV_DOOR_SPARETIME_H
 #define HOMELOOM_TV_DOOR_SPARETIME_H
 
+#include <atomic>
 #include <chrono>
-#include <condition_variable>
-#include <list>
-#include <mutex>
 #include <thread>
 
 namespace homeloom::tv {
@@ -13,6 +11,7 @@ namespace homeloom::tv {
 /// else, but mustn't starve where all processors are busy for long. All operations are thread-safe.
 class SpareTime {
 public:
+    /// Throws std::system_error if there are no descriptors left.
     SpareTime();
     ~SpareTime();
     SpareTime(const SpareTime&) = delete;
@@ -22,17 +21,13 @@ public:
     void wait(std::chrono::milliseconds patience);
 
 private:
-    struct Waiting {
-        std::condition_variable turn;
-        bool hasTurn = false;
-    };
-
     void run();
 
-    std::mutex _mutex;  // guards the next two; held for a few lines
-    std::list<Waiting*> _waiting;
-    bool _ends = false;
-    std::condition_variable _came;
+    // Counters of the kernel, and no mutex: the thread of the lowest class could be kept from its processor while it
+    // holds one, and all who wait would wait for it.
+    const int _wishes;
+    const int _turns;
+    std::atomic<bool> _ends{false};
     std::thread _thread;
 };
 
