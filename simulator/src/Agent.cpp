@@ -510,6 +510,12 @@ bool Agent::holdsUpCallers() const {
                        [](const auto& entry) { return entry.second.lateCallers() > 0; });
 }
 
+bool Agent::keepsCallers() const {
+    const auto& functions = allFunctions();
+    return std::any_of(functions.begin(), functions.end(),
+                       [](const auto& entry) { return entry.second.stuckCallers() > 0; });
+}
+
 // ---- Time ----
 
 void Agent::waitIdle() {

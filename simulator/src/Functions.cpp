@@ -213,7 +213,9 @@ void Function::hold(const Hit& hit) {
         _released.wait_for(lock, hit.delay, isCleared);
         --_lateCallers;
     } else if (hit.kind == Fault::Kind::Never) {
+        ++_stuckCallers;
         _released.wait(lock, isCleared);
+        --_stuckCallers;
     }
 }
 

@@ -48,6 +48,8 @@ public:
     int callCount() const { return _calls; }
     /// Callers that a fault keeps waiting for a while.
     int lateCallers() const { return _lateCallers; }
+    /// Callers that a fault keeps waiting until it is cleared.
+    int stuckCallers() const { return _stuckCallers; }
     Agent::Calls calls() const;
     void resetCalls();
 
@@ -57,6 +59,7 @@ private:
     const std::string _name;
     std::atomic<int> _calls{0};
     std::atomic<int> _lateCallers{0};
+    std::atomic<int> _stuckCallers{0};
     std::atomic<unsigned> _traits{0};
     std::atomic<bool> _isFaulty{false};
     mutable std::mutex _mutex;

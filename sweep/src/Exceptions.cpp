@@ -14,6 +14,7 @@ constexpr char kConnecting[] =
     "a connection that the agent never tells about counts as under way, and nobody asks anew";
 constexpr char kReadOnce[] = "a scan shows what the plug-in knows; it reads the home with the next connection";
 constexpr char kNoStream[] = "a picture or a stream that never comes is not answered";
+constexpr char kAgentAnswers[] = "the agent's answer is the answer, and nobody limits the wait for it";
 constexpr char kUnheardUpdate[] = "the plug-in does not hear of the agent's update, and keeps what it had subscribed";
 constexpr char kNoDisclaimer[] = "a disclaimer that can't be read is not accepted until the setting changes";
 constexpr char kNoHandler[] = "without a handler of the framework there is no plug-in";
@@ -36,6 +37,12 @@ const std::vector<KnownException>& knownExceptions() {
          "the agent's confirmation is the answer, and an error that it tells later has none"},
         {"homeloom_client_set_remote_attributes", "*", Judge::Answers, "_url was not answered", kNoStream},
         {"homeloom_client_set_remote_representation", "*", Judge::Answers, "_url was not answered", kNoStream},
+        {"KRCurlEasy.*", "*", Judge::Answers, "hl_get_refrigerator_innerview_url was not answered", kNoStream},
+        {"homeloom_client_move_devices", "*=never", Judge::Answers, "hl_move_devices was not answered", kAgentAnswers},
+        {"homeloom_client_get_third_party_notification_status", "*=never", Judge::Answers,
+         "get_third_party_notification_status was not answered", kAgentAnswers},
+        {"homeloom_core_get_wifilocker_user_setting", "*=never", Judge::Answers,
+         "get_wifi_locker_user_setting was not answered", kAgentAnswers},
         {"cloud.file*", "*", Judge::Answers, "hl_get_refrigerator_innerview_url was not answered", kNoStream},
         {"norvane_svcmgr_set_update_status_cb", "*", Judge::Healing, "", kUnheardUpdate},
         {"norvane_svcmgr_set_update_status_cb", "*", Judge::Recovery, "", kUnheardUpdate},

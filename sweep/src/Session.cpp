@@ -94,7 +94,7 @@ private:
             if (!_isStorm && endsSession(line) && requests.areOpen()) {
                 passTime(desk);
                 // Whoever is held inside a call, and all behind it, can't answer.
-                if (!isOwed()) {
+                if (!isOwed() && !simulator::Agent::instance().keepsCallers()) {
                     requests.closeOpen();
                 }
             }

@@ -201,6 +201,8 @@ public:
     bool isOwing() const;
     /// Whether a fault delays a call that its caller waits in.
     bool holdsUpCallers() const;
+    /// Whether a fault keeps a call from returning until it is cleared. Nothing counts as still to come for that.
+    bool keepsCallers() const;
 
     // ---- Time ----
 
