@@ -65,8 +65,7 @@ struct Trampoline<void (*)(Arguments...)> {
     }
 };
 
-/// Puts the recorder between the agent and the callback. The registration is kept for ever: nobody can know whether the
-/// agent calls once more.
+/// Puts the recorder between the agent and the callback.
 template <class Tuple>
 void replaceCallback(Tuple& arguments, const char* function, long long call) {
     constexpr std::size_t kIndex = indexOf<Tuple, Kind::Callback>();
@@ -74,7 +73,7 @@ void replaceCallback(Tuple& arguments, const char* function, long long call) {
         auto& callback = std::get<kIndex>(arguments);
         void*& userData = std::get<kIndex + 1>(arguments);
         if (callback != nullptr) {
-            userData = new Registration{function, call, reinterpret_cast<void (*)()>(callback), userData};
+            userData = Recorder::instance().keep({function, call, reinterpret_cast<void (*)()>(callback), userData});
             callback = Trampoline<std::remove_reference_t<decltype(callback)>>::call;
         }
     }

@@ -67,6 +67,11 @@ Recorder::Recorder() : _start(std::chrono::steady_clock::now()) {
     }
 }
 
+Registration* Recorder::keep(const Registration& registration) {
+    const std::lock_guard<std::mutex> lock(_mutex);
+    return &_registrations.emplace_back(registration);
+}
+
 long long Recorder::call(const char* function, const std::string& in) {
     const std::lock_guard<std::mutex> lock(_mutex);
     const long long number = ++_calls;

@@ -2,6 +2,7 @@
 #define HOMELOOM_RECORDER_RECORDER_H
 
 #include <chrono>
+#include <deque>
 #include <map>
 #include <mutex>
 #include <string>
@@ -37,6 +38,9 @@ public:
     /// False without a file: then nothing is recorded.
     bool isOn() const { return _file >= 0; }
 
+    /// Keeps it for ever: nobody can know whether the agent calls once more.
+    Registration* keep(const Registration& registration);
+
     long long call(const char* function, const std::string& in);
     void answer(long long call, int code, const std::string& out);
     void callback(const Registration& registration, const std::string& in);
@@ -58,6 +62,7 @@ private:
     int _handles = 0;
     std::map<const void*, int> _numbers;  // of handles; one that is handed out again at the same place has a new one
     Blanking _blanking;
+    std::deque<Registration> _registrations;  // which stay in their places
 };
 
 }  // namespace recorder
