@@ -5,6 +5,7 @@
 #include <homeloom_client.h>
 #include <homeloom_core.h>
 
+#include <mutex>
 #include <string>
 #include <utility>
 #include <vector>
@@ -40,11 +41,15 @@ public:
     /// What came since the last look.
     std::vector<std::string> taken() {
         agent.waitIdle();
+        const std::lock_guard<std::mutex> lock(mutex);
         return std::exchange(heard, {});
     }
 
     static AgentTest& self(void* userData) { return *static_cast<AgentTest*>(userData); }
-    void note(const std::string& text) { heard.push_back(text); }
+    void note(const std::string& text) {
+        const std::lock_guard<std::mutex> lock(mutex);
+        heard.push_back(text);
+    }
     static std::string text(const char* value) { return value == nullptr ? "null" : value; }
 
     static void onConnection(homeloom_client_error_e result, homeloom_client_connection_state_e state, void* userData) {
@@ -69,6 +74,7 @@ public:
 
     simulator::Agent& agent;
     homeloom_client_h client = nullptr;
+    std::mutex mutex;  // turning the clock puts nothing in order between the test and a callback that it brings
     std::vector<std::string> heard;
 };
 
