@@ -24,8 +24,8 @@ constexpr milliseconds kPause{10};
 constexpr milliseconds kSimPause{250};
 // So little that the plug-in doesn't notice when a client is served on its processor.
 constexpr std::size_t kBlockBytes = std::size_t{16} << 10;
-// Where all processors are busy for long, a client gets its share all the same.
-constexpr milliseconds kPatience{50};
+// No eye sees more of it, and a client then takes all that came meanwhile in one piece.
+constexpr milliseconds kClientPause{50};
 constexpr char kKeepAlive[] = ":\n\n";
 // Numbers of one run. They leave a browser's numbers exact, which have 53 bits.
 constexpr unsigned kRunBits = 22;
@@ -170,12 +170,8 @@ std::optional<std::string> EventStream::next(Position& position, milliseconds wa
     std::unique_lock<std::mutex> lock(_mutex);
     const auto follows = [this, &position] { return position._last && _ring.reachesBackTo(*position._last); };
     if (follows()) {
-        const auto hasSome = [this, &position] { return _closed || _ring.head() > *position._last; };
-        if (_published.wait_for(lock, wait, hasSome) && !_closed) {
-            lock.unlock();
-            _spareTime.wait(kPatience);
-            lock.lock();
-        }
+        _published.wait_for(lock, wait, [this, &position] { return _closed || _ring.head() > *position._last; });
+        _ended.wait_until(lock, position._next, [this] { return _closed; });
     }
     if (_closed) {
         return std::nullopt;
@@ -184,6 +180,9 @@ std::optional<std::string> EventStream::next(Position& position, milliseconds wa
         return begin(position);
     }
     const std::string text = _ring.textAfter(*position._last, kBlockBytes);
+    if (*position._last == _ring.head()) {
+        position._next = Clock::now() + kClientPause;
+    }
     return text.empty() ? kKeepAlive : text;
 }
 
@@ -218,6 +217,7 @@ void EventStream::close() {
         _closed = true;
     }
     _published.notify_all();
+    _ended.notify_all();
 }
 
 }  // namespace homeloom::tv
