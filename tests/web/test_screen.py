@@ -228,7 +228,9 @@ class Changes(ScreenTest):
 
     def test_says_when_the_agent_gives_no_answer(self):
         screen = self.screen
+        self.tv.command("scan")  # no list of the start is still to come: a key pressed on a neighbour would be a wish for it
         screen.focus("scene:good-night")
+        screen.until(lambda: screen.focused() == "scene:good-night", "the scene has the focus")
         self.tv.command("sim agent io-error")
         screen.press("ENTER")
         screen.until_shown(".toast", "No answer")
